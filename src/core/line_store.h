@@ -1,0 +1,112 @@
+// The lines of a buffer, as a value.
+//
+// A LineStore is a sequence of at least one line. Copying it copies one pointer,
+// so a snapshot costs nothing, and comparing it with an unchanged copy is one
+// comparison of pointers; every change is logarithmic in the size of the text.
+// Lines hold any bytes, line feeds and zeros included; long lines are no special
+// case, since nothing ever needs a line in one piece.
+//
+// A place is a Position (zero-based row and byte column) or an offset: the number
+// of bytes before it when every line but the last is followed by one line break.
+// Inside stands a tree of pieces, see core/line_tree.h and docs/line-store.md.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/line_tree.h"
+#include "core/position.h"
+
+namespace tpu {
+
+class LineStore {
+  public:
+    LineStore() = default;                                           // one empty line
+    explicit LineStore(const std::vector<std::string>& lines);       // empty: one empty line
+    static LineStore from_text(std::string_view text);               // split at line feeds
+    static LineStore from_pieces(tree::Pieces pieces);
+    // The first `bytes` bytes of the block, split at line feeds.
+    static LineStore from_block(const Ref<TextBlock>& block, std::size_t bytes);
+
+    // Reading. Rows are below size(), columns at most length(row) unless said otherwise.
+    std::uint64_t size() const { return tree_.size.breaks + 1; }  // lines
+    std::uint64_t bytes() const { return tree_.size.bytes; }      // line breaks included
+    std::uint64_t length(std::uint64_t row) const;                // bytes of a line
+    std::string operator[](std::uint64_t row) const { return slice({row, 0}, length(row)); }
+    // At most `count` bytes from `from` on, never past the end of its line; a column
+    // past the end gives nothing.
+    std::string slice(Position from, std::uint64_t count) const;
+    unsigned char at(Position place) const;  // column below length(row)
+    std::string text(std::uint64_t from, std::uint64_t to) const;  // line feeds at line ends
+    std::vector<std::string> lines() const;  // all of them, copied
+
+    // Offsets and positions. A row at or past size() is the end of the text.
+    std::uint64_t row_start(std::uint64_t row) const;
+    std::uint64_t offset(Position place) const { return row_start(place.row) + place.column; }
+    Position position(std::uint64_t offset) const;  // offset at most bytes()
+
+    // A run of bytes that lies in one piece of memory, with the offset of its
+    // first byte. In a raw chunk line feeds are text, elsewhere they end lines.
+    struct Chunk {
+        std::string_view text;
+        std::uint64_t begin = 0;
+        bool raw = false;
+        std::uint64_t end() const { return begin + text.size(); }
+    };
+    // The chunk that holds the byte at `offset`; empty at the end of the text.
+    Chunk chunk_at(std::uint64_t offset) const;
+    // Calls visit(span) for the runs of memory that make up [from, to), joined as
+    // far as they lie side by side, until one call returns false.
+    void for_each_span(std::uint64_t from, std::uint64_t to,
+                       const std::function<bool(std::string_view)>& visit) const;
+
+    // Offset of the first occurrence of `needle` within one line at or after `from`.
+    std::optional<std::uint64_t> find(std::string_view needle, std::uint64_t from) const;
+
+    // Changing. Offsets are at most bytes().
+    void insert(std::uint64_t offset, std::string_view bytes);  // into a line; line feeds are text
+    void insert_break(std::uint64_t offset);                    // ends a line here
+    void insert(std::uint64_t offset, const LineStore& text);
+    void erase(std::uint64_t from, std::uint64_t to);
+    void replace(std::uint64_t from, std::uint64_t to, const LineStore& text);
+
+    // Changing whole lines.
+    void set(std::uint64_t row, std::string_view line);
+    void insert_line(std::uint64_t row, std::string_view line);  // row up to size()
+    void erase_line(std::uint64_t row);                          // the only line is emptied
+
+    // Same lines. Immediate when both are copies of one text, and when sizes differ.
+    friend bool operator==(const LineStore& a, const LineStore& b) {
+        return tree::equal(a.tree_, b.tree_);
+    }
+    // True when nothing was changed since one was copied from the other. False says nothing.
+    bool is_same_version(const LineStore& other) const { return tree_.node == other.tree_.node; }
+
+    // Asserts the invariants of the structure, in builds with assertions.
+    void check_invariants() const { tree::check(tree_); }
+
+  private:
+    tree::Tree tree_;
+    Ref<TextBlock> tail_;  // block that takes inserted text
+    bool has_raw_ = false;  // some line may hold a line feed as text
+};
+
+// Puts a text together from front to back; faster than inserting at the end.
+class TextBuilder {
+  public:
+    void append(std::string_view bytes);  // line feeds are text
+    void append_break();
+    LineStore take();  // the text; the builder is empty again
+
+  private:
+    void add(std::string_view bytes, bool raw);
+
+    tree::Pieces pieces_;
+    Ref<TextBlock> block_;
+};
+
+}  // namespace tpu
