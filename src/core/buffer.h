@@ -1,0 +1,160 @@
+// A text with a cursor and attributes: what the editor edits.
+//
+// Places are zero-based (row, byte column) pairs. The primitives never fail: bad
+// places are clamped, and changes to an unmodifiable buffer are skipped ("guarded"
+// below). Undo is a stack of snapshots of the whole text, which LineStore makes
+// free; callers take one with push_undo before they change something.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/attr.h"
+#include "core/charset.h"
+#include "core/line_store.h"
+#include "core/marker.h"
+
+namespace tpu {
+
+struct TPUPattern;
+
+class Buffer {
+  public:
+    struct Snapshot {
+        LineStore lines;
+        std::uint64_t cursor_row = 0;
+        std::uint64_t cursor_column = 0;
+        std::uint64_t view_line = 0;
+
+        // Same text and same cursor; the view does not count.
+        bool same_place_and_text(const Snapshot& other) const;
+    };
+    struct VideoRegion {
+        Range range;
+        Attr attr = Attr::none;
+    };
+    enum class Case { upper = 0, lower = 1, invert = 2 };
+
+    Buffer(std::string buffer_name, std::string file)
+        : name(std::move(buffer_name)), file_name(std::move(file)) {}
+    Buffer(const Buffer&) = delete;
+    Buffer& operator=(const Buffer&) = delete;
+
+    std::string name;
+    std::string file_name;  // read from and written to; may be empty
+    LineStore lines;
+    bool modified = false;
+    bool insert_mode = true;  // false: overstrike
+    bool modifiable = true;
+    bool permanent = false;
+    bool no_write = false;
+    bool system = false;
+    bool reverse = false;  // direction
+    bool journaling = false;
+    bool binary_journal = false;
+    std::uint64_t cursor_row = 0;
+    std::uint64_t cursor_column = 0;  // past the line's end only with free_cursor
+    std::uint64_t view_line = 0;      // first row that a window shows
+    std::uint64_t left_margin = 1;    // one-based columns
+    std::uint64_t right_margin = 80;
+    std::uint64_t max_lines = 0;
+    std::vector<std::uint64_t> tab_stops;  // one-based columns, ascending; empty: every 8
+    bool auto_wrap = false;
+    bool backup_on_write = true;
+    std::string eob_text = "[End of file]";
+    std::string key_map_list;  // name of the list for keys in this buffer; empty: the editor's
+    std::string journal_file;
+    std::uint64_t file_time = 0;  // milliseconds since the epoch; 0: unknown
+    std::vector<VideoRegion> video_regions;
+    std::vector<Snapshot> undo_stack;  // oldest first
+    std::vector<Snapshot> redo_stack;
+    std::uint64_t undo_limit = 200;
+    bool undo_enabled = true;
+    std::optional<Marker> select_anchor;
+    bool box_select = false;
+    std::string paste_text;
+    std::vector<std::string> box_register;
+    bool free_cursor = false;
+    std::uint64_t history_moves = 0;  // how often undo and redo have succeeded
+
+    // buffer_cursor.cc: cursor, marks, selection
+    void clamp_cursor();
+    std::string current_line();  // a copy; line_length() where the size will do
+    std::uint64_t line_length();  // bytes of the cursor line
+    char current_character() const;  // line feed at the line's end
+    std::uint64_t current_offset_in_line() const;  // offset in the whole text
+    void move_vertical(int n);
+    void move_horizontal(int n);  // crosses one line end at most
+    void materialize_cursor_column();
+    void beginning_of_buffer();
+    void end_of_buffer();
+    void position(const Marker& marker);  // one of another buffer is ignored
+    Marker mark(bool free);
+    void select();
+    std::optional<Range> select_range();
+    bool position_in_range(std::uint64_t row, std::uint64_t column, const Range& range) const;
+
+    // buffer_lines.cc: splitting, joining and erasing; guarded
+    void split_line();
+    void append_line();
+    void erase_line();
+    void erase_character_at_cursor();
+    void erase_character_left();
+    void erase_n_characters(int n);  // below 0: to the left
+
+    // buffer_undo.cc
+    Snapshot snap() const;
+    void restore_snap(const Snapshot& snapshot);
+    void push_undo(bool clear_redo);
+    void push_undo(Snapshot snapshot, bool clear_redo);
+    bool undo();  // false: nothing to undo
+    bool redo();
+
+    // buffer_typing.cc; guarded
+    void copy_text(char c);
+    Range copy_text(std::string_view text);  // the inserted span
+    void insert_tab();
+    void wrap_current_line();
+
+    // buffer_transform.cc; guarded but for shift_columns
+    void fill_range(const Range& range, std::uint64_t left, std::uint64_t right);
+    static char xform_case(char c, Case mode);
+    void change_case_buffer(Case mode);
+    void change_case_range(const Range& range, Case mode);
+    void change_case_word(Case mode);
+    void translate(std::string_view from, std::string_view to);
+    void translate_range(const Range& range, std::string_view from, std::string_view to);
+    void shift_columns(int n);
+
+    // buffer_ranges.cc; guarded but for text_of_range
+    void erase_range(const Range& range);
+    std::string text_of_range(const Range& range) const;
+    void box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1, std::uint64_t col2);
+    void box_paste(std::uint64_t row, std::uint64_t col);
+
+    // buffer_characters.cc: what keys do where a character may have several bytes.
+    // A cursor inside a character counts as standing before it.
+    void move_character_left(Charset charset);
+    void move_character_right(Charset charset);
+    void erase_character_left(Charset charset);
+    void erase_character_at_cursor(Charset charset);
+    void type_character(std::string_view character, Charset charset);  // as copy_text(char)
+
+    // pattern/search.cc
+    std::optional<Range> search_pattern_forward(const TPUPattern& pattern, bool move_cursor,
+                                                bool wrap);
+    std::optional<Range> search_pattern_backward(const TPUPattern& pattern, bool move_cursor);
+    bool search_forward(std::string_view text);  // from just past the cursor; moves it
+    bool search_from_top(std::string_view text);
+
+    // store/load.cc, store/save.cc
+    bool load_file(const std::string& path);   // false: unreadable, text unchanged
+    bool write_file(const std::string& path);  // empty: to file_name
+    static std::uint64_t file_mtime_ms(const std::string& path);  // 0: unknown
+};
+
+}  // namespace tpu

@@ -1,0 +1,69 @@
+// The outside world as the editor sees it, handed in so that tests can be it.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "editor/frame.h"
+#include "keys/key_code.h"
+
+namespace tpu {
+
+struct ScreenSize {
+    int rows = 0;
+    int cols = 0;
+};
+
+struct MouseEvent {
+    int row = 0;  // screen cells, zero-based
+    int col = 0;
+    bool clicked = false;  // button 1 was pressed or clicked
+};
+
+// A character terminal.
+class Terminal {
+  public:
+    virtual ~Terminal() = default;
+
+    // Takes the terminal over for full-screen work. Empty on success, else one
+    // line that says why it cannot be.
+    virtual std::string start() = 0;
+    virtual ScreenSize size() = 0;
+    virtual void present(const Frame& frame) = 0;
+
+    // The next key code, waiting at most `wait_ms` milliseconds for it (below 0:
+    // without limit); kNoKey when the time is up. kKeyResize: size() has changed.
+    // kKeyPaste: fetch the text with take_paste(). kKeyMouse: fetch it with mouse().
+    // kKeyHangup: no more keys will come.
+    virtual int read_key(int wait_ms) = 0;
+    // True when read_key would give a key without waiting.
+    virtual bool key_waiting() = 0;
+    virtual std::string take_paste() = 0;
+    virtual std::optional<MouseEvent> mouse() = 0;
+
+    virtual void beep() = 0;
+    // Gives the terminal back for a while, and takes it over again.
+    virtual void leave() = 0;
+    virtual void enter() = 0;
+};
+
+class Clock {
+  public:
+    using time_point = std::chrono::steady_clock::time_point;
+
+    virtual ~Clock() = default;
+    virtual time_point now() = 0;
+};
+
+class SteadyClock : public Clock {
+  public:
+    time_point now() override { return std::chrono::steady_clock::now(); }
+};
+
+struct Ports {
+    Terminal& terminal;
+    Clock& clock;
+};
+
+}  // namespace tpu
