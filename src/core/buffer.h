@@ -80,6 +80,7 @@ class Buffer {
     std::vector<std::string> box_register;
     bool free_cursor = false;
     std::uint64_t history_moves = 0;  // how often undo and redo have succeeded
+    Snapshot last_restored;           // what the latest of them brought back
 
     // buffer_cursor.cc: cursor, marks, selection
     void clamp_cursor();
@@ -116,7 +117,8 @@ class Buffer {
 
     // buffer_typing.cc; guarded
     void copy_text(char c);
-    Range copy_text(std::string_view text);  // the inserted span
+    // The inserted span. With Charset::utf8 the text overstrikes whole characters.
+    Range copy_text(std::string_view text, Charset charset = Charset::bytes);
     void insert_tab();
     void wrap_current_line();
 

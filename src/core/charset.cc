@@ -29,9 +29,7 @@ Decoded decode_utf8(std::string_view bytes) {
 }
 
 std::string encode_utf8(char32_t code) {
-    auto continuation = [&](int shift) {
-        return static_cast<char>(0x80 | (code >> shift & 0x3f));
-    };
+    auto continuation = [&](int shift) { return static_cast<char>(0x80 | (code >> shift & 0x3f)); };
     if (code < 0x80) return {static_cast<char>(code)};
     if (code < 0x800) return {static_cast<char>(0xc0 | code >> 6), continuation(0)};
     if (code < 0x10000) {

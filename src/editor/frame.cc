@@ -7,6 +7,16 @@ namespace tpu {
 Surface::Surface(int rows, int cols)
     : rows_(rows > 0 ? rows : 0), cols_(cols > 0 ? cols : 0), cells_(index(rows_, 0)) {}
 
+void Surface::put(int row, int col, Cell cell) {
+    if (!contains(row, col)) return;
+    Cell& place = at(row, col);
+    if (place.glyph == 0 && cell.glyph != 0 && col > 0) at(row, col - 1).glyph = U' ';
+    if (cell.glyph != 0 && col + 1 < cols_ && at(row, col + 1).glyph == 0) {
+        at(row, col + 1).glyph = U' ';
+    }
+    place = cell;
+}
+
 void Surface::blank(int row, int col, int count, Attr attr) {
     for (int i = 0; i < count; ++i) put(row, col + i, {U' ', attr});
 }

@@ -31,11 +31,10 @@ class Surface {
     Cell& at(int row, int col) { return cells_[index(row, col)]; }
     const Cell& at(int row, int col) const { return cells_[index(row, col)]; }
 
-    // Sets one cell; places outside the surface are skipped.
-    void put(int row, int col, Cell cell) {
-        if (contains(row, col)) at(row, col) = cell;
-    }
-    // Sets the attribute of `count` cells from (row, col) on and makes them blank.
+    // Sets one cell; places outside the surface are skipped. A two-cell glyph that
+    // loses one of its cells is blanked.
+    void put(int row, int col, Cell cell);
+    // Makes `count` cells from (row, col) on blank, with this attribute.
     void blank(int row, int col, int count, Attr attr = Attr::none);
 
     // The glyphs of a row as UTF-8, without attributes; for tests and messages.

@@ -20,8 +20,19 @@ namespace tpu {
 
 struct TPUPatternToken {
     enum Kind : std::uint32_t {
-        kLiteral, kAny, kNotAny, kArb, kScan, kScanL, kSpan, kSpanL,
-        kLineBegin, kLineEnd, kPageBreak, kRemain, kUnanchor,
+        kLiteral,
+        kAny,
+        kNotAny,
+        kArb,
+        kScan,
+        kScanL,
+        kSpan,
+        kSpanL,
+        kLineBegin,
+        kLineEnd,
+        kPageBreak,
+        kRemain,
+        kUnanchor,
     };
 
     Kind kind = kLiteral;

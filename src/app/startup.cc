@@ -1,0 +1,56 @@
+#include "app/startup.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+
+#include "editor/editor.h"
+
+namespace tpu {
+
+namespace {
+
+constexpr const char* kGreeting =
+    "Ctrl-Z command, Ctrl-X EXIT, F2 or `HELP` for help, `HELP <topic>` for a section";
+
+// What to tell about a file that is there but could not be read; else empty.
+std::string load_file(Buffer& buffer, const std::string& file) {
+    buffer.name = file;
+    if (buffer.load_file(file)) return {};
+    int error = errno;
+    buffer.file_name = file;
+    struct stat status;
+    if (stat(file.c_str(), &status) != 0 && errno == ENOENT) return {};
+    if (S_ISDIR(status.st_mode)) error = EISDIR;
+    return "Cannot read " + file + ": " + std::strerror(error);
+}
+
+void go_to_line(Buffer& buffer, std::uint64_t line) {
+    if (line == 0) return;
+    buffer.cursor_row = std::min(line, buffer.lines.size()) - 1;
+}
+
+}  // namespace
+
+int run_session(const Options& options, Ports ports, Charset charset) {
+    TPUEditor editor(ports);
+    editor.charset = charset;
+    Buffer* main = editor.create_buffer("MAIN", "");
+    std::string trouble;
+    if (!options.file.empty()) trouble = load_file(*main, options.file);
+    go_to_line(*main, options.line);
+    editor.init_screen();
+    if (!options.section_file.empty()) {
+        std::fprintf(stderr, "tpu: /SECTION=%s failed to load\n", options.section_file.c_str());
+    }
+    editor.set_message(kGreeting);
+    if (!trouble.empty()) editor.set_message(trouble);
+    editor.run();
+    return editor.exit_status;
+}
+
+}  // namespace tpu

@@ -1,0 +1,13 @@
+// An interactive session from its first buffer to its exit status.
+#pragma once
+
+#include "app/options.h"
+#include "core/charset.h"
+#include "editor/ports.h"
+
+namespace tpu {
+
+// Runs the editor on this terminal until the user leaves it; its exit status.
+int run_session(const Options& options, Ports ports, Charset charset);
+
+}  // namespace tpu

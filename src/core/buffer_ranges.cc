@@ -1,0 +1,63 @@
+// Spans of a text and rectangles.
+#include <algorithm>
+
+#include "core/buffer.h"
+
+namespace tpu {
+
+namespace {
+
+bool inside(const LineStore& lines, const Range& range) {
+    return range.start.row < lines.size() && range.end.row < lines.size();
+}
+
+std::uint64_t clipped_offset(const LineStore& lines, const Marker& marker) {
+    return lines.offset({marker.row, std::min(marker.column, lines.length(marker.row))});
+}
+
+}  // namespace
+
+void Buffer::erase_range(const Range& range) {
+    if (!modifiable || range.buffer() != this || !inside(lines, range)) return;
+    cursor_row = range.start.row;
+    cursor_column = std::min(range.start.column, lines.length(cursor_row));
+    lines.erase(lines.offset({cursor_row, cursor_column}), clipped_offset(lines, range.end));
+    modified = true;
+}
+
+std::string Buffer::text_of_range(const Range& range) const {
+    if (range.buffer() != this || !inside(lines, range)) return {};
+    return lines.text(clipped_offset(lines, range.start), clipped_offset(lines, range.end));
+}
+
+void Buffer::box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1,
+                     std::uint64_t col2) {
+    if (!modifiable) return;
+    if (col1 > col2) std::swap(col1, col2);
+    if (row1 > row2) std::swap(row1, row2);
+    box_register.clear();
+    for (std::uint64_t row = row1; row <= row2 && row < lines.size(); ++row) {
+        box_register.push_back(lines.slice({row, col1}, col2 - col1));
+        std::uint64_t from = lines.offset({row, std::min(col1, lines.length(row))});
+        lines.erase(from, from + box_register.back().size());
+    }
+    cursor_row = std::min(row1, lines.size() - 1);
+    cursor_column = std::min(col1, lines.length(cursor_row));
+    modified = true;
+}
+
+void Buffer::box_paste(std::uint64_t row, std::uint64_t col) {
+    if (!modifiable || box_register.empty()) return;
+    for (const std::string& text : box_register) {
+        while (row >= lines.size()) lines.insert_break(lines.bytes());
+        std::uint64_t length = lines.length(row);
+        if (length < col) {
+            lines.insert(lines.offset({row, length}), std::string(col - length, ' '));
+        }
+        lines.insert(lines.offset({row, col}), text);
+        ++row;
+    }
+    modified = true;
+}
+
+}  // namespace tpu

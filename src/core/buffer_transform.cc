@@ -1,0 +1,192 @@
+// Changes to the characters of a text: fill, case, translation, shift.
+#include <algorithm>
+#include <array>
+
+#include "core/ascii.h"
+#include "core/buffer.h"
+
+namespace tpu {
+
+namespace {
+
+// What becomes of each byte.
+using ByteMap = std::array<char, 256>;
+
+ByteMap case_map(Buffer::Case mode) {
+    ByteMap map;
+    for (std::size_t i = 0; i < map.size(); ++i)
+        map[i] = Buffer::xform_case(static_cast<char>(i), mode);
+    return map;
+}
+
+ByteMap translation(std::string_view from, std::string_view to) {
+    ByteMap map;
+    for (std::size_t i = 0; i < map.size(); ++i) {
+        auto byte = static_cast<char>(i);
+        std::size_t place = from.find(byte);
+        map[i] = place < to.size() ? to[place] : byte;  // npos is past any size
+    }
+    return map;
+}
+
+// Maps every byte of [from, to) that is not a line break.
+void map_bytes(LineStore& lines, std::uint64_t from, std::uint64_t to, const ByteMap& map) {
+    TextBuilder mapped;
+    std::string part;
+    for (std::uint64_t at = from; at < to;) {
+        LineStore::Chunk chunk = lines.chunk_at(at);
+        std::string_view rest = chunk.text.substr(at - chunk.begin, to - at);
+        std::size_t size = chunk.raw ? rest.size() : std::min(rest.find('\n'), rest.size());
+        part.assign(rest.substr(0, size));
+        for (char& c : part) c = map[static_cast<unsigned char>(c)];
+        mapped.append(part);
+        at += size;
+        if (size < rest.size()) {
+            mapped.append_break();
+            ++at;
+        }
+    }
+    lines.replace(from, to, mapped.take());
+}
+
+// The rows and columns of a range, cut to what the text has, as offsets.
+std::pair<std::uint64_t, std::uint64_t> offsets(const LineStore& lines, const Range& range) {
+    auto offset = [&](const Marker& marker) {
+        if (marker.row >= lines.size()) return lines.bytes();
+        return lines.offset({marker.row, std::min(marker.column, lines.length(marker.row))});
+    };
+    return {offset(range.start), offset(range.end)};
+}
+
+std::vector<std::string> words_of(std::string_view text) {
+    std::vector<std::string> words;
+    auto end = text.begin();
+    while (true) {
+        auto begin = std::find_if_not(end, text.end(), ascii::is_space);
+        if (begin == text.end()) return words;
+        end = std::find_if(begin, text.end(), ascii::is_space);
+        words.emplace_back(begin, end);
+    }
+}
+
+std::vector<std::string> fill(const std::vector<std::string>& words, std::uint64_t left,
+                              std::uint64_t right) {
+    const std::string indent(left - 1, ' ');
+    std::vector<std::string> filled;
+    std::string current = indent;
+    bool first = true;
+    for (const std::string& word : words) {
+        if (!first && current.size() + 1 + word.size() > right) {
+            filled.push_back(std::move(current));
+            current = indent + word;
+        } else {
+            if (!first) current += ' ';
+            current += word;
+        }
+        first = false;
+    }
+    filled.push_back(std::move(current));
+    return filled;
+}
+
+// The first column from `column` on whose byte is or is not a blank; else the line's length.
+std::uint64_t find_blank(const LineStore& lines, Position from, bool wanted) {
+    constexpr std::uint64_t kStretch = 256;
+    std::uint64_t length = lines.length(from.row);
+    while (from.column < length) {
+        std::string stretch = lines.slice(from, kStretch);
+        for (char c : stretch) {
+            if (ascii::is_space(c) == wanted) return from.column;
+            ++from.column;
+        }
+    }
+    return length;
+}
+
+}  // namespace
+
+void Buffer::fill_range(const Range& range, std::uint64_t left, std::uint64_t right) {
+    if (!modifiable || range.buffer() != this) return;
+    if (right <= left || right == 0) right = right_margin;
+    if (left == 0) left = 1;
+    std::vector<std::string> filled = fill(words_of(text_of_range(range)), left, right);
+    erase_range(range);
+    for (std::size_t i = 0; i < filled.size(); ++i) {
+        if (i > 0) split_line();
+        copy_text(filled[i]);
+    }
+    modified = true;
+}
+
+char Buffer::xform_case(char c, Case mode) {
+    switch (mode) {
+        case Case::upper:
+            return ascii::to_upper(c);
+        case Case::lower:
+            return ascii::to_lower(c);
+        case Case::invert:
+            return ascii::to_upper(c) != c ? ascii::to_upper(c) : ascii::to_lower(c);
+    }
+    return c;
+}
+
+void Buffer::change_case_buffer(Case mode) {
+    if (!modifiable) return;
+    map_bytes(lines, 0, lines.bytes(), case_map(mode));
+    modified = true;
+}
+
+void Buffer::change_case_range(const Range& range, Case mode) {
+    if (!modifiable || range.buffer() != this) return;
+    auto [from, to] = offsets(lines, range);
+    map_bytes(lines, from, to, case_map(mode));
+    modified = true;
+}
+
+void Buffer::change_case_word(Case mode) {
+    if (!modifiable) return;
+    clamp_cursor();
+    std::uint64_t begin = find_blank(lines, {cursor_row, cursor_column}, false);
+    std::uint64_t end = find_blank(lines, {cursor_row, begin}, true);
+    map_bytes(lines, lines.offset({cursor_row, begin}), lines.offset({cursor_row, end}),
+              case_map(mode));
+    cursor_column = end;
+    modified = true;
+}
+
+void Buffer::translate(std::string_view from, std::string_view to) {
+    if (!modifiable || from.empty()) return;
+    map_bytes(lines, 0, lines.bytes(), translation(from, to));
+    modified = true;
+}
+
+void Buffer::translate_range(const Range& range, std::string_view from, std::string_view to) {
+    if (!modifiable || from.empty() || range.buffer() != this) return;
+    auto [begin, end] = offsets(lines, range);
+    map_bytes(lines, begin, end, translation(from, to));
+    modified = true;
+}
+
+// Deliberate: works on an unmodifiable buffer too, and on every line of it.
+void Buffer::shift_columns(int n) {
+    modified = true;
+    if (n == 0) return;
+    TextBuilder shifted;
+    const std::string spaces(n > 0 ? static_cast<std::size_t>(n) : 0, ' ');
+    const std::uint64_t dropped = n < 0 ? -static_cast<std::uint64_t>(n) : 0;
+    std::uint64_t start = 0;
+    for (std::uint64_t row = 0; row < lines.size(); ++row) {
+        if (row > 0) shifted.append_break();
+        shifted.append(spaces);
+        std::uint64_t end = start + lines.length(row);
+        std::uint64_t kept = std::min(start + dropped, end);
+        lines.for_each_span(kept, end, [&](std::string_view span) {
+            shifted.append(span);
+            return true;
+        });
+        start = end + 1;
+    }
+    lines = shifted.take();
+}
+
+}  // namespace tpu

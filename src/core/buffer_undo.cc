@@ -1,0 +1,60 @@
+// Snapshots, undo and redo.
+#include "core/buffer.h"
+
+namespace tpu {
+
+bool Buffer::Snapshot::same_place_and_text(const Snapshot& other) const {
+    return cursor_row == other.cursor_row && cursor_column == other.cursor_column &&
+           lines == other.lines;
+}
+
+Buffer::Snapshot Buffer::snap() const {
+    return {lines, cursor_row, cursor_column, view_line};
+}
+
+void Buffer::restore_snap(const Snapshot& snapshot) {
+    lines = snapshot.lines;
+    cursor_row = snapshot.cursor_row;
+    cursor_column = snapshot.cursor_column;
+    view_line = snapshot.view_line;
+    modified = true;  // Deliberate: even when this is the text on disk.
+}
+
+void Buffer::push_undo(bool clear_redo) {
+    push_undo(snap(), clear_redo);
+}
+
+void Buffer::push_undo(Snapshot snapshot, bool clear_redo) {
+    if (!undo_enabled) return;
+    undo_stack.push_back(std::move(snapshot));
+    if (undo_stack.size() > undo_limit) undo_stack.erase(undo_stack.begin());
+    if (clear_redo) redo_stack.clear();
+}
+
+namespace {
+
+// Puts the present state on one stack and takes the newest of the other.
+bool travel(Buffer& buffer, std::vector<Buffer::Snapshot>& from,
+            std::vector<Buffer::Snapshot>& to) {
+    if (from.empty()) return false;
+    to.push_back(buffer.snap());
+    buffer.last_restored = std::move(from.back());
+    from.pop_back();
+    buffer.undo_enabled = false;
+    buffer.restore_snap(buffer.last_restored);
+    buffer.undo_enabled = true;
+    ++buffer.history_moves;
+    return true;
+}
+
+}  // namespace
+
+bool Buffer::undo() {
+    return travel(*this, undo_stack, redo_stack);
+}
+
+bool Buffer::redo() {
+    return travel(*this, redo_stack, undo_stack);
+}
+
+}  // namespace tpu

@@ -1,0 +1,59 @@
+// The buffers of the session.
+#include <algorithm>
+
+#include "editor/editor.h"
+
+namespace tpu {
+
+Buffer* TPUEditor::create_buffer(const std::string& name, const std::string& file) {
+    buffers.push_back(std::make_unique<Buffer>(name, file));
+    Buffer* buffer = buffers.back().get();
+    if (!current_buffer) current_buffer = buffer;
+    return buffer;
+}
+
+Buffer* TPUEditor::find_buffer(const std::string& name) {
+    for (const auto& buffer : buffers) {
+        if (buffer->name == name) return buffer.get();
+    }
+    return nullptr;
+}
+
+bool TPUEditor::owns(const Buffer* buffer) const {
+    return std::any_of(buffers.begin(), buffers.end(),
+                       [&](const auto& owned) { return owned.get() == buffer; });
+}
+
+void TPUEditor::position(Buffer* buffer) {
+    if (buffer) current_buffer = buffer;
+}
+
+namespace {
+
+// Makes the buffer current that stands `step` places further on, round the end.
+void cycle_buffers(TPUEditor& editor, std::size_t step) {
+    auto& buffers = editor.buffers;
+    if (buffers.empty()) return;
+    auto current = std::find_if(buffers.begin(), buffers.end(), [&](const auto& buffer) {
+        return buffer.get() == editor.current_buffer;
+    });
+    if (current == buffers.end()) {
+        editor.current_buffer = buffers.front().get();
+        return;
+    }
+    auto index = static_cast<std::size_t>(current - buffers.begin());
+    editor.current_buffer = buffers[(index + step) % buffers.size()].get();
+    editor.set_message("Buffer " + editor.current_buffer->name);
+}
+
+}  // namespace
+
+void TPUEditor::next_buffer() {
+    cycle_buffers(*this, 1);
+}
+
+void TPUEditor::previous_buffer() {
+    cycle_buffers(*this, buffers.size() - 1);
+}
+
+}  // namespace tpu

@@ -1,0 +1,175 @@
+// What a key does.
+#include "core/ascii.h"
+#include "editor/editor.h"
+#include "editor/undo_step.h"
+#include "proc/process.h"
+
+namespace tpu {
+
+namespace {
+
+constexpr int kFirstCharacter = 32, kLastCharacter = 255;
+
+bool is_character(int key) {
+    return key >= kFirstCharacter && key <= kLastCharacter;
+}
+
+// Keys for the attached process. True when there is one.
+bool feed_process(TPUEditor& editor, int key) {
+    if (!editor.attached_process) return false;
+    TPUProcess& process = *editor.attached_process;
+    switch (key) {
+        case control('Z'):
+            editor.attached_process.reset();
+            editor.set_message("Detached");
+            break;
+        case control('D'):
+            process.send_eof();
+            editor.attached_process.reset();
+            editor.set_message("EOF sent; detached");
+            break;
+        case '\n':
+        case '\r':
+        case kKeyEnter: process.send("\n"); break;
+        case kKeyBackspace:
+        case 127:
+        case '\b': process.send("\b"); break;
+        default:
+            if (is_character(key)) process.send(std::string(1, static_cast<char>(key)));
+    }
+    return true;
+}
+
+// A click moves the cursor, by the current window, wherever on the screen it fell.
+bool follow_mouse(TPUEditor& editor, int key) {
+    if (key != kKeyMouse) return false;
+    std::optional<MouseEvent> event = editor.ports.terminal.mouse();
+    if (!event) return true;
+    editor.mouse_row = event->row;
+    editor.mouse_column = event->col;
+    const TPUWindow* window = editor.current_window;
+    Buffer* buffer = editor.current_buffer;
+    if (!event->clicked || !window || !buffer || window->buffer != buffer) return true;
+    int row = event->row - window->top;
+    int column = event->col - window->left - editor.gutter(*window);
+    if (row < 0 || column < 0) return true;
+    buffer->cursor_row = buffer->view_line + static_cast<std::uint64_t>(row);
+    buffer->cursor_column = static_cast<std::uint64_t>(column);
+    buffer->clamp_cursor();
+    return true;
+}
+
+// Procedures are run from a copy, since they may change their own setting.
+void run_procedure(TPUEditor& editor, std::string text) {
+    if (!text.empty()) editor.parser.execute_statement(text);
+}
+
+bool take_prefix(TPUEditor& editor, int key) {
+    bool shift = editor.shift_key != 0 && key == editor.shift_key;
+    if (!shift && key != editor.gold_key) return false;
+    editor.gold_pending = true;
+    editor.set_message(shift ? "SHIFT" : "GOLD");
+    return true;
+}
+
+const KeyMapList* key_map_list(const TPUEditor& editor) {
+    if (editor.current_buffer && !editor.current_buffer->key_map_list.empty()) {
+        auto named = editor.key_map_lists.find(editor.current_buffer->key_map_list);
+        if (named != editor.key_map_lists.end()) return named->second.get();
+    }
+    return editor.current_key_map_list;
+}
+
+// The text of a key is a statement, or else a command line.
+void run_key_text(TPUEditor& editor, const std::string& text) {
+    if (editor.learning && editor.learn_keys) editor.learn_keys->push_back(text);
+    if (!MiniTPUParser::knows(text) && TPUEditor::is_command(text)) {
+        editor.execute_command(text);
+    } else {
+        editor.parser.execute_statement(text);
+    }
+}
+
+bool run_binding(TPUEditor& editor, int code) {
+    const KeyMapList* list = key_map_list(editor);
+    const KeyBinding* found = list ? list->lookup(code) : nullptr;
+    if (!found) return false;
+    KeyBinding binding = *found;  // what it runs may redefine the key
+    if (binding.action) {
+        binding.action();
+    } else if (!binding.text.empty()) {
+        run_key_text(editor, binding.text);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+// The bytes of the character that `first` begins: more are read when it takes more.
+std::string read_character(TPUEditor& editor, int first) {
+    constexpr int kWait = 25;  // milliseconds; the bytes of a character come together
+    std::string bytes(1, static_cast<char>(first));
+    if (editor.charset != Charset::utf8) return bytes;
+    std::size_t size = utf8_length(static_cast<unsigned char>(first));
+    while (bytes.size() < size) {
+        int key = editor.read_key(kWait);
+        if (key == kNoKey) break;
+        if ((key & ~0x3f) != 0x80) {
+            editor.unread_key(key);
+            break;
+        }
+        bytes += static_cast<char>(key);
+    }
+    return bytes;
+}
+
+void insert_character(TPUEditor& editor, int key) {
+    std::string bytes = read_character(editor, key);
+    Buffer* buffer = editor.current_buffer;
+    if (!buffer) return;
+    bool whole = decode_utf8(bytes).size == bytes.size();
+    if (whole) {
+        buffer->type_character(bytes, editor.charset);
+    } else {
+        for (char byte : bytes) buffer->type_character({&byte, 1}, Charset::bytes);
+    }
+}
+
+void act_on_key(TPUEditor& editor, int key) {
+    int code = key;
+    if (editor.gold_pending) {
+        code += kGoldOffset;
+        editor.gold_pending = false;
+    }
+    if (run_binding(editor, code)) return;
+    if (is_character(key)) {
+        insert_character(editor, key);
+    } else {
+        run_procedure(editor, editor.undefined_key_procedure);
+    }
+}
+
+}  // namespace
+
+void TPUEditor::handle_key(int key) {
+    last_key = key;
+    if (feed_process(*this, key) || follow_mouse(*this, key)) return;
+    UndoStep step(*this);
+    run_procedure(*this, pre_key_procedure);
+    if (!take_prefix(*this, key)) {
+        step.watch_current_buffer();
+        act_on_key(*this, key);
+    }
+    run_procedure(*this, post_key_procedure);
+}
+
+void TPUEditor::insert_paste(const std::string& text) {
+    if (attached_process) {
+        attached_process->send(text);
+    } else if (current_buffer) {
+        UndoStep step(*this);
+        current_buffer->copy_text(text, charset);
+    }
+}
+
+}  // namespace tpu

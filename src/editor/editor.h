@@ -1,0 +1,152 @@
+// The editor session: it owns the buffers, windows and key maps, the interpreter
+// and everything else that lives as long as a session.
+//
+// The members stand here under the files that hold them. Work that needs no
+// editor is done by smaller parts (editor/layout.h, editor/compose.h,
+// editor/status_line.h, ...); the members are their doors.
+#pragma once
+
+#include <chrono>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/buffer.h"
+#include "editor/layout.h"
+#include "editor/ports.h"
+#include "editor/window.h"
+#include "keys/key_map.h"
+#include "lang/parser.h"
+
+namespace tpu {
+
+class TPUProcess;
+class UndoStep;
+
+class TPUEditor {
+  public:
+    // The ports outlive the editor. A headless editor never uses the terminal.
+    explicit TPUEditor(Ports outside);
+    ~TPUEditor();
+    TPUEditor(const TPUEditor&) = delete;
+    TPUEditor& operator=(const TPUEditor&) = delete;
+
+    Ports ports;
+    std::vector<std::unique_ptr<Buffer>> buffers;  // in order of creation
+    Buffer* current_buffer = nullptr;
+    std::map<std::string, std::unique_ptr<KeyMap>> key_maps;
+    std::map<std::string, std::unique_ptr<KeyMapList>> key_map_lists;
+    KeyMapList* current_key_map_list = nullptr;
+    std::vector<std::unique_ptr<TPUWindow>> windows;
+    TPUWindow* current_window = nullptr;
+    MiniTPUParser parser;
+    int rows = 0;  // screen cells
+    int cols = 0;
+    bool running = true;
+    int exit_status = 0;
+    std::string message;  // on the message line
+    int gold_key = kKeyF0 + 1;
+    bool gold_pending = false;
+    bool show_line_numbers = false;
+    bool headless = false;
+    Charset charset = Charset::bytes;  // of what people see and type
+    int last_key = 0;
+    std::vector<std::shared_ptr<TPUProcess>> processes;
+    std::shared_ptr<TPUProcess> attached_process;  // gets the keys while set
+    int timer_interval = 0;                        // milliseconds; 0 or less: no timer
+    Clock::time_point timer_start;
+    std::string timer_action;
+    std::string pre_key_procedure;
+    std::string post_key_procedure;
+    std::string undefined_key_procedure;
+    int shift_key = 0;  // 0: none
+    int mouse_row = -1;
+    int mouse_column = -1;
+    bool learning = false;
+    std::shared_ptr<std::vector<std::string>> learn_keys;
+    std::vector<std::string> kill_ring;  // oldest first
+    std::uint64_t kill_ring_index = 0;
+    std::map<std::string, std::string> named_pastes;  // by upper-case name
+    bool in_set_message = false;
+    std::uint64_t message_buffer_limit = 1000;  // lines; 0: no limit
+    UndoStep* undo_step = nullptr;              // the outermost one under way
+
+    // buffers.cc
+    Buffer* create_buffer(const std::string& name, const std::string& file);
+    Buffer* find_buffer(const std::string& name);  // null: none of that exact name
+    bool owns(const Buffer* buffer) const;
+    void position(Buffer* buffer);  // makes it current; null is ignored
+    void next_buffer();
+    void previous_buffer();
+
+    // windows.cc
+    TPUWindow* create_window(int top, int height, bool has_status);
+    void map_window(TPUWindow* window, Buffer* buffer);
+    void unmap_window(TPUWindow* window);
+    void adjust_window(TPUWindow* window, int top_delta, int bottom_delta);  // rows
+    void split_window_horizontal();
+    void split_window_vertical();
+    void next_window();
+    void delete_window(TPUWindow* window);
+    void save_window_cursor(TPUWindow* window);
+    void restore_window_cursor(TPUWindow* window);
+
+    // screen.cc
+    void init_screen();  // ends the process with status 1 when the terminal cannot be used
+    void resize_screen();
+    void draw();
+    std::string format_status_line(const TPUWindow* window, const Buffer* buffer) const;
+    TPUWindow* create_default_window();
+    int gutter(const TPUWindow& window) const;  // columns of line numbers
+
+    // messages.cc
+    void set_message(const std::string& text);
+
+    // main_loop.cc
+    void run();
+    void poll_processes();
+    int read_key(int wait_ms);  // of the terminal, but for keys put back
+    void unread_key(int key) { unread_keys_.push_front(key); }
+
+    // dispatch.cc
+    void handle_key(int key);
+    void insert_paste(const std::string& text);
+
+    // prompts.cc
+    std::string read_command_line(const std::string& prompt);
+    void command_mode();
+    void prompt_find();
+
+    // keys/default_keys.cc
+    KeyMap* create_key_map(const std::string& name);
+    KeyMapList* create_key_map_list(const std::string& name, KeyMap* first);
+    static int key_name_to_code(std::string_view name);  // kNoKey: no such key
+    void define_default_keys();
+
+    // store/files.cc
+    void save_current();
+    void save_as(const std::string& name);
+
+    // store/paste.cc
+    void push_kill_ring(const std::string& text);
+    void cut_selection();
+    void copy_selection();
+    void paste();
+    void paste_previous();
+    void store_named_paste(const std::string& name);
+    void recall_named_paste(const std::string& name, bool insert);
+
+    // commands/execute_command.cc
+    void execute_command(const std::string& line);
+    static bool is_command(const std::string& line);  // its first words name a command
+
+  private:
+    std::deque<int> unread_keys_;
+    std::vector<std::unique_ptr<KeyMap>> replaced_key_maps_;  // a list may still hold them
+    std::vector<std::unique_ptr<KeyMapList>> replaced_key_map_lists_;
+    ResizeMemory resize_memory_;
+};
+
+}  // namespace tpu

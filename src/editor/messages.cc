@@ -1,0 +1,52 @@
+// The message line and the buffer that remembers what stood there.
+#include <algorithm>
+
+#include "editor/editor.h"
+
+namespace tpu {
+
+namespace {
+
+constexpr const char* kMessageBuffer = "$MESSAGE_BUFFER";
+
+Buffer* message_buffer(TPUEditor& editor) {
+    if (Buffer* buffer = editor.find_buffer(kMessageBuffer)) return buffer;
+    Buffer* buffer = editor.create_buffer(kMessageBuffer, "");
+    buffer->no_write = true;
+    buffer->system = true;
+    buffer->eob_text = "[End of message buffer]";
+    return buffer;
+}
+
+// Removes the oldest lines until `limit` remain; the number removed.
+std::uint64_t drop_oldest_lines(LineStore& lines, std::uint64_t limit) {
+    if (limit == 0 || lines.size() <= limit) return 0;
+    std::uint64_t dropped = lines.size() - limit;
+    lines.erase(0, lines.row_start(dropped));
+    return dropped;
+}
+
+void log_message(Buffer& buffer, const std::string& text, std::uint64_t limit) {
+    bool modifiable = std::exchange(buffer.modifiable, true);
+    std::uint64_t row = buffer.cursor_row, column = buffer.cursor_column;
+    buffer.end_of_buffer();
+    if (buffer.cursor_column > 0) buffer.split_line();
+    buffer.copy_text(text);
+    std::uint64_t dropped = drop_oldest_lines(buffer.lines, limit);
+    buffer.cursor_row = row - std::min(row, dropped);
+    buffer.cursor_column = column;
+    buffer.modifiable = modifiable;
+    buffer.modified = false;
+}
+
+}  // namespace
+
+void TPUEditor::set_message(const std::string& text) {
+    message = text;
+    if (in_set_message) return;
+    in_set_message = true;
+    log_message(*message_buffer(*this), text, message_buffer_limit);
+    in_set_message = false;
+}
+
+}  // namespace tpu

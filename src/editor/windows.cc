@@ -1,0 +1,96 @@
+// The windows of the session.
+#include <algorithm>
+
+#include "editor/editor.h"
+
+namespace tpu {
+
+namespace {
+
+auto find_window(std::vector<std::unique_ptr<TPUWindow>>& windows, const TPUWindow* window) {
+    return std::find_if(windows.begin(), windows.end(),
+                        [&](const auto& owned) { return owned.get() == window; });
+}
+
+}  // namespace
+
+TPUWindow* TPUEditor::create_window(int top, int height, bool has_status) {
+    windows.push_back(std::make_unique<TPUWindow>());
+    TPUWindow* window = windows.back().get();
+    window->top = top;
+    window->height = std::max(1, height);
+    window->has_status = has_status;
+    if (!current_window) current_window = window;
+    return window;
+}
+
+void TPUEditor::map_window(TPUWindow* window, Buffer* buffer) {
+    if (window) window->buffer = buffer;
+}
+
+void TPUEditor::unmap_window(TPUWindow* window) {
+    map_window(window, nullptr);
+}
+
+void TPUEditor::adjust_window(TPUWindow* window, int top_delta, int bottom_delta) {
+    if (window) layout::adjust(*window, top_delta, bottom_delta, rows);
+}
+
+void TPUEditor::split_window_horizontal() {
+    TPUWindow upper;
+    if (!current_window || !layout::split_horizontal(*current_window, upper)) return;
+    windows.push_back(std::make_unique<TPUWindow>(upper));
+    std::stable_sort(windows.begin(), windows.end(),
+                     [](const auto& a, const auto& b) { return a->top < b->top; });
+    // Deliberate: a window higher up on the same buffer wins over the lower half.
+    for (const auto& window : windows) {
+        if (window->buffer == current_buffer && window->top != upper.top) {
+            current_window = window.get();
+            break;
+        }
+    }
+}
+
+void TPUEditor::split_window_vertical() {
+    TPUWindow right;
+    if (!current_window || !layout::split_vertical(*current_window, cols, right)) return;
+    windows.push_back(std::make_unique<TPUWindow>(right));
+}
+
+void TPUEditor::next_window() {
+    auto current = find_window(windows, current_window);
+    if (windows.size() < 2 || current == windows.end()) return;
+    save_window_cursor(current_window);
+    if (++current == windows.end()) current = windows.begin();
+    current_window = current->get();
+    if (!current_window->buffer) return;
+    current_buffer = current_window->buffer;
+    restore_window_cursor(current_window);
+}
+
+void TPUEditor::delete_window(TPUWindow* window) {
+    auto place = find_window(windows, window);
+    if (place == windows.end()) return;
+    windows.erase(place);
+    if (current_window == window) {
+        current_window = windows.empty() ? nullptr : windows.front().get();
+    }
+}
+
+void TPUEditor::save_window_cursor(TPUWindow* window) {
+    if (!window || !window->buffer) return;
+    window->saved_line = window->buffer->cursor_row;
+    window->saved_column = window->buffer->cursor_column;
+    window->saved_top_line = window->buffer->view_line;
+    window->saved_valid = true;
+}
+
+void TPUEditor::restore_window_cursor(TPUWindow* window) {
+    if (!window || !window->buffer || !window->saved_valid) return;
+    window->buffer->cursor_row = window->saved_line;
+    window->buffer->cursor_column = window->saved_column;
+    window->buffer->view_line = window->saved_top_line;
+    window->buffer->clamp_cursor();
+}
+
+}  // namespace tpu

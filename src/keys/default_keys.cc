@@ -1,0 +1,136 @@
+// Key maps and lists of the session, and the bindings it starts with.
+#include <algorithm>
+
+#include "editor/editor.h"
+#include "keys/key_names.h"
+
+namespace tpu {
+
+namespace {
+
+Buffer& buffer(TPUEditor& editor) {
+    return *editor.current_buffer;
+}
+
+void toggle_insert(TPUEditor& editor) {
+    bool& insert = buffer(editor).insert_mode;
+    insert = !insert;
+    editor.set_message(insert ? "INSERT mode" : "OVERSTRIKE mode");
+}
+
+void go_to_line_end(TPUEditor& editor) {
+    buffer(editor).cursor_column = buffer(editor).line_length();
+}
+
+void select(TPUEditor& editor) {
+    buffer(editor).select();
+    editor.set_message("SELECT");
+}
+
+void split_window(TPUEditor& editor) {
+    editor.split_window_horizontal();
+    editor.set_message("Window split");
+}
+
+void next_window(TPUEditor& editor) {
+    editor.next_window();
+    editor.set_message("Next window");
+}
+
+void gold(TPUEditor& editor) {
+    editor.gold_pending = true;
+    editor.set_message("GOLD");
+}
+
+// Lines that a screenful moves by.
+int page(const TPUEditor& editor) {
+    return editor.rows - 3;
+}
+
+struct DefaultKey {
+    int code;
+    void (*action)(TPUEditor&);  // null: the text is run
+    const char* text;
+    const char* comment;
+};
+
+constexpr int kGold = kGoldOffset;
+
+// clang-format off
+constexpr DefaultKey kDefaultKeys[] = {
+    {kKeyLeft, [](TPUEditor& e) { buffer(e).move_character_left(e.charset); }, "", "MOVE_HORIZONTAL(-1)"},
+    {kKeyRight, [](TPUEditor& e) { buffer(e).move_character_right(e.charset); }, "", "MOVE_HORIZONTAL(1)"},
+    {kKeyUp, [](TPUEditor& e) { buffer(e).move_vertical(-1); }, "", "MOVE_VERTICAL(-1)"},
+    {kKeyDown, [](TPUEditor& e) { buffer(e).move_vertical(1); }, "", "MOVE_VERTICAL(1)"},
+    {kKeyBackspace, [](TPUEditor& e) { buffer(e).erase_character_left(e.charset); }, "", "ERASE_CHARACTER(-1)"},
+    {127, [](TPUEditor& e) { buffer(e).erase_character_left(e.charset); }, "", "ERASE_CHARACTER(-1)"},
+    {kKeyDelete, [](TPUEditor& e) { buffer(e).erase_character_at_cursor(e.charset); }, "", "ERASE_CHARACTER(1)"},
+    {kKeyHome, [](TPUEditor& e) { buffer(e).cursor_column = 0; }, "", "LINE_BEGIN"},
+    {kKeyEnd, go_to_line_end, "", "LINE_END"},
+    {kKeyInsert, toggle_insert, "", "TOGGLE INSERT/OVERSTRIKE"},
+    {'\n', [](TPUEditor& e) { buffer(e).split_line(); }, "", "SPLIT_LINE"},
+    {'\r', [](TPUEditor& e) { buffer(e).split_line(); }, "", "SPLIT_LINE"},
+    {'\t', [](TPUEditor& e) { buffer(e).insert_tab(); }, "", "INSERT TAB"},
+    {control('X'), [](TPUEditor& e) { e.running = false; }, "", "EXIT"},
+    {control('S'), [](TPUEditor& e) { e.save_current(); }, "", "WRITE_FILE"},
+    {control('F'), [](TPUEditor& e) { e.prompt_find(); }, "", "SEARCH"},
+    {control('Z'), [](TPUEditor& e) { e.command_mode(); }, "", "COMMAND MODE"},
+    {control('V'), select, "", "SELECT"},
+    {control('W'), [](TPUEditor& e) { e.cut_selection(); }, "", "MOVE_TEXT SELECT_RANGE"},
+    {control('Y'), [](TPUEditor& e) { e.paste(); }, "", "COPY_TEXT paste_buffer"},
+    {control('O'), split_window, "", "SPLIT_WINDOW"},
+    {control('N'), next_window, "", "NEXT_WINDOW"},
+    {kKeyF0 + 1, gold, "", "GOLD"},
+    {kKeyF0 + 2, nullptr, "HELP", "HELP"},
+    {kKeyF0 + 3, nullptr, "FIND", "FIND"},
+    {kKeyF0 + 4, nullptr, "DELETE", "DELETE"},
+    {kKeyNextPage, [](TPUEditor& e) { buffer(e).move_vertical(page(e)); }, "", "NEXT SCREEN"},
+    {kKeyPreviousPage, [](TPUEditor& e) { buffer(e).move_vertical(-page(e)); }, "", "PREVIOUS SCREEN"},
+    {kGold + 'E', nullptr, "END", "GOLD-E end of buffer"},
+    {kGold + 'T', nullptr, "TOP", "GOLD-T top of buffer"},
+    {kGold + 'F', nullptr, "FIND", "GOLD-F find"},
+    {kGold + 'W', nullptr, "WRITE FILE", "GOLD-W write"},
+    {kGold + 'Q', nullptr, "QUIT", "GOLD-Q quit"},
+    {kGold + 'U', nullptr, "UNDO", "GOLD-U undo"},
+    {kGold + 'R', nullptr, "REDO", "GOLD-R redo"},
+};
+// clang-format on
+
+}  // namespace
+
+KeyMap* TPUEditor::create_key_map(const std::string& name) {
+    std::unique_ptr<KeyMap>& place = key_maps[name];
+    // A list may still hold the map that was called so: it lives on without a name.
+    if (place) replaced_key_maps_.push_back(std::move(place));
+    place = std::make_unique<KeyMap>(name);
+    return place.get();
+}
+
+KeyMapList* TPUEditor::create_key_map_list(const std::string& name, KeyMap* first) {
+    std::unique_ptr<KeyMapList>& place = key_map_lists[name];
+    if (place) replaced_key_map_lists_.push_back(std::move(place));
+    place = std::make_unique<KeyMapList>(name);
+    if (first) place->add_last(first);
+    if (!current_key_map_list) current_key_map_list = place.get();
+    return place.get();
+}
+
+int TPUEditor::key_name_to_code(std::string_view name) {
+    return key_code_of(name);
+}
+
+void TPUEditor::define_default_keys() {
+    KeyMap* map = create_key_map("TPU$KEY_MAP");
+    current_key_map_list = create_key_map_list("TPU$KEY_MAP_LIST", map);
+    for (const DefaultKey& key : kDefaultKeys) {
+        KeyBinding binding{key.text, {}, key.comment};
+        if (key.action) {
+            binding.action = [this, action = key.action] {
+                if (current_buffer) action(*this);
+            };
+        }
+        map->define_key(key.code, std::move(binding));
+    }
+}
+
+}  // namespace tpu

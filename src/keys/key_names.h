@@ -1,0 +1,12 @@
+// Names of keys as people and programs write them.
+#pragma once
+
+#include <string_view>
+
+namespace tpu {
+
+// The code of a key name such as "PF2", "gold_e" or "x", in any case; kNoKey when
+// there is no such key. A single character stands for its upper-case form.
+int key_code_of(std::string_view name);
+
+}  // namespace tpu

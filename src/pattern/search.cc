@@ -1,0 +1,173 @@
+// The searches of a buffer.
+#include <algorithm>
+
+#include "core/buffer.h"
+#include "pattern/match_buffer.h"
+#include "pattern/match_line.h"
+
+namespace tpu {
+
+namespace {
+
+using Token = TPUPatternToken;
+
+// Walks the starts of a forward search and skips those where the first token
+// cannot match.
+class ForwardSearch {
+  public:
+    ForwardSearch(const TPUPattern& pattern, const LineStore& lines)
+        : lines_(lines),
+          reader_(lines),
+          matcher_(pattern, lines, RememberedRuns(pattern)),
+          anchored_(pattern.anchored) {
+        for (const Token& token : pattern.tokens) {
+            first_ = &token;
+            if (token.kind != Token::kUnanchor) break;
+        }
+        if (first_) {
+            for (char c : first_->text) set_.set(static_cast<unsigned char>(c));
+        }
+    }
+
+    // Tries the starts in [from, last] in order; the match as offsets.
+    struct Match {
+        std::uint64_t start, end;
+    };
+    std::optional<Match> run(std::uint64_t from, std::uint64_t last) {
+        for (std::uint64_t start = from; start <= last; ++start) {
+            if (anchored_) {
+                if (start != from) start = row_start(start);
+            } else {
+                start = candidate(start, last);
+            }
+            std::uint64_t end = 0;
+            if (start > last) break;
+            if (matcher_.match(start, end)) return Match{start, end};
+            if (matcher_.is_hopeless()) break;
+        }
+        return std::nullopt;
+    }
+
+  private:
+    // The first row start at or after `offset`; kNowhere after the last one.
+    std::uint64_t row_start(std::uint64_t offset) {
+        if (reader_.at_line_begin(offset)) return offset;
+        std::uint64_t end = reader_.line_end(offset);
+        return end < lines_.bytes() ? end + 1 : kNowhere;
+    }
+
+    std::uint64_t candidate(std::uint64_t from, std::uint64_t last) {
+        if (!first_) return from;
+        switch (first_->kind) {
+            case Token::kLiteral:
+                return literal(from);
+            case Token::kAny:
+            case Token::kSpan:
+                return next_byte(from, last, true);
+            case Token::kNotAny:
+                return next_byte(from, last, false);
+            case Token::kPageBreak:
+                return lines_.find("\f", from).value_or(kNowhere);
+            case Token::kLineBegin:
+                return row_start(from);
+            case Token::kLineEnd:
+                return reader_.line_end(from);
+            default:
+                return from;
+        }
+    }
+
+    std::uint64_t literal(std::uint64_t from) {
+        std::string_view head(first_->text);
+        head = head.substr(0, head.find('\n'));
+        if (head.empty()) return from;  // nothing, or a line feed, comes first
+        return lines_.find(head, from).value_or(kNowhere);
+    }
+
+    // The first offset from `from` on whose byte is (or is not) in the first token's set.
+    std::uint64_t next_byte(std::uint64_t from, std::uint64_t last, bool wanted) {
+        std::uint64_t limit = std::min(last + 1, lines_.bytes());
+        while (from < limit) {
+            const LineStore::Chunk& chunk = reader_.chunk(from);
+            for (; from < limit && from < chunk.end(); ++from) {
+                char c = chunk.text[from - chunk.begin];
+                if (set_[static_cast<unsigned char>(c)] == wanted && (c != '\n' || chunk.raw)) {
+                    return from;
+                }
+            }
+        }
+        return kNowhere;
+    }
+
+    const LineStore& lines_;
+    TextReader reader_;
+    BufferMatcher<RememberedRuns> matcher_;
+    bool anchored_;
+    const Token* first_ = nullptr;
+    std::bitset<256> set_;
+};
+
+}  // namespace
+
+std::optional<Range> Buffer::search_pattern_forward(const TPUPattern& pattern, bool move_cursor,
+                                                    bool wrap) {
+    clamp_cursor();
+    std::uint64_t column = std::min(cursor_column, lines.length(cursor_row));
+    auto match =
+        ForwardSearch(pattern, lines).run(lines.offset({cursor_row, column}), lines.bytes());
+    if (!match && wrap && cursor_row > 0) {
+        match = ForwardSearch(pattern, lines).run(0, lines.row_start(cursor_row) - 1);
+    }
+    if (!match) return std::nullopt;
+    Position start = lines.position(match->start), end = text_position(lines, match->end);
+    if (move_cursor) {
+        cursor_row = start.row;
+        cursor_column = start.column;
+    }
+    return Range({this, start.row, start.column}, {this, end.row, end.column});
+}
+
+std::optional<Range> Buffer::search_pattern_backward(const TPUPattern& pattern, bool move_cursor) {
+    clamp_cursor();
+    std::uint64_t before = std::min(cursor_column, lines.length(cursor_row));
+    for (std::uint64_t row = cursor_row;; before = lines.length(--row)) {
+        std::string line = lines[row];
+        LineMatcher<RememberedRuns> matcher(pattern, line, RememberedRuns(pattern));
+        for (std::uint64_t column = before; column-- > 0;) {
+            std::size_t end = 0;
+            if (!matcher.match(column, end)) continue;
+            if (move_cursor) {
+                cursor_row = row;
+                cursor_column = column;
+            }
+            return Range({this, row, column}, {this, row, end});
+        }
+        if (row == 0) return std::nullopt;
+    }
+}
+
+namespace {
+
+bool find_text(Buffer& buffer, std::string_view text, Position from) {
+    if (text.empty()) return false;
+    auto found = buffer.lines.find(text, buffer.lines.offset(from));
+    if (!found) return false;
+    Position place = buffer.lines.position(*found);
+    buffer.cursor_row = place.row;
+    buffer.cursor_column = place.column;
+    return true;
+}
+
+}  // namespace
+
+bool Buffer::search_forward(std::string_view text) {
+    std::uint64_t row = std::min(cursor_row, lines.size() - 1);
+    std::uint64_t column = std::min(cursor_column + 1, lines.length(row));
+    return find_text(*this, text, {row, column});
+}
+
+bool Buffer::search_from_top(std::string_view text) {
+    return find_text(*this, text, {0, 0});
+}
+
+}  // namespace tpu
