@@ -152,7 +152,11 @@ void Buffer::type_character(std::string_view character, Charset charset) {
 Range Buffer::copy_text(std::string_view text, Charset charset) {
     Marker start = mark(false);
     if (!modifiable || text.empty()) return Range(start, start);
-    materialize_cursor_column();
+    if (text.front() == '\n') {
+        cursor_column = std::min(cursor_column, line_length());  // a line end needs no padding
+    } else {
+        materialize_cursor_column();
+    }
     if (charset == Charset::utf8)
         cursor_column = character_start(lines, {cursor_row, cursor_column});
     std::uint64_t rows = 0, column = cursor_column, line_start = lines.row_start(cursor_row);

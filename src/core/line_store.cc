@@ -105,17 +105,21 @@ LineStore::Chunk LineStore::chunk_at(std::uint64_t offset) const {
 
 void LineStore::for_each_span(std::uint64_t from, std::uint64_t to,
                               const std::function<bool(std::string_view)>& visit) const {
+    // Spans grow as the walk goes on, so that who stops early has not joined much in vain.
+    constexpr std::size_t kLongest = std::size_t{4} << 20;
+    std::size_t longest = tree::kMaxPiece;
     std::string_view span;
     while (from < to) {
         Chunk chunk = chunk_at(from);
         std::string_view part = chunk.text.substr(from - chunk.begin, to - from);
         from += part.size();
-        if (!span.empty() && span.data() + span.size() == part.data()) {
+        if (span.size() < longest && span.data() + span.size() == part.data()) {
             span = {span.data(), span.size() + part.size()};
             continue;
         }
         if (!span.empty() && !visit(span)) return;
         span = part;
+        longest = std::min(longest * 2, kLongest);
     }
     if (!span.empty()) visit(span);
 }

@@ -59,8 +59,9 @@ class LineStore {
     };
     // The chunk that holds the byte at `offset`; empty at the end of the text.
     Chunk chunk_at(std::uint64_t offset) const;
-    // Calls visit(span) for the runs of memory that make up [from, to), joined as
-    // far as they lie side by side, until one call returns false.
+    // Calls visit(span) for the runs of memory that make up [from, to), joined where
+    // they lie side by side (short spans first, up to some megabytes), until one
+    // call returns false.
     void for_each_span(std::uint64_t from, std::uint64_t to,
                        const std::function<bool(std::string_view)>& visit) const;
 

@@ -1,0 +1,69 @@
+#include "support/session.h"
+
+#include "keys/key_names.h"
+
+namespace tpu {
+
+int FakeTerminal::read_key(int) {
+    if (keys.empty()) return kKeyHangup;
+    int key = keys.front();
+    keys.pop_front();
+    return key;
+}
+
+std::vector<int> key_codes(std::string_view keys) {
+    std::vector<int> codes;
+    while (!keys.empty()) {
+        std::size_t end = keys.find('>', 2);
+        if (keys[0] != '<' || end == std::string_view::npos) {
+            codes.push_back(static_cast<unsigned char>(keys[0]));
+            keys.remove_prefix(1);
+            continue;
+        }
+        std::string_view name = keys.substr(1, end - 1);
+        if (name == "RETURN") {
+            codes.push_back('\r');
+        } else if (name == "ESC") {
+            codes.push_back(27);
+        } else if (name == "TAB") {
+            codes.push_back('\t');
+        } else if (name == "<") {
+            codes.push_back('<');
+        } else if (name.starts_with("CTRL_") && name.size() == 6) {
+            codes.push_back(control(name[5]));
+        } else {
+            codes.push_back(key_code_of(name));
+        }
+        keys.remove_prefix(end + 1);
+    }
+    return codes;
+}
+
+Session::Session(std::vector<std::string> lines, int rows, int cols) : editor({terminal, clock}) {
+    terminal.screen = {rows, cols};
+    editor.charset = Charset::utf8;
+    buffer = editor.create_buffer("MAIN", "");
+    buffer->lines = LineStore(lines);
+    editor.init_screen();
+    editor.define_default_keys();
+}
+
+void Session::press(std::string_view keys) {
+    std::vector<int> codes = key_codes(keys);
+    terminal.keys.assign(codes.begin(), codes.end());
+    for (int key; (key = editor.read_key(0)) != kKeyHangup;) editor.handle_key(key);
+}
+
+std::vector<std::string> Session::screen() {
+    editor.draw();
+    Surface visible = terminal.shown.visible();
+    std::vector<std::string> rows;
+    for (int row = 0; row < visible.rows(); ++row) {
+        std::string text = visible.row_text(row);
+        text.erase(text.find_last_not_of(' ') + 1);
+        rows.push_back(text);
+    }
+    return rows;
+}
+
+}  // namespace tpu

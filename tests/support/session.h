@@ -1,0 +1,65 @@
+// An editor session without a terminal: keys go in, frames come out.
+#pragma once
+
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "editor/editor.h"
+
+namespace tpu {
+
+// A terminal that gives the keys it was told to and remembers what was shown.
+class FakeTerminal : public Terminal {
+  public:
+    std::string start() override { return {}; }
+    ScreenSize size() override { return screen; }
+    void present(const Frame& frame) override {
+        shown = frame;
+        ++frames;
+    }
+    int read_key(int) override;
+    bool key_waiting() override { return !keys.empty(); }
+    std::string take_paste() override { return std::exchange(pasted, {}); }
+    std::optional<MouseEvent> mouse() override { return clicked; }
+    void beep() override {}
+    void leave() override {}
+    void enter() override {}
+
+    ScreenSize screen{24, 80};
+    std::deque<int> keys;  // once they are used up, the terminal hangs up
+    std::string pasted;
+    std::optional<MouseEvent> clicked;
+    Frame shown;
+    int frames = 0;
+};
+
+class FakeClock : public Clock {
+  public:
+    time_point now() override { return time; }
+    time_point time;
+};
+
+// Key codes of a text in which <UP>, <CTRL_F>, <GOLD>, <RETURN>, <ESC> and the other
+// names of keys stand for those keys, and <<> for "<".
+std::vector<int> key_codes(std::string_view keys);
+
+// A UTF-8 session with the default keys and one buffer, "MAIN".
+struct Session {
+    explicit Session(std::vector<std::string> lines = {}, int rows = 24, int cols = 80);
+
+    // Presses keys one after the other, as key_codes reads them.
+    void press(std::string_view keys);
+    // What a person would see, a text for each row, without trailing blanks.
+    std::vector<std::string> screen();
+    std::vector<std::string> lines() { return buffer->lines.lines(); }
+    Position cursor() const { return {buffer->cursor_row, buffer->cursor_column}; }
+
+    FakeTerminal terminal;
+    FakeClock clock;
+    TPUEditor editor;
+    Buffer* buffer;
+};
+
+}  // namespace tpu

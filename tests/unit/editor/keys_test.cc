@@ -1,0 +1,258 @@
+// What keys do, through the default bindings.
+#include <gtest/gtest.h>
+
+#include "keys/key_names.h"
+#include "proc/process.h"
+#include "support/session.h"
+
+namespace tpu {
+namespace {
+
+using Rows = std::vector<std::string>;
+
+TEST(KeyNames, have_codes_in_any_case_and_none_for_the_gaps) {
+    EXPECT_EQ(key_code_of("gold_pf4"), 10268);
+    EXPECT_EQ(key_code_of("GOLD_GOLD_E"), 20069);
+    EXPECT_EQ(key_code_of("x"), 88);
+    EXPECT_EQ(key_code_of("pageup"), 339);
+    EXPECT_EQ(key_code_of("CTRL_Z"), 26);
+    for (const char* name : {"GOLD_", "F5", "CTRL_A", "", "LEFTX"}) {
+        EXPECT_EQ(key_code_of(name), kNoKey) << name;
+    }
+}
+
+TEST(KeyMaps, are_searched_in_order_and_survive_being_replaced) {
+    Session s;
+    KeyMap* first = s.editor.create_key_map("MINE");
+    first->define_key('x', {"TOP", {}, ""});
+    s.editor.current_key_map_list->add_first(first);
+    s.editor.current_key_map_list->add_first(nullptr);
+    s.editor.current_key_map_list->add_last(first);
+    s.editor.create_key_map("MINE");
+    EXPECT_EQ(s.editor.current_key_map_list->lookup('x')->text, "TOP");
+    s.editor.current_key_map_list->remove(first);
+    EXPECT_EQ(s.editor.current_key_map_list->lookup('x'), nullptr);
+}
+
+TEST(Keys, move_type_and_erase) {
+    Session s({"one", "two"});
+    s.press("<RIGHT><RIGHT>X<DOWN><HOME><INSERT>Y<DELETE><END><RETURN>z<BACKSPACE><UP><LEFT>");
+    EXPECT_EQ(s.lines(), (Rows{"onXe", "Yo", ""}));
+    EXPECT_EQ(s.cursor(), (Position{0, 4}));
+    EXPECT_EQ(s.editor.message, "OVERSTRIKE mode");
+    s.press("<TAB>");
+    EXPECT_EQ(s.lines()[0], "onXe    ");
+}
+
+TEST(Keys, that_are_unbound_do_nothing_and_leave_no_undo_step) {
+    Session s({"one"});
+    s.press("<F9><CTRL_A><GOLD_F9>");
+    EXPECT_TRUE(s.buffer->undo_stack.empty());
+    EXPECT_EQ(s.editor.message, "");
+    s.editor.undefined_key_procedure = "BOTTOM";
+    s.press("<F9>");
+    EXPECT_EQ(s.cursor(), (Position{0, 3}));
+}
+
+TEST(Keys, type_whole_utf8_characters_as_one_step) {
+    Session s({""});
+    s.press("a\xc3\xa9\xff\xc3z");
+    EXPECT_EQ(s.lines(), (Rows{"a\xc3\xa9\xff\xc3z"}));
+    EXPECT_EQ(s.buffer->undo_stack.size(), 5u);
+    s.press("<HOME><RIGHT><RIGHT><BACKSPACE>");
+    EXPECT_EQ(s.lines(), (Rows{"a\xff\xc3z"}));
+}
+
+TEST(Keys, after_gold_run_their_text_or_insert_themselves) {
+    Session s({"one", "two"});
+    s.press("<GOLD>");
+    EXPECT_EQ(s.editor.message, "GOLD");
+    s.press("E");
+    EXPECT_EQ(s.cursor(), (Position{1, 3}));
+    s.press("<GOLD><GOLD>T<GOLD>e");
+    EXPECT_EQ(s.lines(), (Rows{"eone", "two"}));
+    s.editor.shift_key = key_code_of("F6");
+    s.press("<F6>");
+    EXPECT_EQ(s.editor.message, "SHIFT");
+    s.press("E");
+    EXPECT_EQ(s.cursor(), (Position{1, 3}));
+    s.press("<GOLD>Q");
+    EXPECT_FALSE(s.editor.running);
+}
+
+TEST(Keys, that_are_bound_to_texts_never_meet_an_unknown_command_but_help) {
+    Session s({"one", "two"});
+    for (const char* keys : {"<PF4>", "<GOLD>E", "<GOLD>T", "<GOLD>U", "<GOLD>R", "<GOLD>Q"}) {
+        s.press(keys);
+        EXPECT_FALSE(s.editor.message.starts_with("Unknown command")) << keys;
+    }
+    EXPECT_EQ(s.lines(), (Rows{"ne", "two"}));
+}
+
+TEST(Keys, use_the_list_that_their_buffer_names) {
+    Session s({"one"});
+    KeyMap* map = s.editor.create_key_map("M");
+    map->define_key('x', {"BOTTOM", {}, ""});
+    map->define_key('y', {});
+    s.editor.create_key_map_list("L", map);
+    s.buffer->key_map_list = "NONE";
+    s.press("x");
+    s.buffer->key_map_list = "L";
+    s.press("xy");
+    EXPECT_EQ(s.lines(), (Rows{"xoney"}));
+}
+
+TEST(Keys, run_procedures_before_and_after_and_record_texts_while_learning) {
+    Session s({"one", "two"});
+    s.editor.learning = true;
+    s.editor.learn_keys = std::make_shared<Rows>();
+    s.editor.pre_key_procedure = "BOTTOM";
+    s.editor.post_key_procedure = "TOP";
+    s.press("!<GOLD>E");
+    EXPECT_EQ(s.lines(), (Rows{"one", "two!"}));
+    EXPECT_EQ(s.cursor(), (Position{0, 0}));
+    EXPECT_EQ(*s.editor.learn_keys, (Rows{"END"}));
+}
+
+TEST(UndoSteps, are_one_for_a_key_and_none_for_undo_itself) {
+    Session s({"one", "two"});
+    s.press("ab<DOWN>");
+    EXPECT_EQ(s.buffer->undo_stack.size(), 3u);
+    s.press("<GOLD>U");
+    EXPECT_EQ(s.cursor(), (Position{0, 2}));
+    s.press("<GOLD>U");
+    EXPECT_EQ(s.lines()[0], "aone");
+    EXPECT_EQ(s.editor.message, "Undone");
+    s.press("<GOLD>R<GOLD>R");
+    EXPECT_EQ(s.lines()[0], "abone");
+    EXPECT_EQ(s.cursor(), (Position{1, 2}));
+    s.press("<GOLD>R");
+    EXPECT_EQ(s.editor.message, "Nothing to redo");
+    s.press("<GOLD>U<F9><CTRL_V>");  // without effect on text and cursor: redo stays
+    s.press("<GOLD>R");
+    EXPECT_EQ(s.editor.message, "Redone");
+    s.press("<GOLD>U<UP><UP><LEFT>");
+    s.press("<GOLD>R");
+    EXPECT_EQ(s.editor.message, "Nothing to redo");
+}
+
+TEST(UndoSteps, cover_statements_and_commands) {
+    Session s({"one", "two"});
+    s.editor.parser.execute_statement("ERASE_LINE");
+    s.editor.parser.execute_statement("SELECT");
+    EXPECT_EQ(s.buffer->undo_stack.size(), 1u);
+    s.press("<CTRL_Z>erase_line<RETURN>");
+    EXPECT_EQ(s.lines(), (Rows{""}));
+    s.press("<CTRL_Z>undo<RETURN>");
+    EXPECT_EQ(s.lines(), (Rows{"two"}));
+    s.press("<CTRL_Z>undo<RETURN>");
+    EXPECT_EQ(s.lines(), (Rows{"one", "two"}));
+    s.press("<CTRL_Z>redo<RETURN><CTRL_Z>redo<RETURN>");
+    EXPECT_EQ(s.lines(), (Rows{""}));
+}
+
+TEST(UndoSteps, take_a_paste_as_one_change) {
+    Session s({"xy"});
+    s.buffer->insert_mode = false;
+    s.buffer->auto_wrap = true;
+    s.buffer->right_margin = 4;
+    s.editor.insert_paste("\xc3\xa9z aa bb");
+    EXPECT_EQ(s.lines(), (Rows{"\xc3\xa9z aa", "bb"}));
+    EXPECT_EQ(s.buffer->undo_stack.size(), 1u);
+    s.press("<GOLD>U");
+    EXPECT_EQ(s.lines(), (Rows{"xy"}));
+}
+
+TEST(Find, moves_with_the_query_and_comes_back_when_cancelled) {
+    Session s({"one two", "two three"});
+    s.press("<CTRL_F>tw<RETURN>");
+    EXPECT_EQ(s.cursor(), (Position{0, 4}));
+    EXPECT_EQ(s.editor.message, "Found");
+    s.press("<CTRL_F>two<CTRL_F><RETURN>");
+    EXPECT_EQ(s.cursor(), (Position{0, 4}));  // from (1, 0) on, then from the top
+    s.press("<CTRL_F>thx<RETURN>");
+    EXPECT_EQ(s.cursor(), (Position{0, 4}));
+    EXPECT_EQ(s.editor.message, "Not found");
+    s.press("<CTRL_F>thx<BACKSPACE><RETURN>");
+    EXPECT_EQ(s.cursor(), (Position{1, 4}));
+    s.press("<CTRL_F>one<ESC>");
+    EXPECT_EQ(s.cursor(), (Position{1, 4}));
+    EXPECT_EQ(s.editor.message, "I-find cancelled");
+    s.terminal.keys = {'q', 'x', 7};
+    s.editor.prompt_find();
+    Buffer* log = s.editor.find_buffer("$MESSAGE_BUFFER");
+    EXPECT_NE(log->lines.find("I-find: qx  (not found)", 0), std::nullopt);
+}
+
+TEST(CommandLine, is_edited_on_the_message_line) {
+    Session s({"one", "two"}, 6, 12);
+    s.press("<CTRL_Z>nonsense<CTRL_U>boty<BACKSPACE>tom");
+    EXPECT_EQ(s.terminal.shown.message.row_text(0), "* bottom    ");
+    EXPECT_EQ(s.terminal.shown.cursor, (ScreenPlace{5, 8}));
+    s.press("<CTRL_Z>bottom<RETURN>");
+    EXPECT_EQ(s.cursor(), (Position{1, 3}));
+    s.press("<CTRL_Z>write file some/where/else");
+    EXPECT_EQ(s.terminal.shown.message.row_text(0), "/where/else ");
+    s.editor.headless = true;
+    EXPECT_EQ(s.editor.read_command_line("? "), "");
+}
+
+TEST(Mouse, moves_the_cursor_of_the_current_window_wherever_it_clicks) {
+    Session s({"one", "two", "three"});
+    s.editor.show_line_numbers = true;
+    s.screen();
+    auto click = [&](int row, int col, bool clicked = true) {
+        s.terminal.clicked = MouseEvent{row, col, clicked};
+        s.editor.handle_key(kKeyMouse);
+    };
+    click(2, 8);
+    EXPECT_EQ(s.cursor(), (Position{2, 2}));
+    click(0, 3);
+    click(1, 7, false);
+    EXPECT_EQ(s.cursor(), (Position{2, 2}));
+    EXPECT_EQ(s.editor.mouse_row, 1);
+    click(23, 70);
+    EXPECT_EQ(s.cursor(), (Position{2, 5}));
+    EXPECT_TRUE(s.buffer->undo_stack.empty());
+}
+
+TEST(Process, gets_the_keys_while_it_is_attached) {
+    Session s({""});
+    auto process = std::make_shared<TPUProcess>();
+    ASSERT_TRUE(process->start("cat", s.buffer));
+    s.editor.processes.push_back(process);
+    s.editor.attached_process = process;
+    s.press("hi<RETURN><F9><CTRL_D>");
+    EXPECT_EQ(s.editor.message, "EOF sent; detached");
+    while (!s.editor.processes.empty()) s.editor.poll_processes();
+    EXPECT_EQ(s.lines(), (Rows{"hi", ""}));
+    s.editor.attached_process = process;
+    s.press("<CTRL_Z>x");
+    EXPECT_EQ(s.lines(), (Rows{"hi", "x"}));
+}
+
+TEST(MainLoop, draws_once_for_keys_that_wait_and_serves_the_timer) {
+    Session s({"one"});
+    s.terminal.keys = {'a', 'b', kKeyResize, kNoKey, 'c'};
+    s.terminal.screen = {10, 40};
+    s.editor.run();
+    EXPECT_EQ(s.lines(), (Rows{"abcone"}));
+    EXPECT_EQ(s.terminal.frames, 1);
+    EXPECT_EQ(s.editor.rows, 10);
+
+    s.editor.running = true;
+    s.editor.timer_interval = 1500;
+    s.editor.timer_action = "ERASE_LINE";
+    s.terminal.keys = {kNoKey};
+    s.editor.run();
+    EXPECT_EQ(s.lines(), (Rows{"abcone"}));
+    s.clock.time += std::chrono::milliseconds(1500);
+    s.editor.timer_start = {};
+    s.terminal.keys = {'x', 24};
+    s.editor.running = true;
+    s.editor.run();  // the period begins anew with the loop
+    EXPECT_EQ(s.lines(), (Rows{"abcxone"}));
+}
+
+}  // namespace
+}  // namespace tpu

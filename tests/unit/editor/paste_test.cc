@@ -1,0 +1,89 @@
+// Cutting, copying, pasting and saving from the session, with their messages.
+#include <gtest/gtest.h>
+
+#include "support/session.h"
+
+namespace tpu {
+namespace {
+
+using Rows = std::vector<std::string>;
+
+TEST(Paste, brings_back_what_was_cut_or_copied) {
+    Session s({"one", "two"});
+    s.press("<CTRL_W>");
+    EXPECT_EQ(s.editor.message, "No SELECT_RANGE");
+    s.press("<CTRL_Y>");
+    EXPECT_EQ(s.editor.message, "Paste buffer empty");
+    s.press("<CTRL_V><DOWN><RIGHT><CTRL_W>");
+    EXPECT_EQ(s.editor.message, "MOVE_TEXT SELECT_RANGE");
+    EXPECT_EQ(s.lines(), (Rows{"wo"}));
+    EXPECT_FALSE(s.buffer->select_anchor.has_value());
+    s.press("<CTRL_Y>");
+    EXPECT_EQ(s.editor.message, "Pasted");
+    EXPECT_EQ(s.lines(), (Rows{"one", "two"}));
+    s.press("<CTRL_V><LEFT>");
+    s.editor.copy_selection();
+    EXPECT_EQ(s.editor.message, "Copied SELECT_RANGE");
+    EXPECT_TRUE(s.buffer->select_anchor.has_value());
+    EXPECT_EQ(s.buffer->paste_text, "t");
+    s.editor.paste_previous();
+    EXPECT_EQ(s.editor.message, "Pasted previous");
+    EXPECT_EQ(s.lines(), (Rows{"one", "one", "ttwo"}));
+}
+
+TEST(Paste, of_an_empty_selection_keeps_the_register) {
+    Session s({"one"});
+    s.editor.push_kill_ring("old");
+    s.press("<CTRL_V><CTRL_W>");
+    EXPECT_EQ(s.editor.message, "MOVE_TEXT SELECT_RANGE");
+    EXPECT_FALSE(s.buffer->select_anchor.has_value());
+    EXPECT_EQ(s.buffer->paste_text, "old");
+}
+
+TEST(Paste, walks_a_ring_of_32_texts) {
+    Session s({""});
+    s.editor.paste_previous();
+    EXPECT_EQ(s.editor.message, "Kill ring empty");
+    for (int i = 0; i < 33; ++i) s.editor.push_kill_ring(std::to_string(i));
+    s.editor.push_kill_ring("");
+    EXPECT_EQ(s.editor.kill_ring.size(), 32u);
+    EXPECT_EQ(s.editor.kill_ring.front(), "1");
+    s.editor.paste_previous();
+    EXPECT_EQ(s.buffer->paste_text, "31");
+    for (int i = 0; i < 31; ++i) s.editor.paste_previous();
+    EXPECT_EQ(s.buffer->paste_text, "32");
+}
+
+TEST(Paste, keeps_named_texts_for_all_buffers) {
+    Session s({""});
+    s.editor.store_named_paste("");
+    EXPECT_EQ(s.editor.message, "STORE_PASTE needs a name");
+    s.editor.push_kill_ring("text");
+    s.editor.store_named_paste("abc");
+    EXPECT_EQ(s.editor.message, "Stored paste \"ABC\" (4 chars)");
+    s.editor.recall_named_paste("x", true);
+    EXPECT_EQ(s.editor.message, "No named paste \"X\"");
+    s.editor.position(s.editor.create_buffer("B", ""));
+    s.editor.paste();
+    EXPECT_EQ(s.editor.message, "Paste buffer empty");
+    s.editor.recall_named_paste("Abc", false);
+    EXPECT_EQ(s.editor.message, "Recalled paste \"ABC\"");
+    s.editor.recall_named_paste("ABC", true);
+    EXPECT_EQ(s.editor.message, "Pasted \"ABC\"");
+    EXPECT_EQ(s.editor.current_buffer->lines[0], "text");
+}
+
+TEST(Save, asks_for_a_name_and_says_what_happened) {
+    Session s({"text"});
+    s.press("<CTRL_S><RETURN>");
+    EXPECT_EQ(s.editor.message, "No file specified");
+    s.press("<CTRL_S>/no/such/folder/file<RETURN>");
+    EXPECT_EQ(s.editor.message, "Write failed: /no/such/folder/file");
+    s.buffer->file_name = "/no/such/folder/file";
+    s.press("x<GOLD>W");
+    EXPECT_EQ(s.editor.message, "Write failed: /no/such/folder/file");
+    EXPECT_TRUE(s.buffer->modified);
+}
+
+}  // namespace
+}  // namespace tpu
