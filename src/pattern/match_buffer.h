@@ -35,7 +35,12 @@ class TextReader {
     bool at_line_begin(std::uint64_t offset) { return offset == 0 || at_line_end(offset - 1); }
     // The first line end at or after `offset`.
     std::uint64_t line_end(std::uint64_t offset) {
-        std::uint64_t row = lines_.position(std::min(offset, size_)).row;
+        if (offset >= size_) return size_;
+        const LineStore::Chunk& here = chunk(offset);
+        std::size_t feed =
+            here.raw ? std::string_view::npos : here.text.find('\n', offset - here.begin);
+        if (feed != std::string_view::npos) return here.begin + feed;
+        std::uint64_t row = lines_.position(offset).row;
         return row + 1 < lines_.size() ? lines_.row_start(row + 1) - 1 : size_;
     }
 
@@ -62,13 +67,21 @@ class BufferMatcher {
     bool match(std::uint64_t start, std::uint64_t& end, std::uint64_t beyond = 0) {
         at_ = start;
         beyond_ = beyond;
+        same_until_ = start;
+        bool leading = true;
         for (std::size_t i = 0; i < pattern_.tokens.size(); ++i) {
             if (!apply(i)) return false;
+            if (!leading || pattern_.tokens[i].kind == Token::kUnanchor) continue;
+            leading = false;
+            if (is_run(pattern_.tokens[i].kind)) same_until_ = at_;
         }
         end = at_;
         return true;
     }
 
+    // After a failure: no start up to here can match, because the pattern begins with
+    // a run, and the run leads from all of them to the same place.
+    std::uint64_t same_until() const { return same_until_; }
     // After a match: columns past the end of the line at which it ended.
     std::uint64_t beyond() const { return beyond_; }
     // True once a token has run into the end of the text: then no later start can
@@ -117,6 +130,9 @@ class BufferMatcher {
         return false;
     }
 
+    static bool is_run(Token::Kind kind) {
+        return (kind >= Token::kScan && kind <= Token::kSpanL) || kind == Token::kRemain;
+    }
     bool at_end_of_text() const { return at_ >= reader_.end_of_text(); }
     bool hits_end() { return hopeless_ = hopeless_ || at_end_of_text(); }
     bool in_set(std::size_t token) { return runs_.in_set(pattern_, token, reader_.character(at_)); }
@@ -196,6 +212,7 @@ class BufferMatcher {
     Runs runs_;
     std::uint64_t at_ = 0;
     std::uint64_t beyond_ = 0;
+    std::uint64_t same_until_ = 0;
     bool hopeless_ = false;
 };
 

@@ -44,6 +44,7 @@ class ForwardSearch {
             if (start > last) break;
             if (matcher_.match(start, end)) return Match{start, end};
             if (matcher_.is_hopeless()) break;
+            if (!anchored_) start = std::max(start, matcher_.same_until());
         }
         return std::nullopt;
     }

@@ -1,0 +1,232 @@
+#include "proc/process.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cassert>
+#include <cerrno>
+#include <utility>
+#include <vector>
+
+#include "core/buffer.h"
+
+extern char** environ;
+
+namespace tpu {
+
+namespace {
+
+// Most bytes that one poll delivers, so that a child which never stops writing
+// leaves the editor time for keys.
+constexpr std::size_t kMostPerPoll = 1 << 20;
+
+struct Pipe {
+    Descriptor read;
+    Descriptor write;
+
+    bool open();
+};
+
+// The file behind `fd`, which is closed, under a number that children do not inherit
+// and that is none of the standard three, as a pipe made without them would have.
+Descriptor lifted(int fd) {
+    Descriptor low(fd);
+    return Descriptor(fcntl(fd, F_DUPFD_CLOEXEC, 3));
+}
+
+bool Pipe::open() {
+    int ends[2];
+    if (pipe(ends) != 0) return false;
+    read = lifted(ends[0]);
+    write = lifted(ends[1]);
+    return read.is_open() && write.is_open();
+}
+
+bool set_nonblocking(const Descriptor& descriptor) {
+    int flags = fcntl(descriptor.get(), F_GETFL);
+    return flags >= 0 && fcntl(descriptor.get(), F_SETFL, flags | O_NONBLOCK) == 0;
+}
+
+// The editor's environment, but for a terminal that can do nothing: pipes are none.
+std::vector<std::string> child_environment() {
+    std::vector<std::string> variables{"TERM=dumb"};
+    for (char** variable = environ; *variable; ++variable) {
+        if (!std::string_view(*variable).starts_with("TERM=")) variables.emplace_back(*variable);
+    }
+    return variables;
+}
+
+// Signals as a program expects them, whatever the editor ignores or blocks.
+void set_default_signals(posix_spawnattr_t& attributes) {
+    sigset_t all, none;
+    sigfillset(&all);
+    sigdelset(&all, SIGKILL);
+    sigdelset(&all, SIGSTOP);
+    sigemptyset(&none);
+    posix_spawnattr_setsigdefault(&attributes, &all);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+}
+
+// Starts the shell on a command line; its process id, or -1.
+pid_t spawn_shell(std::string command, const Descriptor& in, const Descriptor& out) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, in.get(), STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, out.get(), STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, out.get(), STDERR_FILENO);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    set_default_signals(attributes);
+
+    std::string name = "sh", option = "-c";
+    char* arguments[] = {name.data(), option.data(), command.data(), nullptr};
+    std::vector<std::string> variables = child_environment();
+    std::vector<char*> environment;
+    for (std::string& variable : variables) environment.push_back(variable.data());
+    environment.push_back(nullptr);
+
+    pid_t pid = -1;
+    int failure =
+        posix_spawn(&pid, "/bin/sh", &actions, &attributes, arguments, environment.data());
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&actions);
+    return failure == 0 ? pid : -1;
+}
+
+// Holds SIGPIPE back from this thread, and takes it away if it came meanwhile.
+class PipeSignalHeld {
+  public:
+    PipeSignalHeld() {
+        sigemptyset(&pipe_signal_);
+        sigaddset(&pipe_signal_, SIGPIPE);
+        was_pending_ = is_pending();
+        pthread_sigmask(SIG_BLOCK, &pipe_signal_, &old_mask_);
+    }
+    ~PipeSignalHeld() {
+        int taken;
+        if (!was_pending_ && is_pending()) sigwait(&pipe_signal_, &taken);
+        pthread_sigmask(SIG_SETMASK, &old_mask_, nullptr);
+    }
+    PipeSignalHeld(const PipeSignalHeld&) = delete;
+    PipeSignalHeld& operator=(const PipeSignalHeld&) = delete;
+
+  private:
+    static bool is_pending() {
+        sigset_t pending;
+        sigpending(&pending);
+        return sigismember(&pending, SIGPIPE) == 1;
+    }
+
+    sigset_t pipe_signal_;
+    sigset_t old_mask_;
+    bool was_pending_;
+};
+
+}  // namespace
+
+Descriptor::Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+    std::swap(fd_, other.fd_);
+    return *this;
+}
+
+void Descriptor::close() {
+    if (fd_ >= 0) ::close(std::exchange(fd_, -1));
+}
+
+TPUProcess::~TPUProcess() {
+    if (pid_ <= 0) return;
+    kill(pid_, SIGTERM);
+    reap();
+}
+
+bool TPUProcess::start(const std::string& command_line, Buffer* output_buffer) {
+    assert(pid_ < 0 && !output_.is_open());
+    command = command_line;
+    output = output_buffer;
+    Pipe to_child, from_child;
+    if (!to_child.open() || !from_child.open()) return false;
+    if (!set_nonblocking(to_child.write) || !set_nonblocking(from_child.read)) return false;
+    pid_ = spawn_shell(command, to_child.read, from_child.write);
+    if (pid_ < 0) return false;
+    input_ = std::move(to_child.write);
+    output_ = std::move(from_child.read);
+    return true;
+}
+
+void TPUProcess::send(std::string_view text) {
+    if (input_closed_ || !input_.is_open()) return;
+    unsent_ += text;
+    flush_input();
+}
+
+void TPUProcess::send_eof() {
+    input_closed_ = true;
+    flush_input();
+}
+
+// Hands over as much input as the pipe takes at once. To wait for more room could be
+// for ever: the child may itself be waiting for its output to be read.
+void TPUProcess::flush_input() {
+    if (!input_.is_open()) return;
+    if (!unsent_.empty()) write_unsent();
+    if (unsent_.empty() && input_closed_) input_.close();
+}
+
+void TPUProcess::write_unsent() {
+    PipeSignalHeld held;
+    while (!unsent_.empty()) {
+        ssize_t written = write(input_.get(), unsent_.data(), unsent_.size());
+        if (written >= 0) {
+            unsent_.erase(0, static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN) {
+            return;
+        } else if (errno != EINTR) {
+            unsent_.clear();  // nobody will read it
+        }
+    }
+}
+
+void TPUProcess::deliver(std::string_view text) {
+    if (!output) return;
+    bool modifiable = std::exchange(output->modifiable, true);
+    output->copy_text(text);
+    output->modifiable = modifiable;
+}
+
+// Reads what is there now, within the share of one poll. False when that is used up.
+bool TPUProcess::collect_output() {
+    std::array<char, 16384> chunk;
+    for (std::size_t total = 0; output_.is_open() && total < kMostPerPoll;) {
+        flush_input();  // what was read may have made room for more input
+        ssize_t count = read(output_.get(), chunk.data(), chunk.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return true;
+        total += static_cast<std::size_t>(count);
+        deliver({chunk.data(), static_cast<std::size_t>(count)});
+    }
+    return !output_.is_open();
+}
+
+// True when the child has ended just now.
+bool TPUProcess::reap() {
+    if (pid_ <= 0) return false;
+    pid_t result = waitpid(pid_, nullptr, WNOHANG);
+    if (result == 0 || (result < 0 && errno == EINTR)) return false;
+    pid_ = -1;  // an error says that there is no such child any more
+    return true;
+}
+
+bool TPUProcess::poll_output() {
+    // Once the child is known to have ended, its last words are in the pipe.
+    if (collect_output() && reap()) collect_output();
+    return pid_ > 0;
+}
+
+}  // namespace tpu
