@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstring>
 
@@ -34,6 +33,13 @@ void go_to_line(Buffer& buffer, std::uint64_t line) {
     buffer.cursor_row = std::min(line, buffer.lines.size()) - 1;
 }
 
+// Writes a line to standard error, off the editor's screen in case that is where it goes.
+void complain(Terminal& terminal, const std::string& line) {
+    terminal.leave();
+    std::fprintf(stderr, "%s\n", line.c_str());
+    terminal.enter();
+}
+
 }  // namespace
 
 int run_session(const Options& options, Ports ports, Charset charset) {
@@ -45,7 +51,7 @@ int run_session(const Options& options, Ports ports, Charset charset) {
     go_to_line(*main, options.line);
     editor.init_screen();
     if (!options.section_file.empty()) {
-        std::fprintf(stderr, "tpu: /SECTION=%s failed to load\n", options.section_file.c_str());
+        complain(ports.terminal, "tpu: /SECTION=" + options.section_file + " failed to load");
     }
     editor.set_message(kGreeting);
     if (!trouble.empty()) editor.set_message(trouble);

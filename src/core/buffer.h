@@ -152,6 +152,7 @@ class Buffer {
     std::optional<Range> search_pattern_backward(const TPUPattern& pattern, bool move_cursor);
     bool search_forward(std::string_view text);  // from just past the cursor; moves it
     bool search_from_top(std::string_view text);
+    bool search_round(std::string_view text);  // the one, then the other, each byte once
 
     // store/load.cc, store/save.cc
     bool load_file(const std::string& path);   // false: unreadable, text unchanged

@@ -31,7 +31,8 @@ LineStore LineStore::from_pieces(Pieces pieces) {
     return store;
 }
 
-LineStore LineStore::from_block(const Ref<TextBlock>& block, std::size_t bytes) {
+LineStore LineStore::from_block(const Ref<TextBlock>& block, std::size_t bytes,
+                                const std::vector<std::uint32_t>& feeds) {
     Pieces pieces;
     pieces.reserve(bytes / tree::kMaxPiece + 1);
     for (std::size_t at = 0; at < bytes; at += tree::kMaxPiece) {
@@ -40,7 +41,9 @@ LineStore LineStore::from_block(const Ref<TextBlock>& block, std::size_t bytes) 
         piece.block = block;
         piece.data = text.data();
         piece.size = static_cast<std::uint32_t>(text.size());
-        piece.breaks = static_cast<std::uint32_t>(tree::count_line_feeds(text)) & 0x7fffffffu;
+        bool counted = pieces.size() <= feeds.size() && text.size() == tree::kMaxPiece;
+        std::uint64_t breaks = counted ? feeds[pieces.size() - 1] : tree::count_line_feeds(text);
+        piece.breaks = static_cast<std::uint32_t>(breaks) & 0x7fffffffu;
     }
     return from_pieces(std::move(pieces));
 }
@@ -124,15 +127,17 @@ void LineStore::for_each_span(std::uint64_t from, std::uint64_t to,
     if (!span.empty()) visit(span);
 }
 
-std::optional<std::uint64_t> LineStore::find(std::string_view needle, std::uint64_t from) const {
+std::optional<std::uint64_t> LineStore::find(std::string_view needle, std::uint64_t from,
+                                             std::uint64_t to) const {
     if (needle.empty()) return std::nullopt;
+    to = std::min(to, bytes());
     bool needle_has_feed = needle.find('\n') != std::string_view::npos;
     if (needle_has_feed && !has_raw_) return std::nullopt;
 
     std::optional<std::uint64_t> result;
     std::string before;  // the last bytes before the span, where a match may begin
     std::uint64_t at = from;
-    for_each_span(from, bytes(), [&](std::string_view span) {
+    for_each_span(from, to, [&](std::string_view span) {
         std::size_t overlap = needle.size() - 1;
         if (!before.empty()) {
             std::string seam = before + std::string(span.substr(0, overlap));
@@ -152,7 +157,7 @@ std::optional<std::uint64_t> LineStore::find(std::string_view needle, std::uint6
     });
     // Line feeds in the needle may have met line breaks: then look further on.
     if (result && needle_has_feed && position(*result).row != position(*result + needle.size()).row) {
-        return find(needle, *result + 1);
+        return find(needle, *result + 1, to);
     }
     return result;
 }

@@ -29,8 +29,11 @@ class LineStore {
     explicit LineStore(const std::vector<std::string>& lines);       // empty: one empty line
     static LineStore from_text(std::string_view text);               // split at line feeds
     static LineStore from_pieces(tree::Pieces pieces);
-    // The first `bytes` bytes of the block, split at line feeds.
-    static LineStore from_block(const Ref<TextBlock>& block, std::size_t bytes);
+    // The first `bytes` bytes of the block, split at line feeds. `feeds` may give the
+    // numbers of line feeds in the first pieces of tree::kMaxPiece bytes, for who has
+    // counted them while filling the block.
+    static LineStore from_block(const Ref<TextBlock>& block, std::size_t bytes,
+                                const std::vector<std::uint32_t>& feeds = {});
 
     // Reading. Rows are below size(), columns at most length(row) unless said otherwise.
     std::uint64_t size() const { return tree_.size.breaks + 1; }  // lines
@@ -65,8 +68,9 @@ class LineStore {
     void for_each_span(std::uint64_t from, std::uint64_t to,
                        const std::function<bool(std::string_view)>& visit) const;
 
-    // Offset of the first occurrence of `needle` within one line at or after `from`.
-    std::optional<std::uint64_t> find(std::string_view needle, std::uint64_t from) const;
+    // Offset of the first occurrence of `needle` within one line, among the bytes [from, to).
+    std::optional<std::uint64_t> find(std::string_view needle, std::uint64_t from,
+                                      std::uint64_t to = UINT64_MAX) const;
 
     // Changing. Offsets are at most bytes().
     void insert(std::uint64_t offset, std::string_view bytes);  // into a line; line feeds are text

@@ -14,7 +14,7 @@ void FindSession::go_to_start() {
 
 std::string FindSession::search() {
     go_to_start();
-    found_ = !query_.empty() && (buffer_.search_forward(query_) || buffer_.search_from_top(query_));
+    found_ = !query_.empty() && buffer_.search_round(query_);
     std::string message = "I-find: " + query_;
     if (!found_ && !query_.empty()) message += "  (not found)";
     return message;
@@ -40,9 +40,17 @@ bool FindSession::key(int code) {
             if (found_) start_ = {buffer_.cursor_row, buffer_.cursor_column + 1};
             return false;
         default:
-            if (code >= 32 && code <= 126) query_ += static_cast<char>(code);
+            append(code);
             return false;
     }
+}
+
+void FindSession::append(int code) {
+    if (code >= 32 && code <= 126) query_ += static_cast<char>(code);
+}
+
+void FindSession::paste(std::string_view text) {
+    for (char c : text.substr(0, text.find_first_of("\r\n"))) append(c);
 }
 
 }  // namespace tpu

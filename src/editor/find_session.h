@@ -17,9 +17,12 @@ class FindSession {
 
     // Takes a key. True when it ended the session; then result() says how.
     bool key(int code);
+    // Adds pasted text to the query, up to its first line end.
+    void paste(std::string_view text);
     const std::string& result() const { return result_; }
 
   private:
+    void append(int code);
     void go_to_start();
     bool end(std::string result);
 

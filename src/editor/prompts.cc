@@ -36,6 +36,7 @@ void TPUEditor::prompt_find() {
         draw();
         key = read_key(-1);
         if (key == kKeyResize) resize_screen();
+        if (key == kKeyPaste) session.paste(ports.terminal.take_paste());
         if (key == kKeyHangup) {
             running = false;
             return;

@@ -149,9 +149,9 @@ std::optional<Range> Buffer::search_pattern_backward(const TPUPattern& pattern, 
 
 namespace {
 
-bool find_text(Buffer& buffer, std::string_view text, Position from) {
-    if (text.empty()) return false;
-    auto found = buffer.lines.find(text, buffer.lines.offset(from));
+// Moves the cursor to the first occurrence among the bytes [from, to).
+bool find_text(Buffer& buffer, std::string_view text, std::uint64_t from, std::uint64_t to) {
+    auto found = buffer.lines.find(text, from, to);
     if (!found) return false;
     Position place = buffer.lines.position(*found);
     buffer.cursor_row = place.row;
@@ -159,16 +159,26 @@ bool find_text(Buffer& buffer, std::string_view text, Position from) {
     return true;
 }
 
+// Where a search starts that skips what stands at the cursor.
+std::uint64_t past_cursor(const Buffer& buffer) {
+    std::uint64_t row = std::min(buffer.cursor_row, buffer.lines.size() - 1);
+    return buffer.lines.offset({row, std::min(buffer.cursor_column + 1, buffer.lines.length(row))});
+}
+
 }  // namespace
 
 bool Buffer::search_forward(std::string_view text) {
-    std::uint64_t row = std::min(cursor_row, lines.size() - 1);
-    std::uint64_t column = std::min(cursor_column + 1, lines.length(row));
-    return find_text(*this, text, {row, column});
+    return find_text(*this, text, past_cursor(*this), lines.bytes());
 }
 
 bool Buffer::search_from_top(std::string_view text) {
-    return find_text(*this, text, {0, 0});
+    return find_text(*this, text, 0, lines.bytes());
+}
+
+bool Buffer::search_round(std::string_view text) {
+    std::uint64_t start = past_cursor(*this);
+    return find_text(*this, text, start, lines.bytes()) ||
+           find_text(*this, text, 0, start + text.size());
 }
 
 }  // namespace tpu

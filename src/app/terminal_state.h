@@ -1,0 +1,21 @@
+// The terminal as it was before the editor took it over, for everyone who may
+// have to give it back. Process-wide, because a signal handler needs it.
+#pragma once
+
+namespace tpu {
+
+// Keeps the attributes of standard input, if it is a terminal.
+void save_terminal_state();
+
+// Puts the kept attributes back; does nothing when none were kept.
+void restore_terminal_state();
+
+// Registers what leaves full-screen work. It must be fit to run in a signal
+// handler. Null: there is nothing to leave.
+void set_screen_ender(void (*end)());
+
+// For SIGINT, SIGTERM and SIGHUP: leaves full-screen work, restores the terminal
+// and ends the process. The status is always 0.
+void terminal_signal_handler(int signal);
+
+}  // namespace tpu
