@@ -44,8 +44,8 @@ std::string_view option_name(std::string_view argument) {
 
 // People type absolute paths: one that exists, or that has a second slash.
 bool is_absolute_path(const std::string& argument) {
-    return argument[0] == '/' && (argument.find('/', 1) != std::string::npos ||
-                                  access(argument.c_str(), F_OK) == 0);
+    return argument[0] == '/' &&
+           (argument.find('/', 1) != std::string::npos || access(argument.c_str(), F_OK) == 0);
 }
 
 bool is_line_number(const std::string& argument) {

@@ -84,9 +84,9 @@ class Buffer {
 
     // buffer_cursor.cc: cursor, marks, selection
     void clamp_cursor();
-    std::string current_line();  // a copy; line_length() where the size will do
-    std::uint64_t line_length();  // bytes of the cursor line
-    char current_character() const;  // line feed at the line's end
+    std::string current_line();                    // a copy; line_length() where the size will do
+    std::uint64_t line_length();                   // bytes of the cursor line
+    char current_character() const;                // line feed at the line's end
     std::uint64_t current_offset_in_line() const;  // offset in the whole text
     void move_vertical(int n);
     void move_horizontal(int n);  // crosses one line end at most

@@ -120,12 +120,9 @@ void Buffer::fill_range(const Range& range, std::uint64_t left, std::uint64_t ri
 
 char Buffer::xform_case(char c, Case mode) {
     switch (mode) {
-        case Case::upper:
-            return ascii::to_upper(c);
-        case Case::lower:
-            return ascii::to_lower(c);
-        case Case::invert:
-            return ascii::to_upper(c) != c ? ascii::to_upper(c) : ascii::to_lower(c);
+        case Case::upper: return ascii::to_upper(c);
+        case Case::lower: return ascii::to_lower(c);
+        case Case::invert: return ascii::to_upper(c) != c ? ascii::to_upper(c) : ascii::to_lower(c);
     }
     return c;
 }

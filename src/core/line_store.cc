@@ -147,7 +147,8 @@ std::optional<std::uint64_t> LineStore::find(std::string_view needle, std::uint6
         if (!result) {
             const void* hit = memmem(span.data(), span.size(), needle.data(), needle.size());
             if (hit) {
-                result = at + static_cast<std::uint64_t>(static_cast<const char*>(hit) - span.data());
+                result =
+                    at + static_cast<std::uint64_t>(static_cast<const char*>(hit) - span.data());
             }
         }
         before += span.substr(span.size() - std::min(span.size(), overlap));
@@ -156,7 +157,8 @@ std::optional<std::uint64_t> LineStore::find(std::string_view needle, std::uint6
         return !result;
     });
     // Line feeds in the needle may have met line breaks: then look further on.
-    if (result && needle_has_feed && position(*result).row != position(*result + needle.size()).row) {
+    if (result && needle_has_feed &&
+        position(*result).row != position(*result + needle.size()).row) {
         return find(needle, *result + 1, to);
     }
     return result;
@@ -241,7 +243,8 @@ void TextBuilder::add(std::string_view bytes, bool raw) {
         piece.data = block_->append(part);
         piece.size = static_cast<std::uint32_t>(part.size());
         piece.raw = raw;
-        if (!raw) piece.breaks = static_cast<std::uint32_t>(tree::count_line_feeds(part)) & 0x7fffffffu;
+        if (!raw)
+            piece.breaks = static_cast<std::uint32_t>(tree::count_line_feeds(part)) & 0x7fffffffu;
         tree::append(pieces_, std::move(piece));
         bytes.remove_prefix(part.size());
     }

@@ -25,9 +25,9 @@ namespace tpu {
 
 class LineStore {
   public:
-    LineStore() = default;                                           // one empty line
-    explicit LineStore(const std::vector<std::string>& lines);       // empty: one empty line
-    static LineStore from_text(std::string_view text);               // split at line feeds
+    LineStore() = default;                                      // one empty line
+    explicit LineStore(const std::vector<std::string>& lines);  // empty: one empty line
+    static LineStore from_text(std::string_view text);          // split at line feeds
     static LineStore from_pieces(tree::Pieces pieces);
     // The first `bytes` bytes of the block, split at line feeds. `feeds` may give the
     // numbers of line feeds in the first pieces of tree::kMaxPiece bytes, for who has
@@ -43,9 +43,9 @@ class LineStore {
     // At most `count` bytes from `from` on, never past the end of its line; a column
     // past the end gives nothing.
     std::string slice(Position from, std::uint64_t count) const;
-    unsigned char at(Position place) const;  // column below length(row)
+    unsigned char at(Position place) const;                        // column below length(row)
     std::string text(std::uint64_t from, std::uint64_t to) const;  // line feeds at line ends
-    std::vector<std::string> lines() const;  // all of them, copied
+    std::vector<std::string> lines() const;                        // all of them, copied
 
     // Offsets and positions. A row at or past size() is the end of the text.
     std::uint64_t row_start(std::uint64_t row) const;
@@ -96,7 +96,7 @@ class LineStore {
 
   private:
     tree::Tree tree_;
-    Ref<TextBlock> tail_;  // block that takes inserted text
+    Ref<TextBlock> tail_;   // block that takes inserted text
     bool has_raw_ = false;  // some line may hold a line feed as text
 };
 

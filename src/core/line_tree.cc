@@ -143,8 +143,8 @@ std::vector<Tree> concatenate(std::vector<Tree> left, std::vector<Tree> right) {
 template <class Entries>
 void merge(std::vector<Tree>& nodes, std::size_t i, Entries Node::*entries) {
     std::vector<Tree> merged;
-    spread(concatenate(take(nodes[i].node, entries), take(nodes[i + 1].node, entries)),
-           kMaxEntries, merged);
+    spread(concatenate(take(nodes[i].node, entries), take(nodes[i + 1].node, entries)), kMaxEntries,
+           merged);
     auto place = nodes.begin() + static_cast<std::ptrdiff_t>(i);
     std::move(merged.begin(), merged.end(), place);
     if (merged.size() == 1) nodes.erase(place + 1);
@@ -179,8 +179,9 @@ void edit(Ref<Node> node, Change change, std::vector<Tree>& out) {
     std::vector<Tree> old = take(node, &Node::children);
     std::uint64_t begin = 0;
     std::size_t first = locate(old, change.from, 0, begin);
-    std::vector<Tree> result(std::make_move_iterator(old.begin()),
-                             std::make_move_iterator(old.begin() + static_cast<std::ptrdiff_t>(first)));
+    std::vector<Tree> result(
+        std::make_move_iterator(old.begin()),
+        std::make_move_iterator(old.begin() + static_cast<std::ptrdiff_t>(first)));
 
     std::uint64_t first_end = begin + old[first].size.bytes;
     Change left{change.from - begin, std::min(change.to, first_end) - begin, change.fresh,
@@ -288,8 +289,7 @@ Tree build(Pieces pieces) {
     return join(std::move(leaves), kFill);
 }
 
-Tree replace(Tree tree, std::uint64_t from, std::uint64_t to, Pieces pieces,
-             Ref<TextBlock>& tail) {
+Tree replace(Tree tree, std::uint64_t from, std::uint64_t to, Pieces pieces, Ref<TextBlock>& tail) {
     assert(from <= to && to <= tree.size.bytes);
     if (from == to && pieces.empty()) return tree;
     if (!tree.node) return build(std::move(pieces));

@@ -88,58 +88,38 @@ long long Value::as_int() const {
 
 std::string Value::as_string() const {
     switch (type_) {
-        case Type::integer:
-            return std::to_string(integer());
+        case Type::integer: return std::to_string(integer());
         case Type::string:
-        case Type::keyword:
-            return text_;
-        case Type::none:
-            return {};
-        case Type::range:
-            return rendering(range().get());
-        case Type::marker:
-            return rendering(marker().get());
-        case Type::buffer:
-            return buffer() ? buffer()->name : std::string();
-        case Type::window:
-            return rendering(window());
+        case Type::keyword: return text_;
+        case Type::none: return {};
+        case Type::range: return rendering(range().get());
+        case Type::marker: return rendering(marker().get());
+        case Type::buffer: return buffer() ? buffer()->name : std::string();
+        case Type::window: return rendering(window());
         case Type::pattern:
         case Type::array:
         case Type::program:
         case Type::learn:
-        case Type::process:
-            return std::string("<").append(type_name(type_)).append(">");
+        case Type::process: return std::string("<").append(type_name(type_)).append(">");
     }
     return {};
 }
 
 bool Value::truthy() const {
     switch (type_) {
-        case Type::integer:
-            return integer() != 0;
-        case Type::string:
-            return !text_.empty();
-        case Type::keyword:
-            return spells(text_, "ON") || spells(text_, "TRUE");
-        case Type::none:
-            return false;
-        case Type::pattern:
-            return pattern() && !pattern()->tokens.empty();
-        case Type::range:
-            return range() && range()->valid;
-        case Type::marker:
-            return marker() && marker()->buffer;
-        case Type::buffer:
-            return buffer();
-        case Type::window:
-            return window();
-        case Type::program:
-            return program() && !program()->empty();
-        case Type::learn:
-            return learn() && !learn()->empty();
+        case Type::integer: return integer() != 0;
+        case Type::string: return !text_.empty();
+        case Type::keyword: return spells(text_, "ON") || spells(text_, "TRUE");
+        case Type::none: return false;
+        case Type::pattern: return pattern() && !pattern()->tokens.empty();
+        case Type::range: return range() && range()->valid;
+        case Type::marker: return marker() && marker()->buffer;
+        case Type::buffer: return buffer();
+        case Type::window: return window();
+        case Type::program: return program() && !program()->empty();
+        case Type::learn: return learn() && !learn()->empty();
         case Type::array:
-        case Type::process:
-            return shared_ != nullptr;
+        case Type::process: return shared_ != nullptr;
     }
     return false;
 }

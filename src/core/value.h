@@ -115,13 +115,10 @@ class Value {
             case Type::integer:
             case Type::none:
             case Type::buffer:
-            case Type::window:
-                return Held::scalar;
+            case Type::window: return Held::scalar;
             case Type::string:
-            case Type::keyword:
-                return Held::text;
-            default:
-                return Held::shared;
+            case Type::keyword: return Held::text;
+            default: return Held::shared;
         }
     }
 
@@ -164,43 +161,26 @@ std::string_view type_name(Value::Type type);
 
 inline Value::Value(const Value& other) : type_(other.type_) {
     switch (held(type_)) {
-        case Held::scalar:
-            std::construct_at(&scalar_, other.scalar_);
-            break;
-        case Held::text:
-            std::construct_at(&text_, other.text_);
-            break;
-        case Held::shared:
-            std::construct_at(&shared_, other.shared_);
-            break;
+        case Held::scalar: std::construct_at(&scalar_, other.scalar_); break;
+        case Held::text: std::construct_at(&text_, other.text_); break;
+        case Held::shared: std::construct_at(&shared_, other.shared_); break;
     }
 }
 
 inline void Value::take(Value& other) noexcept {
     type_ = other.type_;
     switch (held(type_)) {
-        case Held::scalar:
-            std::construct_at(&scalar_, other.scalar_);
-            break;
-        case Held::text:
-            std::construct_at(&text_, std::move(other.text_));
-            break;
-        case Held::shared:
-            std::construct_at(&shared_, std::move(other.shared_));
-            break;
+        case Held::scalar: std::construct_at(&scalar_, other.scalar_); break;
+        case Held::text: std::construct_at(&text_, std::move(other.text_)); break;
+        case Held::shared: std::construct_at(&shared_, std::move(other.shared_)); break;
     }
 }
 
 inline void Value::release() noexcept {
     switch (held(type_)) {
-        case Held::scalar:
-            break;
-        case Held::text:
-            std::destroy_at(&text_);
-            break;
-        case Held::shared:
-            std::destroy_at(&shared_);
-            break;
+        case Held::scalar: break;
+        case Held::text: std::destroy_at(&text_); break;
+        case Held::shared: std::destroy_at(&shared_); break;
     }
 }
 

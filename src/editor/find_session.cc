@@ -39,9 +39,7 @@ bool FindSession::key(int code) {
         case control('F'):
             if (found_) start_ = {buffer_.cursor_row, buffer_.cursor_column + 1};
             return false;
-        default:
-            append(code);
-            return false;
+        default: append(code); return false;
     }
 }
 

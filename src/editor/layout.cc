@@ -51,7 +51,8 @@ Place place_of(const TPUWindow& window) {
 // An edge at `edge` of `old_size` cells, on a screen with `size` of them.
 int scale(int edge, int old_size, int size) {
     if (old_size <= 0) return edge;
-    return static_cast<int>((std::int64_t{edge} * size * 2 + old_size) / (std::int64_t{old_size} * 2));
+    return static_cast<int>((std::int64_t{edge} * size * 2 + old_size) /
+                            (std::int64_t{old_size} * 2));
 }
 
 // Scales one dimension: begin and extent, kept within [0, limit).

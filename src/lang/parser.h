@@ -19,7 +19,7 @@ class MiniTPUParser {
     std::string error_code;
     std::string error_text;
     int error_line = 0;
-    int error_count = 0;  // unknown commands and errors in source texts
+    int error_count = 0;   // unknown commands and errors in source texts
     int current_line = 0;  // source line of the running statement; 0: none
     int statement_depth = 0;
     std::vector<std::string> error_list;  // what error_count counted, in order

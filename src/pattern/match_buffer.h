@@ -95,37 +95,19 @@ class BufferMatcher {
         const Token& t = pattern_.tokens[token];
         const std::uint64_t start = at_;
         switch (t.kind) {
-            case Token::kLiteral:
-                return literal(t.text);
-            case Token::kAny:
-                return takes([&] { return in_set(token); });
-            case Token::kNotAny:
-                return takes([&] { return !in_set(token); });
-            case Token::kArb:
-                return arbitrary(t.count);
-            case Token::kScan:
-                move(run_end(token, false));
-                return !hits_end();
-            case Token::kScanL:
-                move(run_end(token, false));
-                return true;
-            case Token::kSpan:
-                move(run_end(token, true));
-                return at_ > start;
-            case Token::kSpanL:
-                move(run_end(token, true));
-                return true;
-            case Token::kLineBegin:
-                return beyond_ == 0 && reader_.at_line_begin(at_);
-            case Token::kLineEnd:
-                return reader_.at_line_end(at_);
-            case Token::kPageBreak:
-                return takes([&] { return reader_.character(at_) == '\f'; });
-            case Token::kRemain:
-                remain(token);
-                return true;
-            case Token::kUnanchor:
-                return true;
+            case Token::kLiteral: return literal(t.text);
+            case Token::kAny: return takes([&] { return in_set(token); });
+            case Token::kNotAny: return takes([&] { return !in_set(token); });
+            case Token::kArb: return arbitrary(t.count);
+            case Token::kScan: move(run_end(token, false)); return !hits_end();
+            case Token::kScanL: move(run_end(token, false)); return true;
+            case Token::kSpan: move(run_end(token, true)); return at_ > start;
+            case Token::kSpanL: move(run_end(token, true)); return true;
+            case Token::kLineBegin: return beyond_ == 0 && reader_.at_line_begin(at_);
+            case Token::kLineEnd: return reader_.at_line_end(at_);
+            case Token::kPageBreak: return takes([&] { return reader_.character(at_) == '\f'; });
+            case Token::kRemain: remain(token); return true;
+            case Token::kUnanchor: return true;
         }
         return false;
     }

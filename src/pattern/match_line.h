@@ -33,36 +33,18 @@ class LineMatcher {
             case TPUPatternToken::kLiteral:
                 p += t.text.size();
                 return line_.substr(start, t.text.size()) == t.text;
-            case TPUPatternToken::kAny:
-                return left > 0 && in_set(token, p++);
-            case TPUPatternToken::kNotAny:
-                return left > 0 && !in_set(token, p++);
-            case TPUPatternToken::kArb:
-                p += t.count;
-                return t.count <= left;
-            case TPUPatternToken::kScan:
-                p = run_end(token, p, false);
-                return p < line_.size();
-            case TPUPatternToken::kScanL:
-                p = run_end(token, p, false);
-                return true;
-            case TPUPatternToken::kSpan:
-                p = run_end(token, p, true);
-                return p > start;
-            case TPUPatternToken::kSpanL:
-                p = run_end(token, p, true);
-                return true;
-            case TPUPatternToken::kLineBegin:
-                return p == 0;
-            case TPUPatternToken::kLineEnd:
-                return left == 0;
-            case TPUPatternToken::kPageBreak:
-                return left > 0 && line_[p++] == '\f';
-            case TPUPatternToken::kRemain:
-                p = line_.size();
-                return true;
-            case TPUPatternToken::kUnanchor:
-                return true;
+            case TPUPatternToken::kAny: return left > 0 && in_set(token, p++);
+            case TPUPatternToken::kNotAny: return left > 0 && !in_set(token, p++);
+            case TPUPatternToken::kArb: p += t.count; return t.count <= left;
+            case TPUPatternToken::kScan: p = run_end(token, p, false); return p < line_.size();
+            case TPUPatternToken::kScanL: p = run_end(token, p, false); return true;
+            case TPUPatternToken::kSpan: p = run_end(token, p, true); return p > start;
+            case TPUPatternToken::kSpanL: p = run_end(token, p, true); return true;
+            case TPUPatternToken::kLineBegin: return p == 0;
+            case TPUPatternToken::kLineEnd: return left == 0;
+            case TPUPatternToken::kPageBreak: return left > 0 && line_[p++] == '\f';
+            case TPUPatternToken::kRemain: p = line_.size(); return true;
+            case TPUPatternToken::kUnanchor: return true;
         }
         return false;
     }

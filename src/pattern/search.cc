@@ -60,21 +60,14 @@ class ForwardSearch {
     std::uint64_t candidate(std::uint64_t from, std::uint64_t last) {
         if (!first_) return from;
         switch (first_->kind) {
-            case Token::kLiteral:
-                return literal(from);
+            case Token::kLiteral: return literal(from);
             case Token::kAny:
-            case Token::kSpan:
-                return next_byte(from, last, true);
-            case Token::kNotAny:
-                return next_byte(from, last, false);
-            case Token::kPageBreak:
-                return lines_.find("\f", from).value_or(kNowhere);
-            case Token::kLineBegin:
-                return row_start(from);
-            case Token::kLineEnd:
-                return reader_.line_end(from);
-            default:
-                return from;
+            case Token::kSpan: return next_byte(from, last, true);
+            case Token::kNotAny: return next_byte(from, last, false);
+            case Token::kPageBreak: return lines_.find("\f", from).value_or(kNowhere);
+            case Token::kLineBegin: return row_start(from);
+            case Token::kLineEnd: return reader_.line_end(from);
+            default: return from;
         }
     }
 

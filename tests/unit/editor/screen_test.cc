@@ -14,20 +14,11 @@ std::string attrs(const Surface& surface, int row) {
     std::string text;
     for (int col = 0; col < surface.cols(); ++col) {
         switch (surface.at(row, col).attr) {
-            case Attr::none:
-                text += '.';
-                break;
-            case Attr::reverse:
-                text += 'r';
-                break;
-            case Attr::dim:
-                text += 'd';
-                break;
-            case Attr::bold:
-                text += 'b';
-                break;
-            default:
-                text += '?';
+            case Attr::none: text += '.'; break;
+            case Attr::reverse: text += 'r'; break;
+            case Attr::dim: text += 'd'; break;
+            case Attr::bold: text += 'b'; break;
+            default: text += '?';
         }
     }
     return text;

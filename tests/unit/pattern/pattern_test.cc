@@ -69,10 +69,8 @@ struct PlainMatcher {
             case Token::kSpanL:
                 while (inside() && in(t.text)) advance();
                 return t.kind == Token::kSpanL || before != Position{row, column};
-            case Token::kLineBegin:
-                return column == 0;
-            case Token::kLineEnd:
-                return character() == -1 || at_line_end();
+            case Token::kLineBegin: return column == 0;
+            case Token::kLineEnd: return character() == -1 || at_line_end();
             case Token::kPageBreak:
                 if (!inside() || character() != '\f') return false;
                 advance();
@@ -80,8 +78,7 @@ struct PlainMatcher {
             case Token::kRemain:
                 if (row < lines.size()) column = lines[row].size();
                 return true;
-            case Token::kUnanchor:
-                return true;
+            case Token::kUnanchor: return true;
         }
         return false;
     }
