@@ -43,7 +43,7 @@ bool Pipe::open() {
     if (pipe(ends) != 0) return false;
     read = lifted(ends[0]);
     write = lifted(ends[1]);
-    return read.is_open() && write.is_open();
+    return read && write;
 }
 
 bool set_nonblocking(const Descriptor& descriptor) {
@@ -129,17 +129,6 @@ class PipeSignalHeld {
 
 }  // namespace
 
-Descriptor::Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-    std::swap(fd_, other.fd_);
-    return *this;
-}
-
-void Descriptor::close() {
-    if (fd_ >= 0) ::close(std::exchange(fd_, -1));
-}
-
 TPUProcess::~TPUProcess() {
     if (pid_ <= 0) return;
     kill(pid_, SIGTERM);
@@ -147,7 +136,7 @@ TPUProcess::~TPUProcess() {
 }
 
 bool TPUProcess::start(const std::string& command_line, Buffer* output_buffer) {
-    assert(pid_ < 0 && !output_.is_open());
+    assert(pid_ < 0 && !output_);
     command = command_line;
     output = output_buffer;
     Pipe to_child, from_child;
@@ -161,7 +150,7 @@ bool TPUProcess::start(const std::string& command_line, Buffer* output_buffer) {
 }
 
 void TPUProcess::send(std::string_view text) {
-    if (input_closed_ || !input_.is_open()) return;
+    if (input_closed_ || !input_) return;
     unsent_ += text;
     flush_input();
 }
@@ -174,7 +163,7 @@ void TPUProcess::send_eof() {
 // Hands over as much input as the pipe takes at once. To wait for more room could be
 // for ever: the child may itself be waiting for its output to be read.
 void TPUProcess::flush_input() {
-    if (!input_.is_open()) return;
+    if (!input_) return;
     if (!unsent_.empty()) write_unsent();
     if (unsent_.empty() && input_closed_) input_.close();
 }
@@ -203,7 +192,7 @@ void TPUProcess::deliver(std::string_view text) {
 // Reads what is there now, within the share of one poll. False when that is used up.
 bool TPUProcess::collect_output() {
     std::array<char, 16384> chunk;
-    for (std::size_t total = 0; output_.is_open() && total < kMostPerPoll;) {
+    for (std::size_t total = 0; output_ && total < kMostPerPoll;) {
         flush_input();  // what was read may have made room for more input
         ssize_t count = read(output_.get(), chunk.data(), chunk.size());
         if (count < 0 && errno == EINTR) continue;
@@ -211,7 +200,7 @@ bool TPUProcess::collect_output() {
         total += static_cast<std::size_t>(count);
         deliver({chunk.data(), static_cast<std::size_t>(count)});
     }
-    return !output_.is_open();
+    return !output_;
 }
 
 // True when the child has ended just now.

@@ -10,26 +10,11 @@
 #include <string>
 #include <string_view>
 
+#include "core/descriptor.h"
+
 namespace tpu {
 
 class Buffer;
-
-// A file descriptor that is closed with its owner.
-class Descriptor {
-  public:
-    Descriptor() = default;
-    explicit Descriptor(int fd) : fd_(fd) {}
-    Descriptor(Descriptor&& other) noexcept;
-    Descriptor& operator=(Descriptor&& other) noexcept;
-    ~Descriptor() { close(); }
-
-    int get() const { return fd_; }
-    bool is_open() const { return fd_ >= 0; }
-    void close();
-
-  private:
-    int fd_ = -1;
-};
 
 class TPUProcess {
   public:

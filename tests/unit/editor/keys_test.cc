@@ -216,7 +216,7 @@ TEST(Mouse, moves_the_cursor_of_the_current_window_wherever_it_clicks) {
     EXPECT_TRUE(s.buffer->undo_stack.empty());
 }
 
-TEST(Process, gets_the_keys_while_it_is_attached) {
+TEST(AttachedProcess, gets_the_keys_while_it_is_attached) {
     Session s({""});
     auto process = std::make_shared<TPUProcess>();
     ASSERT_TRUE(process->start("cat", s.buffer));

@@ -1,0 +1,71 @@
+// From the bytes that a terminal sends to key codes.
+#pragma once
+
+#include <bitset>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "editor/ports.h"
+
+namespace tpu {
+
+// More bytes may change what the bytes at the front mean.
+inline constexpr int kIncompleteKey = -2;
+
+// What a terminal sends for a key.
+struct KeySequence {
+    std::string bytes;  // not empty
+    int code = kNoKey;
+};
+
+// A queue of bytes that is read key by key. Control sequences that no table knows
+// are dropped whole, so that their letters are not taken for typed text.
+class KeyDecoder {
+  public:
+    // Of two equal sequences the earlier one counts.
+    explicit KeyDecoder(std::vector<KeySequence> table = {});
+
+    void feed(std::string_view bytes);
+
+    // The next key code; kNoKey when all bytes are used up, kIncompleteKey when the
+    // rest may be the start of something longer.
+    int next();
+    // As next(), but nothing more will come: a sequence that was cut short counts
+    // as the single keys it is made of, a paste ends here.
+    int next_now();
+
+    // True between the two marks around pasted text.
+    bool pasting() const { return pasting_; }
+    // The text of the last kKeyPaste, with line feeds for line ends; once.
+    std::string take_paste();
+    // What the last kKeyMouse was.
+    std::optional<MouseEvent> mouse() const { return mouse_; }
+
+  private:
+    // What the front of some bytes is, and how many of them it takes.
+    struct Match {
+        int code = kNoKey;
+        std::size_t size = 0;
+    };
+
+    int decode(bool now);
+    int decode_paste(bool now);
+    Match recognise(std::string_view bytes);
+    Match look_up(std::string_view bytes) const;
+    Match control_sequence(std::string_view bytes);
+    Match old_mouse_report(std::string_view bytes);
+    Match mouse_report(std::string_view bytes);
+
+    std::vector<KeySequence> table_;  // sorted by bytes
+    std::bitset<256> first_bytes_;    // of the table's sequences
+    std::string input_;
+    std::size_t head_ = 0;     // where the unread bytes of input_ begin
+    std::size_t scanned_ = 0;  // no end of paste begins before it
+    bool pasting_ = false;
+    std::string paste_;
+    std::optional<MouseEvent> mouse_;
+};
+
+}  // namespace tpu

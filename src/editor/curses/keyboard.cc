@@ -1,0 +1,126 @@
+#include "editor/curses/keyboard.h"
+
+#include <signal.h>
+#include <sys/select.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace tpu {
+
+namespace {
+
+constexpr int kSequencePatience = 25;  // milliseconds between the bytes of one key
+constexpr int kPastePatience = 2000;   // milliseconds between the pieces of one paste
+constexpr std::size_t kReadSize = 65536;
+
+volatile sig_atomic_t size_changed = 0;
+
+void note_size_change(int) {
+    size_changed = 1;
+}
+
+int milliseconds_since(std::chrono::steady_clock::time_point start) {
+    using std::chrono::milliseconds;
+    auto passed = std::chrono::steady_clock::now() - start;
+    return static_cast<int>(std::chrono::duration_cast<milliseconds>(passed).count());
+}
+
+// What is left of a limit that began to run at `start`; below 0: no limit.
+int remaining(int limit_ms, std::chrono::steady_clock::time_point start) {
+    return limit_ms < 0 ? limit_ms : std::max(0, limit_ms - milliseconds_since(start));
+}
+
+int shorter(int limit_ms, int other_ms) {
+    return limit_ms < 0 ? other_ms : std::min(limit_ms, other_ms);
+}
+
+}  // namespace
+
+void Keyboard::open(int descriptor, std::vector<KeySequence> (*keys)()) {
+    descriptor_ = descriptor;
+    keys_ = keys;
+    struct sigaction action = {};
+    action.sa_handler = note_size_change;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGWINCH, &action, nullptr);
+}
+
+int Keyboard::read_key(int wait_ms) {
+    SteadyTime start = std::chrono::steady_clock::now();
+    for (;;) {
+        int key = next_key();
+        if (key >= 0) return key;
+        int wait = remaining(wait_ms, start);
+        bool incomplete = key == kIncompleteKey;
+        if (incomplete) wait = shorter(wait, remaining(patience(), last_input_));
+        if (fill(wait)) continue;
+        if (incomplete && remaining(patience(), last_input_) == 0) return decoder_.next_now();
+        if (remaining(wait_ms, start) == 0) return kNoKey;
+    }
+}
+
+bool Keyboard::key_waiting() {
+    if (size_changed) return true;
+    if (ahead_ == kNoKey) ahead_ = next_key();
+    if (ahead_ < 0 && fill(0)) ahead_ = next_key();
+    if (ahead_ < 0) ahead_ = kNoKey;
+    return ahead_ != kNoKey;
+}
+
+// The next key of those bytes that are here, or why there is none.
+int Keyboard::next_key() {
+    if (ahead_ != kNoKey) return std::exchange(ahead_, kNoKey);
+    if (size_changed) {
+        size_changed = 0;
+        return kKeyResize;
+    }
+    int key = hung_up_ ? decoder_.next_now() : decoder_.next();
+    return key == kNoKey && hung_up_ ? kKeyHangup : key;
+}
+
+int Keyboard::patience() const {
+    return decoder_.pasting() ? kPastePatience : kSequencePatience;
+}
+
+// Waits for input and takes it. True when something is new.
+bool Keyboard::fill(int wait_ms) {
+    bool readable = wait_for_input(wait_ms);
+    if (readable) read_input();
+    return readable || hung_up_ || size_changed;
+}
+
+// The signal is let in during the wait only, so that none is missed before it.
+bool Keyboard::wait_for_input(int wait_ms) {
+    sigset_t size_change, before;
+    sigemptyset(&size_change);
+    sigaddset(&size_change, SIGWINCH);
+    sigprocmask(SIG_BLOCK, &size_change, &before);
+    fd_set descriptors;
+    FD_ZERO(&descriptors);
+    FD_SET(descriptor_, &descriptors);
+    if (size_changed) wait_ms = 0;
+    timespec limit = {wait_ms / 1000, wait_ms % 1000 * 1000000L};
+    int ready = pselect(descriptor_ + 1, &descriptors, nullptr, nullptr,
+                        wait_ms < 0 ? nullptr : &limit, &before);
+    if (ready < 0 && errno != EINTR) hung_up_ = true;
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+    return ready > 0;
+}
+
+void Keyboard::read_input() {
+    static char bytes[kReadSize];
+    ssize_t count = read(descriptor_, bytes, sizeof bytes);
+    if (count > 0) {
+        if (keys_) decoder_ = KeyDecoder(std::exchange(keys_, nullptr)());
+        decoder_.feed({bytes, static_cast<std::size_t>(count)});
+        last_input_ = std::chrono::steady_clock::now();
+    } else if (count == 0 || (errno != EINTR && errno != EAGAIN)) {
+        hung_up_ = true;
+    }
+}
+
+}  // namespace tpu

@@ -1,0 +1,42 @@
+// Keys from a terminal's descriptor, with time limits.
+#pragma once
+
+#include <chrono>
+
+#include "editor/curses/key_decoder.h"
+
+namespace tpu {
+
+// Reads the descriptor itself, in large pieces, since the line of keys that curses
+// keeps takes a system call for each byte. Also notices that the screen has
+// changed its size.
+class Keyboard {
+  public:
+    // Reads from this descriptor from now on. `keys` is asked what the terminal's
+    // keys send when the first bytes have come, which is after the first picture.
+    void open(int descriptor, std::vector<KeySequence> (*keys)());
+
+    // As Terminal does; kKeyResize is told once for each change.
+    int read_key(int wait_ms);
+    bool key_waiting();
+    std::string take_paste() { return decoder_.take_paste(); }
+    std::optional<MouseEvent> mouse() const { return decoder_.mouse(); }
+
+  private:
+    using SteadyTime = std::chrono::steady_clock::time_point;
+
+    int next_key();
+    int patience() const;
+    bool fill(int wait_ms);
+    bool wait_for_input(int wait_ms);
+    void read_input();
+
+    int descriptor_ = -1;
+    std::vector<KeySequence> (*keys_)() = nullptr;  // until they have been asked for
+    KeyDecoder decoder_;
+    int ahead_ = kNoKey;  // found by key_waiting()
+    bool hung_up_ = false;
+    SteadyTime last_input_;
+};
+
+}  // namespace tpu

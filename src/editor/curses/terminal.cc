@@ -1,0 +1,202 @@
+#include "editor/curses/terminal.h"
+
+#define NCURSES_NOMACROS 1
+#include <curses.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <term.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "app/terminal_state.h"
+#include "editor/curses/key_table.h"
+
+namespace tpu {
+
+namespace {
+
+constexpr std::string_view kPasteOn = "\033[?2004h";
+constexpr std::string_view kPasteOff = "\033[?2004l";
+
+// What the signal handler needs to give the screen back.
+int output_descriptor = STDOUT_FILENO;
+volatile sig_atomic_t paste_is_on = 0;
+
+// Past curses, so that the signal handler can do it too.
+void write_all(std::string_view bytes) {
+    while (!bytes.empty()) {
+        ssize_t count = write(output_descriptor, bytes.data(), bytes.size());
+        if (count <= 0) return;
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+void switch_paste(bool on) {
+    write_all(on ? kPasteOn : kPasteOff);
+    paste_is_on = on;
+}
+
+// Curses takes these calls before it is started and after it has ended.
+void end_screen() {
+    if (!isendwin()) endwin();
+    if (paste_is_on) switch_paste(false);
+}
+
+std::string terminal_type() {
+    const char* type = std::getenv("TERM");
+    return type && *type ? type : "xterm-256color";
+}
+
+const char* capability(const char* name) {
+    const char* value = tigetstr(name);
+    return value == reinterpret_cast<char*>(-1) ? nullptr : value;
+}
+
+// Descriptions are often older than the terminal: these families have it anyway.
+bool has_bracketed_paste(std::string_view type) {
+    constexpr std::string_view kFamilies[] = {
+        "alacritty", "foot", "kitty", "konsole", "rxvt",  "screen",
+        "st",        "tmux", "vte",   "wezterm", "xterm",
+    };
+    if (capability("BE")) return true;
+    std::string_view family = type.substr(0, type.find_first_of("-."));
+    for (std::string_view name : kFamilies) {
+        if (family == name) return true;
+    }
+    return false;
+}
+
+// The signals that end the session. What they did before is kept, in case the
+// screen cannot be started.
+class EndingSignals {
+  public:
+    void install() {
+        for (Saved& saved : saved_) {
+            struct sigaction action = {};
+            action.sa_handler = terminal_signal_handler;
+            sigemptyset(&action.sa_mask);
+            for (const Saved& other : saved_) sigaddset(&action.sa_mask, other.signal);
+            sigaction(saved.signal, &action, &saved.action);
+        }
+    }
+    void put_back() const {
+        for (const Saved& saved : saved_) sigaction(saved.signal, &saved.action, nullptr);
+    }
+
+  private:
+    struct Saved {
+        int signal;
+        struct sigaction action;
+    };
+    Saved saved_[3] = {{SIGINT, {}}, {SIGTERM, {}}, {SIGHUP, {}}};
+};
+
+void set_modes() {
+    raw();
+    noecho();
+    keypad(stdscr, true);
+    nonl();
+    intrflush(stdscr, false);
+    curs_set(1);
+    clear();
+    refresh();
+    signal(SIGTSTP, SIG_IGN);
+    leaveok(stdscr, false);
+    typeahead(-1);  // what is drawn is drawn whole
+}
+
+}  // namespace
+
+CursesTerminal::~CursesTerminal() {
+    if (screen_) {
+        painter_.close();
+        end_screen();
+        set_screen_ender(nullptr);
+        restore_terminal_state();
+        delscreen(screen_);
+    }
+    close_redirected_streams();
+}
+
+std::string CursesTerminal::start() {
+    TerminalStreams streams = terminal_streams();
+    if (!isatty(fileno(streams.input))) return "tpu: standard input is not a terminal";
+    if (!isatty(fileno(streams.output))) return "tpu: standard output is not a terminal";
+    std::string type = terminal_type();
+    save_terminal_state();
+    output_descriptor = fileno(streams.output);
+    EndingSignals signals;
+    set_screen_ender(end_screen);
+    signals.install();
+    std::string error = start_curses(type, streams);
+    if (!error.empty()) {
+        set_screen_ender(nullptr);
+        signals.put_back();
+        return error;
+    }
+    keyboard_.open(fileno(streams.input), terminal_keys);
+    set_modes();
+    setenv("TERM", type.c_str(), 1);  // for children
+    getmaxyx(stdscr, size_.rows, size_.cols);
+    painter_.open(size_.rows, size_.cols);
+    brackets_pastes_ = has_bracketed_paste(type);
+    if (brackets_pastes_) switch_paste(true);
+    return {};
+}
+
+// By newterm: unlike initscr, it neither prints nor exits when it fails.
+std::string CursesTerminal::start_curses(const std::string& type, TerminalStreams streams) {
+    screen_ = newterm(type.c_str(), streams.output, streams.input);
+    if (!screen_) return "newterm() failed for TERM=" + type;
+    set_term(screen_);
+    if (capability("cup")) return {};
+    // Curses would go on, and fill the screen with blanks and line feeds.
+    reset_shell_mode();
+    delscreen(screen_);
+    screen_ = nullptr;
+    return "tpu: a terminal of type " + type + " cannot place its cursor";
+}
+
+void CursesTerminal::present(const Frame& frame) {
+    if (screen_) painter_.present(frame);
+}
+
+int CursesTerminal::read_key(int wait_ms) {
+    if (!screen_) return kKeyHangup;
+    int key = keyboard_.read_key(wait_ms);
+    if (key == kKeyResize) resize();
+    return key;
+}
+
+void CursesTerminal::resize() {
+    winsize cells = {};
+    if (ioctl(output_descriptor, TIOCGWINSZ, &cells) == 0 && cells.ws_row > 0 && cells.ws_col > 0) {
+        resizeterm(cells.ws_row, cells.ws_col);
+    }
+    getmaxyx(stdscr, size_.rows, size_.cols);
+    painter_.open(size_.rows, size_.cols);
+    clearok(curscr, true);  // the terminal may have moved what it showed
+}
+
+void CursesTerminal::beep() {
+    if (screen_) ::beep();
+}
+
+void CursesTerminal::leave() {
+    if (!screen_) return;
+    def_prog_mode();
+    end_screen();
+}
+
+void CursesTerminal::enter() {
+    if (!screen_) return;
+    reset_prog_mode();
+    wrefresh(curscr);
+    if (brackets_pastes_) switch_paste(true);
+}
+
+}  // namespace tpu

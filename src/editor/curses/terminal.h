@@ -1,0 +1,44 @@
+// The character terminal that the program runs on, through curses.
+#pragma once
+
+#include "app/redirect.h"
+#include "editor/curses/keyboard.h"
+#include "editor/curses/painter.h"
+#include "editor/ports.h"
+
+struct screen;  // curses' SCREEN
+
+namespace tpu {
+
+// There is at most one that was started. The locale's LC_CTYPE has been set before
+// that, since it says what curses sends and how wide characters are.
+class CursesTerminal : public Terminal {
+  public:
+    CursesTerminal() = default;
+    ~CursesTerminal() override;
+    CursesTerminal(const CursesTerminal&) = delete;
+    CursesTerminal& operator=(const CursesTerminal&) = delete;
+
+    std::string start() override;
+    ScreenSize size() override { return size_; }
+    void present(const Frame& frame) override;
+    int read_key(int wait_ms) override;
+    bool key_waiting() override { return screen_ && keyboard_.key_waiting(); }
+    std::string take_paste() override { return keyboard_.take_paste(); }
+    std::optional<MouseEvent> mouse() override { return keyboard_.mouse(); }
+    void beep() override;
+    void leave() override;
+    void enter() override;
+
+  private:
+    std::string start_curses(const std::string& type, TerminalStreams streams);
+    void resize();
+
+    screen* screen_ = nullptr;  // null until started
+    ScreenSize size_;
+    bool brackets_pastes_ = false;  // the terminal can
+    Painter painter_;
+    Keyboard keyboard_;
+};
+
+}  // namespace tpu

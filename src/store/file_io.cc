@@ -1,0 +1,69 @@
+#include "store/file_io.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <vector>
+
+namespace tpu {
+
+namespace {
+
+// The result of a call that was not interrupted.
+template <class Call>
+auto finish(Call call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR) result = call();
+    return result;
+}
+
+}  // namespace
+
+Descriptor open_file(const std::string& path, int flags, mode_t mode) {
+    return Descriptor(finish([&] { return ::open(path.c_str(), flags | O_CLOEXEC, mode); }));
+}
+
+ssize_t read_some(int fd, char* place, std::size_t size) {
+    return finish([&] { return ::read(fd, place, size); });
+}
+
+bool write_all(int fd, std::string_view text) {
+    while (!text.empty()) {
+        ssize_t written = finish([&] { return ::write(fd, text.data(), text.size()); });
+        if (written <= 0) return false;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+bool copy_all(int from, int to) {
+    std::vector<char> part(std::size_t{256} << 10);
+    ssize_t got = 0;
+    while ((got = read_some(from, part.data(), part.size())) > 0) {
+        if (!write_all(to, {part.data(), static_cast<std::size_t>(got)})) return false;
+    }
+    return got == 0;
+}
+
+bool sync_file(int fd) {
+#ifdef F_FULLFSYNC
+    // There fsync only hands the data to the drive, which may keep them in memory.
+    if (::fcntl(fd, F_FULLFSYNC) == 0) return true;
+#endif
+    return finish([&] { return ::fsync(fd); }) == 0;
+}
+
+bool sync_folder_of(const std::string& path) {
+    Descriptor folder = open_file(folder_of(path), O_RDONLY | O_DIRECTORY);
+    // A folder may let us write but not read, and some file systems sync files alone.
+    return !folder || sync_file(folder.get()) || errno == EINVAL || errno == ENOTSUP;
+}
+
+std::string folder_of(const std::string& path) {
+    std::string folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
+}  // namespace tpu

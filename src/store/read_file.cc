@@ -1,0 +1,107 @@
+#include "store/read_file.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "store/file_io.h"
+
+namespace tpu {
+
+namespace {
+
+// Little enough to stay in the cache until it has been looked through.
+constexpr std::size_t kReadSize = std::size_t{256} << 10;
+// Room beyond the expected size, so that the end of a file that did not grow is
+// met without asking for more memory.
+constexpr std::size_t kSlack = std::size_t{4} << 10;
+
+// Moves text that still holds CR LF pairs to `out`, without the CRs of those
+// pairs; returns where it ends. `out` may lie before the text or at its begin.
+char* copy_without_cr(const char* from, const char* end, char* out) {
+    while (from < end) {
+        const void* hit = std::memchr(from, '\r', static_cast<std::size_t>(end - from));
+        const char* cr = hit ? static_cast<const char*>(hit) : end;
+        bool ends_line = end - cr > 1 && cr[1] == '\n';
+        const char* stop = cr == end || ends_line ? cr : cr + 1;
+        auto size = static_cast<std::size_t>(stop - from);
+        std::memmove(out, from, size);
+        out += size;
+        from = ends_line ? cr + 1 : stop;
+    }
+    return out;
+}
+
+// Fills a block from a file; what has come in is looked through at once, while it
+// is still in the cache.
+class Filler {
+  public:
+    Filler(int fd, Ref<TextBlock> block) : fd_(fd), block_(std::move(block)) {}
+
+    // False when reading fails or memory is short.
+    bool read_all() {
+        for (;;) {
+            if (!make_room()) return false;
+            char* begin = block_->end();
+            std::size_t held = holds_cr_ ? 1 : 0;
+            if (holds_cr_) *begin = '\r';
+            std::size_t room = std::min(block_->room() - held, kReadSize);
+            ssize_t got = read_some(fd_, begin + held, room);
+            if (got < 0) return false;
+            if (got == 0) return true;
+            take(begin, held + static_cast<std::size_t>(got));
+            count_pieces();
+        }
+    }
+
+    LineStore lines() const {
+        std::size_t bytes = block_->used();
+        if (bytes > 0 && block_->data()[bytes - 1] == '\n') --bytes;
+        return LineStore::from_block(block_, bytes, feeds_);
+    }
+
+  private:
+    bool make_room() {
+        constexpr std::size_t kLeast = 2;  // a held CR and a byte to read
+        if (block_->room() >= kLeast) return true;
+        std::size_t more = std::max(block_->used(), kReadSize);
+        return block_->grow(block_->used() + more);
+    }
+
+    // Claims the bytes behind the used part. A CR at their end is held back: a line
+    // feed or the end of the file behind it will drop it.
+    void take(char* begin, std::size_t size) {
+        holds_cr_ = begin[size - 1] == '\r';
+        if (holds_cr_) --size;
+        auto* cr = static_cast<char*>(std::memchr(begin, '\r', size));
+        char* end = cr ? copy_without_cr(cr, begin + size, cr) : begin + size;
+        block_->extend(static_cast<std::size_t>(end - begin));
+    }
+
+    void count_pieces() {
+        const char* data = block_->data();
+        for (std::size_t at = feeds_.size() * tree::kMaxPiece;
+             at + tree::kMaxPiece <= block_->used(); at += tree::kMaxPiece) {
+            std::uint64_t feeds = tree::count_line_feeds({data + at, tree::kMaxPiece});
+            feeds_.push_back(static_cast<std::uint32_t>(feeds));
+        }
+    }
+
+    int fd_;
+    Ref<TextBlock> block_;
+    bool holds_cr_ = false;             // a CR follows the used part
+    std::vector<std::uint32_t> feeds_;  // line feeds of each whole piece
+};
+
+}  // namespace
+
+std::optional<LineStore> read_lines(int fd, std::uint64_t expected) {
+    if (expected > std::numeric_limits<std::size_t>::max() / 2) return std::nullopt;
+    Ref<TextBlock> block = TextBlock::create(static_cast<std::size_t>(expected) + kSlack);
+    if (!block) return std::nullopt;
+    Filler filler(fd, std::move(block));
+    if (!filler.read_all()) return std::nullopt;
+    return filler.lines();
+}
+
+}  // namespace tpu

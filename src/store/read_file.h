@@ -1,0 +1,17 @@
+// Reading a text from an open file in one pass.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "core/line_store.h"
+
+namespace tpu {
+
+// The lines of all that is left of a file. Lines end at line feeds; a carriage
+// return at the end of a line is dropped, and so is a line feed at the end of the
+// file. `expected` is the number of bytes to make room for; more and fewer are
+// fine. Nothing when reading fails or memory is short.
+std::optional<LineStore> read_lines(int fd, std::uint64_t expected);
+
+}  // namespace tpu

@@ -1,0 +1,28 @@
+// Giving a file a new text without ever risking the old one.
+//
+// The rules, whichever way a file is written:
+// - The old text is given up only when the new one is on the disk; a failure leaves
+//   it under its own name or as .bak, and no other file behind.
+// - A file that only has a name, an owner and permissions is replaced: the new text
+//   goes into a temporary file in the same folder, which then takes the name. At no
+//   moment is there no file, or half a file, of that name.
+// - A file that is more than that is written in place, so that links to it, its
+//   owner, extended attributes and access lists stay; before that its text is
+//   copied, and a failure puts it back.
+// - Devices and pipes take the text as it comes.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace tpu {
+
+// Writes the text to an open file, from where it stands; false when that fails.
+using WriteText = std::function<bool(int fd)>;
+
+// Writes a text to the file `path`, which need not exist. With `keep_backup` the
+// text that was there stays as `path`.bak, in place of an older one. False when
+// the text could not be saved.
+[[nodiscard]] bool write_safely(const std::string& path, bool keep_backup, const WriteText& write);
+
+}  // namespace tpu

@@ -1,0 +1,45 @@
+// Saving a buffer to a file.
+#include "core/buffer.h"
+#include "store/file_io.h"
+#include "store/safe_write.h"
+
+namespace tpu {
+
+namespace {
+
+// Short runs, as typing leaves them, are gathered; long ones go out from where they lie.
+bool write_lines(int fd, const LineStore& lines) {
+    constexpr std::size_t kLongRun = std::size_t{256} << 10;
+    std::string gathered;
+    auto flush = [&] {
+        bool written = write_all(fd, gathered);
+        gathered.clear();
+        return written;
+    };
+    bool good = true;
+    lines.for_each_span(0, lines.bytes(), [&](std::string_view run) {
+        if (run.size() < kLongRun) {
+            gathered += run;
+            good = gathered.size() < kLongRun || flush();
+        } else {
+            good = flush() && write_all(fd, run);
+        }
+        return good;
+    });
+    return good && flush();
+}
+
+}  // namespace
+
+bool Buffer::write_file(const std::string& path) {
+    std::string target = path.empty() ? file_name : path;
+    if (target.empty()) return false;
+    auto write = [this](int fd) { return write_lines(fd, lines); };
+    if (!write_safely(target, backup_on_write, write)) return false;
+    file_name = target;
+    modified = false;
+    file_time = file_mtime_ms(target);
+    return true;
+}
+
+}  // namespace tpu

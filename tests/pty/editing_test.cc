@@ -1,0 +1,135 @@
+// What the program does at a terminal, seen from outside.
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "pty/pty_session.h"
+
+namespace tpu {
+namespace {
+
+class Editing : public testing::Test {
+  protected:
+    PtySession tty;
+};
+
+std::string bracketed(const std::string& text) {
+    return "\033[200~" + text + "\033[201~";
+}
+
+TEST_F(Editing, shows_a_file_with_its_status_line_and_the_greeting) {
+    tty.edit("a.txt", "first\nsecond\n");
+    EXPECT_TRUE(tty.shows(0, "first")) << tty.screen();
+    EXPECT_TRUE(tty.shows(1, "second"));
+    EXPECT_TRUE(tty.shows(2, "[End of file]"));
+    EXPECT_TRUE(tty.shows(21, " a.txt * Saved INSERT 1/2:1"));
+    EXPECT_TRUE(tty.shows(22, ""));
+    EXPECT_TRUE(tty.eventually([&] { return tty.row(23).starts_with("Ctrl-Z command, Ctrl-X"); }));
+    EXPECT_TRUE(tty.is_reverse(21, 0) && tty.is_reverse(21, 79));
+    EXPECT_FALSE(tty.is_reverse(22, 0) || tty.is_reverse(0, 0));
+    EXPECT_TRUE(tty.has_cursor_at(0, 0));
+}
+
+TEST_F(Editing, saves_what_was_typed_and_keeps_the_old_file) {
+    tty.edit("a.txt", "old");
+    tty.type("new\r");
+    EXPECT_TRUE(tty.shows(21, " a.txt * Modified INSERT 2/2:1")) << tty.screen();
+    tty.type("\033[B\033OF!\023");
+    EXPECT_TRUE(tty.shows(23, "Written a.txt")) << tty.screen();
+    EXPECT_EQ(tty.read("a.txt").substr(0, 8), "new\nold!");
+    EXPECT_EQ(tty.read("a.txt.bak"), "old");
+    tty.type("\030");
+    EXPECT_EQ(tty.exit_status(), 0);
+}
+
+TEST_F(Editing, splits_the_window_and_goes_to_the_next_one) {
+    tty.edit("a.txt", "one\ntwo");
+    tty.type("\017");
+    EXPECT_TRUE(tty.shows(23, "Window split")) << tty.screen();
+    EXPECT_TRUE(tty.shows(10, " a.txt * Saved INSERT 1/2:1")) << tty.screen();
+    EXPECT_TRUE(tty.shows(21, " a.txt * Saved INSERT 1/2:1")) << tty.screen();
+    EXPECT_TRUE(tty.shows(0, "one")) << tty.screen();
+    EXPECT_TRUE(tty.shows(11, "one")) << tty.screen();
+    EXPECT_TRUE(tty.has_cursor_at(11, 0));
+    tty.type("\016");
+    EXPECT_TRUE(tty.shows(23, "Next window"));
+    EXPECT_TRUE(tty.has_cursor_at(0, 0));
+}
+
+TEST_F(Editing, finds_while_the_text_is_typed) {
+    tty.edit("a.txt", "one\ntwo\nthree");
+    tty.type("\006thr");
+    EXPECT_TRUE(tty.shows(23, "I-find: thr")) << tty.screen();
+    EXPECT_TRUE(tty.shows(21, " a.txt * Saved INSERT 3/3:1"));
+    tty.type("x");
+    EXPECT_TRUE(tty.shows(23, "I-find: thrx  (not found)"));
+    tty.type("\033");
+    EXPECT_TRUE(tty.shows(23, "I-find cancelled"));
+    EXPECT_TRUE(tty.shows(21, " a.txt * Saved INSERT 1/3:1"));
+    tty.type("\006tw\r");
+    EXPECT_TRUE(tty.shows(23, "Found"));
+    EXPECT_TRUE(tty.shows(21, " a.txt * Saved INSERT 2/3:1"));
+}
+
+TEST_F(Editing, keeps_text_and_status_line_inside_a_resized_screen) {
+    tty.edit("a.txt", "one\ntwo");
+    tty.resize(10, 40);
+    EXPECT_TRUE(tty.shows(7, " a.txt * Saved INSERT 1/2:1")) << tty.screen();
+    EXPECT_TRUE(tty.shows(0, "one")) << tty.screen();
+    EXPECT_TRUE(tty.eventually([&] { return tty.is_reverse(7, 39); }));
+    tty.type("x");
+    EXPECT_TRUE(tty.shows(0, "xone"));
+    tty.resize(30, 100);
+    EXPECT_TRUE(tty.shows(27, " a.txt * Modified INSERT 1/2:2")) << tty.screen();
+    EXPECT_TRUE(tty.shows(1, "two")) << tty.screen();
+    EXPECT_TRUE(tty.shows(7, "")) << tty.screen();
+    EXPECT_TRUE(tty.eventually([&] { return tty.is_reverse(27, 99); }));
+    tty.resize(2, 5);
+    tty.resize(1, 1);
+    tty.resize(24, 80);
+    EXPECT_TRUE(tty.shows(21, " a.txt * Modified INSERT 1/2:2")) << tty.screen();
+}
+
+TEST_F(Editing, takes_utf8_as_characters) {
+    tty.edit("a.txt", "");
+    tty.type("h\xc3\xa4user \xe2\x82\xac \xe6\xbc\xa2");
+    EXPECT_TRUE(tty.shows(0, "h\xc3\xa4 user \xe2\x82\xac   \xe6\xbc\xa2")) << tty.screen();
+    tty.type("\x7f\023");
+    EXPECT_TRUE(tty.shows(23, "Written a.txt"));
+    EXPECT_EQ(tty.read("a.txt").substr(0, 12), "h\xc3\xa4user \xe2\x82\xac ");
+}
+
+// What a file holds never steers the terminal.
+TEST_F(Editing, shows_control_characters_without_sending_them) {
+    tty.edit("a.txt",
+             "\033]0;title\007 \033[31mred \xc2\x9b"
+             "31m \x9b \x0e \x7f \xe2\x80\xae rtl\n\033c\016");
+    EXPECT_TRUE(tty.shows("red")) << tty.screen();
+    for (std::string_view raw :
+         {"\033]", "\033[31m", "\xc2\x9b", "\033c", "\016", "\007", "\x7f", "\xe2\x80\xae"}) {
+        EXPECT_EQ(tty.output().find(raw), std::string::npos) << testing::PrintToString(raw);
+    }
+}
+
+TEST_F(Editing, undoes_a_paste_as_one_change) {
+    tty.edit("a.txt", "old");
+    tty.type(bracketed("one\rtwo \033OP\r"));
+    EXPECT_TRUE(tty.shows(2, "old")) << tty.screen();
+    EXPECT_TRUE(tty.shows(0, "one")) << tty.screen();
+    tty.type("\033OPU");
+    EXPECT_TRUE(tty.shows(0, "old")) << tty.screen();
+    EXPECT_TRUE(tty.shows(1, "[End of file]"));
+}
+
+TEST_F(Editing, takes_a_large_paste_whole) {
+    tty.edit("a.txt", "");
+    std::string text;
+    for (int i = 0; i < 100000; ++i) text += "line " + std::to_string(i) + "\n";
+    tty.type(bracketed(text));
+    tty.type("\023");
+    EXPECT_TRUE(tty.shows(23, "Written a.txt")) << tty.screen();
+    EXPECT_EQ(tty.read("a.txt").substr(0, text.size() - 1), text.substr(0, text.size() - 1));
+}
+
+}  // namespace
+}  // namespace tpu

@@ -1,0 +1,133 @@
+// Taking a terminal over, and giving it back.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+
+#include "pty/pty_session.h"
+
+namespace tpu {
+namespace {
+
+class TakingOver : public testing::Test {
+  protected:
+    bool attributes_are(const termios& expected) const {
+        termios now = tty.attributes();
+        return now.c_iflag == expected.c_iflag && now.c_oflag == expected.c_oflag &&
+               now.c_cflag == expected.c_cflag && now.c_lflag == expected.c_lflag &&
+               std::equal(now.c_cc, now.c_cc + NCCS, expected.c_cc);
+    }
+    // Everything that was switched on is off again.
+    void expect_given_back(const termios& before) const {
+        EXPECT_TRUE(attributes_are(before));
+        for (std::string_view mode : {"\033[?1049", "\033[?2004"}) {
+            std::size_t last = tty.output().rfind(mode);
+            ASSERT_NE(last, std::string::npos);
+            EXPECT_EQ(tty.output()[last + mode.size()], 'l') << mode.substr(1);
+        }
+    }
+    // The program refuses to start: one line, and the terminal is untouched.
+    void expect_refusal(const std::string& line) {
+        EXPECT_EQ(tty.exit_status(), 1);
+        EXPECT_EQ(tty.errors(), line + "\n");
+        EXPECT_EQ(tty.output(), "");
+    }
+
+    PtySession tty;
+};
+
+TEST_F(TakingOver, leaving_gives_the_terminal_back) {
+    termios before = tty.attributes();
+    tty.edit("a.txt", "text");
+    EXPECT_FALSE(attributes_are(before));
+    tty.type("\030");
+    EXPECT_EQ(tty.exit_status(), 0);
+    expect_given_back(before);
+    EXPECT_EQ(tty.errors(), "");
+}
+
+TEST_F(TakingOver, signals_give_the_terminal_back_and_end_with_0) {
+    for (int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        termios before = tty.attributes();
+        tty.edit("a.txt", "text");
+        tty.type("typed");
+        EXPECT_TRUE(tty.shows(0, "typedtext"));
+        tty.send_signal(signal);
+        EXPECT_EQ(tty.exit_status(), 0) << signal;
+        expect_given_back(before);
+        EXPECT_EQ(tty.read("a.txt"), "text");
+    }
+}
+
+TEST_F(TakingOver, ends_when_the_terminal_goes_away) {
+    tty.edit("a.txt", "text");
+    tty.hang_up();
+    EXPECT_EQ(tty.exit_status(), 0);
+}
+
+TEST_F(TakingOver, suspend_key_and_signal_do_not_stop_it) {
+    tty.edit("a.txt", "text");
+    tty.send_signal(SIGTSTP);
+    tty.type("x");
+    EXPECT_TRUE(tty.shows(0, "xtext"));
+}
+
+TEST_F(TakingOver, has_a_terminal_type_of_its_own_when_none_is_set) {
+    tty.environment.erase("TERM");
+    tty.edit("a.txt", "text");
+    EXPECT_TRUE(tty.shows(0, "text"));
+    tty.type("\030");
+    EXPECT_EQ(tty.exit_status(), 0);
+}
+
+TEST_F(TakingOver, refuses_an_unknown_terminal_type) {
+    tty.environment["TERM"] = "no-such-terminal";
+    tty.start({"a.txt"});
+    expect_refusal("newterm() failed for TERM=no-such-terminal");
+}
+
+TEST_F(TakingOver, refuses_a_terminal_that_cannot_place_its_cursor) {
+    tty.environment["TERM"] = "dumb";
+    tty.start({"a.txt"});
+    expect_refusal("tpu: a terminal of type dumb cannot place its cursor");
+}
+
+TEST_F(TakingOver, refuses_standard_input_that_is_no_terminal) {
+    tty.start({"a.txt"}, "/dev/null");
+    expect_refusal("tpu: standard input is not a terminal");
+}
+
+TEST_F(TakingOver, version_and_help_need_no_terminal) {
+    for (const char* option : {"--version", "--help"}) {
+        tty.start({option}, "/dev/null");
+        EXPECT_EQ(tty.exit_status(), 0) << option;
+        EXPECT_TRUE(tty.output().find("tpu") != std::string::npos) << option;
+        EXPECT_EQ(tty.output().find('\033'), std::string::npos) << option;
+    }
+}
+
+TEST_F(TakingOver, works_on_another_terminal_when_told_to) {
+    PtySession home;
+    termios before = tty.attributes();
+    home.environment["ZK_TTY"] = tty.terminal_name();
+    home.write("a.txt", "text");
+    home.start({"a.txt"});
+    EXPECT_TRUE(tty.shows(21, " a.txt * Saved INSERT 1/1:1")) << tty.screen() << home.errors();
+    tty.type("x\023");
+    EXPECT_TRUE(tty.shows(23, "Written a.txt")) << tty.screen();
+    EXPECT_EQ(home.read("a.txt").substr(0, 5), "xtext");
+    tty.type("\030");
+    EXPECT_EQ(home.exit_status(), 0);
+    EXPECT_TRUE(tty.eventually([&] { return tty.output().ends_with("\033[?2004l"); }));
+    expect_given_back(before);
+    EXPECT_EQ(home.output(), "");
+}
+
+TEST_F(TakingOver, refuses_another_terminal_that_is_none) {
+    tty.environment["ZK_TTY"] = "/dev/null";
+    tty.start({});
+    expect_refusal("ZK_TTY is not a TTY: /dev/null");
+}
+
+}  // namespace
+}  // namespace tpu

@@ -1,0 +1,132 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "core/buffer.h"
+#include "unit/store/temp_folder.h"
+
+namespace tpu {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// A text in which `mark` begins one byte before every border that reading in parts may have.
+std::string text_with_borders(const std::string& mark) {
+    std::string text;
+    for (std::size_t border = 64; border <= std::size_t{2} << 20; border *= 2) {
+        while (text.size() < border - 1) text += text.size() % 61 == 0 ? '\n' : 'x';
+        text += mark;
+    }
+    return text + "end\r";
+}
+
+// What loading makes of a text, put down byte by byte.
+Lines split(const std::string& text) {
+    Lines lines(1);
+    for (char c : text) {
+        if (c != '\n') {
+            lines.back() += c;
+            continue;
+        }
+        if (lines.back().ends_with('\r')) lines.back().pop_back();
+        lines.emplace_back();
+    }
+    if (lines.back().ends_with('\r')) lines.back().pop_back();
+    if (text.ends_with('\n')) lines.pop_back();
+    return lines;
+}
+
+// Compares without taking every line out of the text.
+void expect_lines(const LineStore& text, const Lines& lines) {
+    EXPECT_EQ(text.size(), lines.size());
+    EXPECT_TRUE(text == LineStore(lines));
+    text.check_invariants();
+}
+
+TEST(Load, splits_at_line_feeds_and_drops_one_cr_at_a_line_end) {
+    struct Case {
+        std::string text;
+        Lines lines;
+    };
+    const Case cases[] = {
+        {"", {""}},
+        {"\n", {""}},
+        {"\r", {""}},
+        {"\r\n", {""}},
+        {"\n\n", {"", ""}},
+        {"a\nb", {"a", "b"}},
+        {"a\r\nb\r\nc\r\n", {"a", "b", "c"}},
+        {"a\r\r\nb\r\r", {"a\r", "b\r"}},
+        {"a\rb\n\rc\r\n", {"a\rb", "\rc"}},
+        {std::string("a\0b\n\xff\xc3\n", 7), {std::string("a\0b", 3), "\xff\xc3"}},
+    };
+    TempFolder folder;
+    for (const Case& c : cases) {
+        Buffer buffer("B", "");
+        ASSERT_TRUE(buffer.load_file(folder.write("file", c.text)));
+        EXPECT_EQ(buffer.lines.lines(), c.lines) << testing::PrintToString(c.text);
+        EXPECT_EQ(split(c.text), c.lines);
+    }
+}
+
+TEST(Load, finds_pairs_wherever_the_parts_of_a_large_file_meet) {
+    TempFolder folder;
+    for (const char* mark : {"\r\n", "\r\r\n", "\rx"}) {
+        std::string text = text_with_borders(mark);
+        Buffer buffer("B", "");
+        ASSERT_TRUE(buffer.load_file(folder.write("file", text)));
+        SCOPED_TRACE(testing::PrintToString(mark));
+        expect_lines(buffer.lines, split(text));
+    }
+}
+
+TEST(Load, reads_a_pipe_of_unknown_size) {
+    TempFolder folder;
+    std::string text = text_with_borders("\r\n"), pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << text; });
+    Buffer buffer("B", "");
+    EXPECT_TRUE(buffer.load_file(pipe));
+    writer.join();
+    expect_lines(buffer.lines, split(text));
+}
+
+TEST(Load, begins_at_the_top_unmodified_and_keeps_the_undo_stack) {
+    TempFolder folder;
+    std::string path = folder.write("file", "one\ntwo\n");
+    timespec times[2] = {{1, 0}, {1234567, 891999999}};
+    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+    Buffer buffer("B", "");
+    buffer.copy_text("old text");
+    buffer.push_undo(true);
+    buffer.view_line = 3;
+    ASSERT_TRUE(buffer.load_file(path));
+    EXPECT_EQ(buffer.cursor_row + buffer.cursor_column + buffer.view_line, 0u);
+    EXPECT_FALSE(buffer.modified);
+    EXPECT_EQ(buffer.file_time, 1234567891u);
+    EXPECT_EQ(Buffer::file_mtime_ms(path), 1234567891u);
+    EXPECT_EQ(Buffer::file_mtime_ms(folder.path("nothing")), 0u);
+    ASSERT_TRUE(buffer.undo());
+    EXPECT_EQ(buffer.lines.lines(), Lines{"old text"});
+}
+
+TEST(Load, takes_the_name_but_not_the_text_of_what_cannot_be_read) {
+    TempFolder folder;
+    Lines names = {folder.path(""), folder.path("nothing"), ""};
+#ifdef __linux__
+    names.push_back("/proc/self/mem");  // opens, but its first page cannot be read
+#endif
+    for (const std::string& name : names) {
+        Buffer buffer("B", "before");
+        buffer.copy_text("text");
+        EXPECT_FALSE(buffer.load_file(name)) << name;
+        EXPECT_EQ(buffer.file_name, name);
+        EXPECT_EQ(buffer.lines.lines(), Lines{"text"});
+        EXPECT_TRUE(buffer.modified);
+        EXPECT_EQ(buffer.cursor_column, 4u);
+    }
+}
+
+}  // namespace
+}  // namespace tpu

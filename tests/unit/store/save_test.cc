@@ -1,0 +1,281 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <random>
+#include <thread>
+
+#include "core/buffer.h"
+#include "unit/store/temp_folder.h"
+#ifdef __linux__
+#include <sys/xattr.h>
+#endif
+
+namespace tpu {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+using Files = std::set<std::string>;
+
+// A modified buffer with these lines that belongs to no file.
+struct Text : Buffer {
+    explicit Text(const Lines& text) : Buffer("TEXT", "none") {
+        lines = LineStore(text);
+        modified = true;
+        file_time = 7;
+    }
+    // Still as it was constructed.
+    bool is_unsaved() const { return modified && file_name == "none" && file_time == 7; }
+};
+
+void expect_failure(Text& text, const std::string& path) {
+    EXPECT_FALSE(text.write_file(path)) << path;
+    EXPECT_TRUE(text.is_unsaved()) << path;
+}
+
+TEST(Save, writes_lines_with_line_feeds_between_them) {
+    TempFolder folder;
+    for (const Lines& lines :
+         {Lines{""}, {"a", "b"}, {"", ""}, {std::string("\0\r\xff", 3), "a\nb", ""}}) {
+        Text text(lines);
+        std::string bytes = text.lines.text(0, text.lines.bytes());
+        ASSERT_TRUE(text.write_file(folder.path("file")));
+        EXPECT_EQ(folder.read("file"), bytes);
+        EXPECT_FALSE(text.modified);
+        EXPECT_EQ(text.file_name, folder.path("file"));
+        EXPECT_EQ(text.file_time, Buffer::file_mtime_ms(folder.path("file")));
+    }
+    Text text({"by its own name"});
+    text.file_name = folder.path("file");
+    EXPECT_TRUE(text.write_file(""));
+    EXPECT_EQ(folder.read("file"), "by its own name");
+}
+
+TEST(Save, writes_long_runs_and_scattered_changes_in_order) {
+    TempFolder folder;
+    std::string bytes;
+    for (int i = 0; i < 300000; ++i) bytes += std::to_string(i) + "\n";
+    Text text({});
+    text.lines = LineStore::from_text(bytes);
+    std::mt19937 random(5);
+    for (int i = 0; i < 300; ++i) {
+        std::size_t at = random() % (bytes.size() / 4);
+        text.lines.insert(at, "<changed>");
+        bytes.insert(at, "<changed>");
+    }
+    ASSERT_TRUE(text.write_file(folder.path("file")));
+    EXPECT_TRUE(folder.read("file") == bytes);
+}
+
+TEST(Save, keeps_one_backup_of_the_text_before) {
+    TempFolder folder;
+    Text text({"1"});
+    ASSERT_TRUE(text.write_file(folder.path("file")));
+    EXPECT_EQ(folder.files(), Files{"file"});
+    for (const char* line : {"2", "3"}) {
+        text.lines = LineStore({line});
+        ASSERT_TRUE(text.write_file(""));
+    }
+    EXPECT_EQ(folder.read("file"), "3");
+    EXPECT_EQ(folder.read("file.bak"), "2");
+    text.backup_on_write = false;
+    ASSERT_TRUE(text.write_file(folder.write("other", "before")));
+    EXPECT_EQ(folder.read("other"), "3");
+    EXPECT_EQ(folder.files(), (Files{"file", "file.bak", "other"}));
+}
+
+TEST(Save, keeps_the_mode_and_leaves_a_new_file_to_the_umask) {
+    TempFolder folder;
+    std::string path = folder.write("file", "old");
+    for (mode_t mode : {0640u, 0444u, 0606u}) {
+        chmod(path.c_str(), mode);
+        ASSERT_TRUE(Text({"new"}).write_file(path));
+        EXPECT_EQ(status_of(path).st_mode & 07777, mode);
+        EXPECT_EQ(status_of(path + ".bak").st_mode & 07777, mode);
+    }
+    mode_t before = umask(027);
+    ASSERT_TRUE(Text({"new"}).write_file(folder.path("fresh")));
+    umask(before);
+    EXPECT_EQ(status_of(folder.path("fresh")).st_mode & 07777, 0640u);
+}
+
+TEST(Save, without_a_backup_spares_a_protected_file) {
+    if (geteuid() == 0) GTEST_SKIP() << "nothing is protected from root";
+    TempFolder folder;
+    std::string path = folder.write("file", "old");
+    chmod(path.c_str(), 0444);
+    Text text({"new"});
+    text.backup_on_write = false;
+    expect_failure(text, path);
+    EXPECT_EQ(folder.read("file"), "old");
+}
+
+// Ways in which "file" can be a second name of the file "real".
+struct Alias {
+    const char* what;
+    void (*make)(const TempFolder& folder);
+};
+const Alias kAliases[] = {
+    {"relative link", [](const TempFolder& f) { fs::create_symlink("real", f.path("file")); }},
+    {"absolute link",
+     [](const TempFolder& f) { fs::create_symlink(f.path("real"), f.path("file")); }},
+    {"hard link",
+     [](const TempFolder& f) { fs::create_hard_link(f.path("real"), f.path("file")); }},
+    // Only the name itself; for what must hold of any file.
+    {"no alias", [](const TempFolder& f) { fs::rename(f.path("real"), f.path("file")); }},
+};
+
+TEST(Save, updates_the_file_behind_a_link_and_keeps_the_link) {
+    for (const Alias& alias : kAliases) {
+        if (alias.what == std::string("no alias")) continue;
+        for (bool backup : {true, false}) {
+            SCOPED_TRACE(alias.what);
+            TempFolder folder;
+            folder.write("real", "a longer old text");
+            chmod(folder.path("real").c_str(), 0640);
+            alias.make(folder);
+            struct stat before;
+            lstat(folder.path("file").c_str(), &before);
+            Text text({"new"});
+            text.backup_on_write = backup;
+            ASSERT_TRUE(text.write_file(folder.path("file")));
+            EXPECT_EQ(folder.read("real"), "new");
+            struct stat after;
+            lstat(folder.path("file").c_str(), &after);
+            EXPECT_EQ(after.st_ino, before.st_ino);
+            EXPECT_EQ(after.st_nlink, before.st_nlink);
+            Files files = {"file", "real"};
+            if (backup) {
+                files.insert("file.bak");
+                EXPECT_EQ(folder.read("file.bak"), "a longer old text");
+                EXPECT_EQ(status_of(folder.path("file.bak")).st_mode & 07777, 0640u);
+            }
+            EXPECT_EQ(folder.files(), files);
+        }
+    }
+}
+
+TEST(Save, does_not_write_through_a_backup_that_is_linked_to_the_file) {
+    TempFolder folder;
+    folder.write("file", "old");
+    fs::create_hard_link(folder.path("file"), folder.path("file.bak"));
+    ASSERT_TRUE(Text({"new"}).write_file(folder.path("file")));
+    EXPECT_EQ(folder.read("file"), "new");
+    EXPECT_EQ(folder.read("file.bak"), "old");
+}
+
+TEST(Save, creates_the_file_that_a_link_waits_for) {
+    TempFolder folder;
+    fs::create_symlink("real", folder.path("file"));
+    ASSERT_TRUE(Text({"new"}).write_file(folder.path("file")));
+    EXPECT_EQ(folder.read("real"), "new");
+    EXPECT_EQ(folder.files(), (Files{"file", "real"}));
+}
+
+#ifdef __linux__
+TEST(Save, keeps_extended_attributes) {
+    TempFolder folder;
+    std::string path = folder.write("file", "old");
+    if (setxattr(path.c_str(), "user.test", "x", 1, 0) != 0) GTEST_SKIP() << "no attributes here";
+    ASSERT_TRUE(Text({"new"}).write_file(path));
+    char value = 0;
+    EXPECT_EQ(getxattr(path.c_str(), "user.test", &value, 1), 1);
+    EXPECT_EQ(value, 'x');
+    EXPECT_EQ(folder.read("file"), "new");
+    EXPECT_EQ(folder.read("file.bak"), "old");
+}
+#endif
+
+TEST(Save, that_fails_half_way_leaves_the_old_text_and_no_other_file) {
+    for (const Alias& alias : kAliases) {
+        for (bool backup : {true, false}) {
+            SCOPED_TRACE(alias.what);
+            TempFolder folder;
+            folder.write("real", "old text");
+            alias.make(folder);
+            Files files = folder.files();
+            Text text({std::string(1000, 'x'), std::string(300000, 'y')});
+            text.backup_on_write = backup;
+            {
+                FileSizeLimit limit(150000);
+                expect_failure(text, folder.path("file"));
+            }
+            EXPECT_EQ(folder.read("file"), "old text");
+            Files left = folder.files();
+            if (left.erase("file.bak") > 0) {
+                EXPECT_TRUE(backup);
+                EXPECT_EQ(folder.read("file.bak"), "old text");
+            }
+            EXPECT_EQ(left, files);
+        }
+    }
+}
+
+TEST(Save, that_fails_half_way_removes_the_new_file) {
+    TempFolder folder;
+    fs::create_symlink("real", folder.path("link"));
+    Text text({std::string(300000, 'y')});
+    FileSizeLimit limit(150000);
+    expect_failure(text, folder.path("file"));
+    expect_failure(text, folder.path("link"));
+    EXPECT_EQ(folder.files(), Files{"link"});
+}
+
+TEST(Save, fails_where_no_file_or_no_backup_can_be_made) {
+    TempFolder folder;
+    Text text({"new"});
+    expect_failure(text, folder.path(""));
+    expect_failure(text, folder.path("nothing/file"));
+    expect_failure(text, folder.write("file", "old") + "/below");
+    text.file_name.clear();
+    EXPECT_FALSE(text.write_file(""));
+    text.file_name = "none";
+
+    mkdir(folder.path("file.bak").c_str(), 0700);
+    mkdir(folder.path("link.bak").c_str(), 0700);
+    fs::create_symlink("file", folder.path("link"));
+    expect_failure(text, folder.path("file"));
+    expect_failure(text, folder.path("link"));
+    EXPECT_EQ(folder.read("file"), "old");
+    EXPECT_EQ(folder.files(), (Files{"file", "file.bak", "link", "link.bak"}));
+}
+
+TEST(Save, gives_devices_and_pipes_the_text_and_makes_no_backup) {
+    TempFolder folder;
+    EXPECT_TRUE(Text({"new"}).write_file("/dev/null"));
+    EXPECT_NE(access("/dev/null.bak", F_OK), 0);
+    if (access("/dev/full", W_OK) == 0) {
+        Text text({"new"});
+        expect_failure(text, "/dev/full");
+    }
+    std::string pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    Text unread({"new"});
+    expect_failure(unread, pipe);
+    int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    EXPECT_TRUE(Text({"new"}).write_file(pipe));
+    char got[4] = {};
+    EXPECT_EQ(read(reader, got, 4), 3);
+    EXPECT_STREQ(got, "new");
+    close(reader);
+    EXPECT_EQ(folder.files(), Files{"pipe"});
+}
+
+TEST(Save, to_standard_output_adds_to_what_it_was_redirected_to) {
+    TempFolder folder;
+    std::string path = folder.write("out", "before ");
+    fflush(stdout);
+    int saved = dup(STDOUT_FILENO), out = open(path.c_str(), O_WRONLY);
+    lseek(out, 0, SEEK_END);
+    dup2(out, STDOUT_FILENO);
+    bool written = Text({"new"}).write_file("/dev/stdout");
+    dup2(saved, STDOUT_FILENO);
+    close(saved);
+    close(out);
+    EXPECT_TRUE(written);
+    EXPECT_EQ(folder.read("out"), "before new");
+}
+
+}  // namespace
+}  // namespace tpu
