@@ -81,6 +81,16 @@ TEST(Load, finds_pairs_wherever_the_parts_of_a_large_file_meet) {
     }
 }
 
+TEST(Load, drops_a_final_line_feed_that_fills_up_a_piece) {
+    TempFolder folder;
+    for (std::size_t size = 16; size <= std::size_t{1} << 20; size *= 2) {
+        std::string line(size - 1, 'x');
+        Buffer buffer("B", "");
+        ASSERT_TRUE(buffer.load_file(folder.write("file", line + "\n")));
+        expect_lines(buffer.lines, {line});
+    }
+}
+
 TEST(Load, reads_a_pipe_of_unknown_size) {
     TempFolder folder;
     std::string text = text_with_borders("\r\n"), pipe = folder.path("pipe");
