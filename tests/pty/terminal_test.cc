@@ -65,13 +65,6 @@ TEST_F(TakingOver, ends_when_the_terminal_goes_away) {
     EXPECT_EQ(tty.exit_status(), 0);
 }
 
-TEST_F(TakingOver, suspend_key_and_signal_do_not_stop_it) {
-    tty.edit("a.txt", "text");
-    tty.send_signal(SIGTSTP);
-    tty.type("x");
-    EXPECT_TRUE(tty.shows(0, "xtext"));
-}
-
 TEST_F(TakingOver, has_a_terminal_type_of_its_own_when_none_is_set) {
     tty.environment.erase("TERM");
     tty.edit("a.txt", "text");
