@@ -18,6 +18,11 @@ tpu::Charset charset_of_locale() {
     return utf8 ? tpu::Charset::utf8 : tpu::Charset::bytes;
 }
 
+// The exit status of a run that only printed.
+int flushed() {
+    return std::fflush(stdout) == 0 ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -29,11 +34,11 @@ int main(int argc, char** argv) {
     tpu::Options options = tpu::Options::parse(arguments);
     if (options.mode == tpu::Options::Mode::version) {
         std::printf("tpu %s\n", tpu::kVersion);
-        return 0;
+        return flushed();
     }
     if (options.mode == tpu::Options::Mode::help) {
         std::fputs(tpu::kUsage, stdout);
-        return 0;
+        return flushed();
     }
     tpu::zk_redirect_tty();
     tpu::Charset charset = charset_of_locale();

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 
 #include "core/ascii.h"
 
@@ -20,7 +21,7 @@ const char* const kUsage =
     "  --version             print the version and exit\n"
     "  --help                print this and exit\n"
     "\n"
-    "Options may be written in any case, and with / in place of --.\n";
+    "Options may be written in any case, the first three with / in place of --.\n";
 
 namespace {
 
@@ -49,9 +50,16 @@ bool is_absolute_path(const std::string& argument) {
 }
 
 bool is_line_number(const std::string& argument) {
-    return argument.size() > 1 && argument.size() < 20 && argument[0] == '+' &&
+    return argument.size() > 1 && argument[0] == '+' &&
            std::all_of(argument.begin() + 1, argument.end(),
                        [](char c) { return c >= '0' && c <= '9'; });
+}
+
+// A number too large for the text, and for us, means its last line.
+std::uint64_t line_number(const std::string& digits) {
+    std::uint64_t line = UINT64_MAX;  // as it stays when the digits make too large a number
+    std::from_chars(digits.data(), digits.data() + digits.size(), line);
+    return line;
 }
 
 class Scan {
@@ -89,15 +97,15 @@ class Scan {
             }
         }
         if (name == "NOSECTION") return options_.section_file.clear(), true;
-        if (argument == "--version") return options_.mode = Options::Mode::version, true;
-        if (argument == "--help") return options_.mode = Options::Mode::help, true;
+        if (upper == "--VERSION") return options_.mode = Options::Mode::version, true;
+        if (upper == "--HELP") return options_.mode = Options::Mode::help, true;
         if (argument == "--") return only_files_ = true;
         return false;
     }
 
     void take_plain(const std::string& argument) {
         if (is_line_number(argument)) {
-            options_.line = std::stoull(argument.substr(1));
+            options_.line = line_number(argument.substr(1));
         } else if (is_absolute_path(argument) || (argument[0] != '-' && argument[0] != '/')) {
             take_file(argument);
         }

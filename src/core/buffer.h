@@ -119,7 +119,7 @@ class Buffer {
     void copy_text(char c);
     // The inserted span. With Charset::utf8 the text overstrikes whole characters.
     Range copy_text(std::string_view text, Charset charset = Charset::bytes);
-    void insert_tab();
+    void insert_tab(Charset charset = Charset::bytes);
     void wrap_current_line();
 
     // buffer_transform.cc; guarded but for shift_columns
@@ -140,6 +140,7 @@ class Buffer {
 
     // buffer_characters.cc: what keys do where a character may have several bytes.
     // A cursor inside a character counts as standing before it.
+    bool leave_character(Charset charset);  // puts it there; true when it moved
     void move_character_left(Charset charset);
     void move_character_right(Charset charset);
     void erase_character_left(Charset charset);

@@ -84,7 +84,7 @@ void Buffer::move_horizontal(int n) {
 void Buffer::materialize_cursor_column() {
     clamp_cursor();
     std::uint64_t length = lines.length(cursor_row);
-    if (cursor_column <= length) return;
+    if (cursor_column <= length || !modifiable) return;
     lines.insert(lines.offset({cursor_row, length}), std::string(cursor_column - length, ' '));
     modified = true;
 }

@@ -21,7 +21,8 @@ void Buffer::erase_range(const Range& range) {
     if (!modifiable || range.buffer() != this || !inside(lines, range)) return;
     cursor_row = range.start.row;
     cursor_column = std::min(range.start.column, lines.length(cursor_row));
-    lines.erase(lines.offset({cursor_row, cursor_column}), clipped_offset(lines, range.end));
+    std::uint64_t from = lines.offset({cursor_row, cursor_column});
+    lines.erase(from, std::max(from, clipped_offset(lines, range.end)));
     modified = true;
 }
 
@@ -48,8 +49,11 @@ void Buffer::box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1,
 
 void Buffer::box_paste(std::uint64_t row, std::uint64_t col) {
     if (!modifiable || box_register.empty()) return;
+    std::uint64_t rows = row + box_register.size();
+    if (rows > lines.size()) {
+        lines.insert(lines.bytes(), LineStore::from_text(std::string(rows - lines.size(), '\n')));
+    }
     for (const std::string& text : box_register) {
-        while (row >= lines.size()) lines.insert_break(lines.bytes());
         std::uint64_t length = lines.length(row);
         if (length < col) {
             lines.insert(lines.offset({row, length}), std::string(col - length, ' '));

@@ -71,7 +71,8 @@ std::vector<std::string> words_of(std::string_view text) {
 
 std::vector<std::string> fill(const std::vector<std::string>& words, std::uint64_t left,
                               std::uint64_t right) {
-    const std::string indent(left - 1, ' ');
+    constexpr std::uint64_t kMostBlanks = 65'535;
+    const std::string indent(std::min(left - 1, kMostBlanks), ' ');
     std::vector<std::string> filled;
     std::string current = indent;
     bool first = true;
@@ -147,7 +148,7 @@ void Buffer::change_case_word(Case mode) {
     std::uint64_t end = find_blank(lines, {cursor_row, begin}, true);
     map_bytes(lines, lines.offset({cursor_row, begin}), lines.offset({cursor_row, end}),
               case_map(mode));
-    cursor_column = end;
+    cursor_column = std::max(cursor_column, end);
     modified = true;
 }
 
@@ -169,7 +170,7 @@ void Buffer::shift_columns(int n) {
     modified = true;
     if (n == 0) return;
     TextBuilder shifted;
-    const std::string spaces(n > 0 ? static_cast<std::size_t>(n) : 0, ' ');
+    const std::string spaces(static_cast<std::size_t>(std::max(n, 0)), ' ');
     const std::uint64_t dropped = n < 0 ? -static_cast<std::uint64_t>(n) : 0;
     std::uint64_t start = 0;
     for (std::uint64_t row = 0; row < lines.size(); ++row) {

@@ -10,11 +10,13 @@ namespace tpu {
 namespace {
 
 constexpr std::uint64_t kTabWidth = 8;
+// Margins and stops may be any number; no blank goes further than this at once.
+constexpr std::uint64_t kMostBlanks = 65'535;
 
 // The column that a tab at `column` leads to.
 std::uint64_t tab_target(const Buffer& buffer, std::uint64_t column) {
     for (std::uint64_t stop : buffer.tab_stops) {
-        if (stop > column + 1) return stop - 1;
+        if (stop > column + 1) return std::min(stop - 1, column + kMostBlanks);
     }
     return (column / kTabWidth + 1) * kTabWidth;
 }
@@ -24,7 +26,8 @@ bool wraps(const Buffer& buffer) {
 }
 
 std::string indent_of(const Buffer& buffer) {
-    return buffer.left_margin >= 2 ? std::string(buffer.left_margin - 1, ' ') : std::string();
+    std::uint64_t margin = std::max<std::uint64_t>(buffer.left_margin, 1);
+    return std::string(std::min(margin - 1, kMostBlanks), ' ');
 }
 
 // Types a long string into a copy of the cursor line: the text before the cursor
@@ -43,6 +46,7 @@ class Typist {
             if (text.front() == '\n') {
                 end_line(head_);
                 head_.clear();
+                no_blank_ = 0;
             } else if (text.front() == '\t') {
                 std::uint64_t spaces = tab_target(buffer_, head_.size()) - head_.size();
                 for (; spaces > 0; --spaces) type_character(" ");
@@ -80,8 +84,12 @@ class Typist {
 
     // The head ends with the blank just typed, and that is where the line breaks.
     void wrap() {
-        std::size_t blank = head_.find_last_of(" \t");
-        if (blank == std::string::npos) return;
+        std::size_t blank = std::string_view(head_).substr(no_blank_).find_last_of(" \t");
+        if (blank == std::string::npos) {
+            no_blank_ = head_.size();
+            return;
+        }
+        blank += std::exchange(no_blank_, 0);
         end_line(std::string_view(head_).substr(0, blank));
         head_ = indent_of(buffer_) + head_.substr(blank + 1);
     }
@@ -95,6 +103,7 @@ class Typist {
     const Buffer& buffer_;
     Charset charset_;
     std::string head_;
+    std::size_t no_blank_ = 0;  // the first bytes of the head, known to be no blanks
     std::uint64_t overwritten_ = 0;
     std::uint64_t rows_ = 0;
     TextBuilder done_;
@@ -134,8 +143,7 @@ void Buffer::copy_text(char c) {
 void Buffer::type_character(std::string_view character, Charset charset) {
     if (!modifiable) return;
     materialize_cursor_column();
-    if (charset == Charset::utf8)
-        cursor_column = character_start(lines, {cursor_row, cursor_column});
+    leave_character(charset);
     std::uint64_t offset = lines.offset({cursor_row, cursor_column});
     if (!insert_mode) {
         std::uint64_t under = character_size(lines, {cursor_row, cursor_column}, charset);
@@ -157,8 +165,7 @@ Range Buffer::copy_text(std::string_view text, Charset charset) {
     } else {
         materialize_cursor_column();
     }
-    if (charset == Charset::utf8)
-        cursor_column = character_start(lines, {cursor_row, cursor_column});
+    leave_character(charset);
     std::uint64_t rows = 0, column = cursor_column, line_start = lines.row_start(cursor_row);
     if (insert_mode && !wraps(*this)) {
         LineStore typed = expand_tabs(*this, text, rows, column);
@@ -177,11 +184,11 @@ Range Buffer::copy_text(std::string_view text, Charset charset) {
     return Range(start, mark(false));
 }
 
-void Buffer::insert_tab() {
+void Buffer::insert_tab(Charset charset) {
     if (!modifiable) return;
-    clamp_cursor();
+    leave_character(charset);
     std::uint64_t spaces = tab_target(*this, cursor_column) - cursor_column;
-    for (; spaces > 0; --spaces) copy_text(' ');
+    for (; spaces > 0; --spaces) type_character(" ", charset);
 }
 
 void Buffer::wrap_current_line() {

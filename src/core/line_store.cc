@@ -19,7 +19,7 @@ LineStore::LineStore(const std::vector<std::string>& lines) {
 }
 
 LineStore LineStore::from_text(std::string_view text) {
-    Ref<TextBlock> block = TextBlock::create(text.size());
+    Ref<TextBlock> block = TextBlock::require(text.size());
     block->append(text);
     return from_block(block, text.size());
 }
@@ -75,6 +75,7 @@ unsigned char LineStore::at(Position place) const {
 
 std::string LineStore::text(std::uint64_t from, std::uint64_t to) const {
     std::string result;
+    if (from >= to) return result;
     result.reserve(to - from);
     for_each_span(from, to, [&](std::string_view span) {
         result += span;
@@ -131,9 +132,18 @@ std::optional<std::uint64_t> LineStore::find(std::string_view needle, std::uint6
                                              std::uint64_t to) const {
     if (needle.empty()) return std::nullopt;
     to = std::min(to, bytes());
-    bool needle_has_feed = needle.find('\n') != std::string_view::npos;
-    if (needle_has_feed && !has_raw_) return std::nullopt;
+    if (needle.find('\n') == std::string_view::npos) return find_bytes(needle, from, to);
+    if (!has_raw_) return std::nullopt;
+    // Line feeds in the needle may meet line breaks: then look further on.
+    auto found = find_bytes(needle, from, to);
+    while (found && position(*found).row != position(*found + needle.size()).row) {
+        found = find_bytes(needle, *found + 1, to);
+    }
+    return found;
+}
 
+std::optional<std::uint64_t> LineStore::find_bytes(std::string_view needle, std::uint64_t from,
+                                                   std::uint64_t to) const {
     std::optional<std::uint64_t> result;
     std::string before;  // the last bytes before the span, where a match may begin
     std::uint64_t at = from;
@@ -156,11 +166,6 @@ std::optional<std::uint64_t> LineStore::find(std::string_view needle, std::uint6
         at += span.size();
         return !result;
     });
-    // Line feeds in the needle may have met line breaks: then look further on.
-    if (result && needle_has_feed &&
-        position(*result).row != position(*result + needle.size()).row) {
-        return find(needle, *result + 1, to);
-    }
     return result;
 }
 
@@ -237,7 +242,7 @@ void TextBuilder::add(std::string_view bytes, bool raw) {
     constexpr std::size_t kBlock = std::size_t{1} << 20;
     while (!bytes.empty()) {
         std::string_view part = bytes.substr(0, tree::kMaxPiece);
-        if (!block_ || block_->room() < part.size()) block_ = TextBlock::create(kBlock);
+        if (!block_ || block_->room() < part.size()) block_ = TextBlock::require(kBlock);
         Piece piece;
         piece.block = block_;
         piece.data = block_->append(part);

@@ -95,6 +95,10 @@ class LineStore {
     void check_invariants() const { tree::check(tree_); }
 
   private:
+    // The same with line feeds in the needle meeting line breaks too.
+    std::optional<std::uint64_t> find_bytes(std::string_view needle, std::uint64_t from,
+                                            std::uint64_t to) const;
+
     tree::Tree tree_;
     Ref<TextBlock> tail_;   // block that takes inserted text
     bool has_raw_ = false;  // some line may hold a line feed as text

@@ -271,7 +271,7 @@ void append(Pieces& pieces, Piece piece) {
 
 Piece store_text(std::string_view text, bool raw, Ref<TextBlock>& tail) {
     assert(text.size() <= kMaxPiece);
-    if (!tail || tail->room() < text.size()) tail = TextBlock::create(kTailBlock);
+    if (!tail || tail->room() < text.size()) tail = TextBlock::require(kTailBlock);
     Piece piece;
     piece.data = tail->append(text);
     piece.block = tail;

@@ -5,6 +5,7 @@
 #include <cassert>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace tpu {
 
@@ -42,6 +43,12 @@ Ref<TextBlock> TextBlock::create(std::size_t capacity) {
     }
     char* data = static_cast<char*>(std::malloc(capacity ? capacity : 1));
     return data ? Ref(new TextBlock(data, capacity, 0)) : Ref<TextBlock>();
+}
+
+Ref<TextBlock> TextBlock::require(std::size_t capacity) {
+    Ref<TextBlock> block = create(capacity);
+    if (!block) throw std::bad_alloc();
+    return block;
 }
 
 TextBlock::~TextBlock() {

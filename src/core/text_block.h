@@ -45,6 +45,8 @@ class TextBlock {
     // A block with room for `capacity` bytes; null when memory is short.
     // Large blocks come straight from the system, in huge pages where it has them.
     static Ref<TextBlock> create(std::size_t capacity);
+    // The same for text that there must be room for: fails as operator new does.
+    static Ref<TextBlock> require(std::size_t capacity);
 
     const char* data() const { return data_; }
     std::size_t used() const { return used_; }

@@ -48,20 +48,21 @@ class WindowPainter {
           gutter_(editor.gutter(window_)) {}
 
     void paint() {
-        for (int r = 0; r < window_.text_rows(); ++r) {
-            int y = window_.top + r;
-            if (shows(y)) paint_row(y, view_.first_line + static_cast<std::uint64_t>(r));
+        for (int r = std::max(0, -window_.top); r < window_.text_rows(); ++r) {
+            std::int64_t y = std::int64_t{window_.top} + r;
+            if (!shows(y)) break;
+            paint_row(static_cast<int>(y), view_.first_line + static_cast<std::uint64_t>(r));
         }
-        int status_row = window_.top + window_.height - 1;
+        std::int64_t status_row = std::int64_t{window_.top} + window_.height - 1;
         if (window_.has_status && shows(status_row)) {
-            draw_bar(surface_, {status_row, window_.left, width_},
+            draw_bar(surface_, {static_cast<int>(status_row), window_.left, width_},
                      editor_.format_status_line(&window_, &buffer_), editor_.charset);
         }
     }
 
   private:
     // Only the message line is kept free of windows.
-    bool shows(int y) const { return y >= 0 && y <= editor_.rows - 2; }
+    bool shows(std::int64_t y) const { return y >= 0 && y <= editor_.rows - 2; }
 
     void paint_row(int y, std::uint64_t line) {
         surface_.blank(y, window_.left, width_);

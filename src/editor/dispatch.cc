@@ -131,7 +131,7 @@ void insert_character(TPUEditor& editor, int key) {
     if (whole) {
         buffer->type_character(bytes, editor.charset);
     } else {
-        for (char byte : bytes) buffer->type_character({&byte, 1}, Charset::bytes);
+        for (char byte : bytes) buffer->type_character({&byte, 1}, editor.charset);
     }
 }
 

@@ -107,6 +107,7 @@ class TPUEditor {
     // main_loop.cc
     void run();
     void poll_processes();
+    bool key_waiting();         // read_key would give a key at once
     int read_key(int wait_ms);  // of the terminal, but for keys put back
     void unread_key(int key) { unread_keys_.push_front(key); }
 

@@ -14,8 +14,7 @@ bool LineInput::key(int code) {
     switch (code) {
         case '\n':
         case '\r':
-        case kKeyEnter:
-        case kKeyHangup: return true;
+        case kKeyEnter: return true;
         case kKeyBackspace:
         case 127:
         case '\b': erase_last_character(); return false;

@@ -42,12 +42,16 @@ void TPUEditor::run() {
     timer_start = ports.clock.now();
     while (running) {
         // Keys that wait already are handled first: what they change is drawn once.
-        if (unread_keys_.empty() && !ports.terminal.key_waiting()) draw();
+        if (!key_waiting()) draw();
         int key = read_key(wait_for_key(*this));
         poll_processes();
         run_timer(*this);
         if (!handle_report(*this, key)) handle_key(key);
     }
+}
+
+bool TPUEditor::key_waiting() {
+    return !unread_keys_.empty() || ports.terminal.key_waiting();
 }
 
 int TPUEditor::read_key(int wait_ms) {

@@ -6,19 +6,31 @@
 
 namespace tpu {
 
+namespace {
+
+void present_prompt(TPUEditor& editor, const std::string& line) {
+    Plan plan = settle(editor);
+    Frame frame = compose(editor, plan);
+    compose_prompt(editor, line, frame);
+    editor.ports.terminal.present(frame);
+}
+
+}  // namespace
+
 std::string TPUEditor::read_command_line(const std::string& prompt) {
     if (headless) return {};
     LineInput input(charset);
     int key = kNoKey;
     do {
-        Plan plan = settle(*this);
-        Frame frame = compose(*this, plan);
-        compose_prompt(*this, prompt + input.text(), frame);
-        ports.terminal.present(frame);
+        if (!key_waiting()) present_prompt(*this, prompt + input.text());
         key = read_key(-1);
         if (key == kKeyResize) resize_screen();
         if (key == kKeyPaste) input.paste(ports.terminal.take_paste());
-        if (key == kKeyHangup) running = false;
+        if (key == kKeyHangup) {
+            // Nobody has finished this line: it must not be acted upon.
+            running = false;
+            return {};
+        }
     } while (!input.key(key));
     return input.text();
 }
@@ -33,7 +45,7 @@ void TPUEditor::prompt_find() {
     int key = kNoKey;
     do {
         set_message(session.search());
-        draw();
+        if (!key_waiting()) draw();
         key = read_key(-1);
         if (key == kKeyResize) resize_screen();
         if (key == kKeyPaste) session.paste(ports.terminal.take_paste());

@@ -22,6 +22,12 @@ void go_to_line_end(TPUEditor& editor) {
     buffer(editor).cursor_column = buffer(editor).line_length();
 }
 
+void split_line(TPUEditor& editor) {
+    if (!buffer(editor).modifiable) return;
+    buffer(editor).leave_character(editor.charset);
+    buffer(editor).split_line();
+}
+
 void select(TPUEditor& editor) {
     buffer(editor).select();
     editor.set_message("SELECT");
@@ -44,7 +50,7 @@ void gold(TPUEditor& editor) {
 
 // Lines that a screenful moves by.
 int page(const TPUEditor& editor) {
-    return editor.rows - 3;
+    return std::max(editor.rows - 3, 1);
 }
 
 struct DefaultKey {
@@ -68,9 +74,9 @@ constexpr DefaultKey kDefaultKeys[] = {
     {kKeyHome, [](TPUEditor& e) { buffer(e).cursor_column = 0; }, "", "LINE_BEGIN"},
     {kKeyEnd, go_to_line_end, "", "LINE_END"},
     {kKeyInsert, toggle_insert, "", "TOGGLE INSERT/OVERSTRIKE"},
-    {'\n', [](TPUEditor& e) { buffer(e).split_line(); }, "", "SPLIT_LINE"},
-    {'\r', [](TPUEditor& e) { buffer(e).split_line(); }, "", "SPLIT_LINE"},
-    {'\t', [](TPUEditor& e) { buffer(e).insert_tab(); }, "", "INSERT TAB"},
+    {'\n', split_line, "", "SPLIT_LINE"},
+    {'\r', split_line, "", "SPLIT_LINE"},
+    {'\t', [](TPUEditor& e) { buffer(e).insert_tab(e.charset); }, "", "INSERT TAB"},
     {control('X'), [](TPUEditor& e) { e.running = false; }, "", "EXIT"},
     {control('S'), [](TPUEditor& e) { e.save_current(); }, "", "WRITE_FILE"},
     {control('F'), [](TPUEditor& e) { e.prompt_find(); }, "", "SEARCH"},
@@ -125,9 +131,7 @@ void TPUEditor::define_default_keys() {
     for (const DefaultKey& key : kDefaultKeys) {
         KeyBinding binding{key.text, {}, key.comment};
         if (key.action) {
-            binding.action = [this, action = key.action] {
-                if (current_buffer) action(*this);
-            };
+            binding.action = [this, action = key.action] { action(*this); };
         }
         map->define_key(key.code, std::move(binding));
     }

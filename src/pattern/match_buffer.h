@@ -29,6 +29,12 @@ class TextReader {
         const LineStore::Chunk& here = chunk(offset);
         return here.text[offset - here.begin];
     }
+    // The bytes from `offset` on that lie together; the last line ends with a line feed.
+    std::string_view rest(std::uint64_t offset) {
+        if (offset >= size_) return "\n";
+        const LineStore::Chunk& here = chunk(offset);
+        return here.text.substr(offset - here.begin);
+    }
     bool at_line_end(std::uint64_t offset) {
         return offset >= size_ || (character(offset) == '\n' && !chunk_.raw);
     }
@@ -125,9 +131,12 @@ class BufferMatcher {
     }
 
     bool literal(std::string_view text) {
-        for (char c : text) {
-            if (at_end_of_text() || reader_.character(at_) != c) return false;
-            move(at_ + 1);
+        while (!text.empty()) {
+            if (at_end_of_text()) return false;
+            std::string_view here = reader_.rest(at_).substr(0, text.size());
+            if (!text.starts_with(here)) return false;
+            move(at_ + here.size());
+            text.remove_prefix(here.size());
         }
         return true;
     }

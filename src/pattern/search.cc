@@ -72,10 +72,22 @@ class ForwardSearch {
     }
 
     std::uint64_t literal(std::uint64_t from) {
-        std::string_view head(first_->text);
-        head = head.substr(0, head.find('\n'));
-        if (head.empty()) return from;  // nothing, or a line feed, comes first
-        return lines_.find(head, from).value_or(kNowhere);
+        if (first_->text.empty()) return from;
+        std::size_t head = first_->text.find('\n');
+        if (head == std::string::npos) return lines_.find(first_->text, from).value_or(kNowhere);
+        // The literal starts that far before a line feed.
+        return head > lines_.bytes() - from ? kNowhere : line_feed(from + head) - head;
+    }
+
+    // The first line feed at or after `offset`, be it a line end or text.
+    std::uint64_t line_feed(std::uint64_t offset) {
+        while (offset < lines_.bytes()) {
+            const LineStore::Chunk& chunk = reader_.chunk(offset);
+            std::size_t feed = chunk.text.find('\n', offset - chunk.begin);
+            if (feed != std::string_view::npos) return chunk.begin + feed;
+            offset = chunk.end();
+        }
+        return lines_.bytes();
     }
 
     // The first offset from `from` on whose byte is (or is not) in the first token's set.
@@ -123,9 +135,11 @@ std::optional<Range> Buffer::search_pattern_forward(const TPUPattern& pattern, b
 
 std::optional<Range> Buffer::search_pattern_backward(const TPUPattern& pattern, bool move_cursor) {
     clamp_cursor();
-    std::uint64_t before = std::min(cursor_column, lines.length(cursor_row));
-    for (std::uint64_t row = cursor_row;; before = lines.length(--row)) {
-        std::string line = lines[row];
+    std::uint64_t before = std::min(cursor_column, lines.length(cursor_row) + 1);
+    std::uint64_t start = lines.row_start(cursor_row),
+                  end_of_row = start + lines.length(cursor_row);
+    for (std::uint64_t row = cursor_row;;) {
+        std::string line = lines.text(start, end_of_row);
         LineMatcher<RememberedRuns> matcher(pattern, line, RememberedRuns(pattern));
         for (std::uint64_t column = before; column-- > 0;) {
             std::size_t end = 0;
@@ -137,6 +151,9 @@ std::optional<Range> Buffer::search_pattern_backward(const TPUPattern& pattern, 
             return Range({this, row, column}, {this, row, end});
         }
         if (row == 0) return std::nullopt;
+        end_of_row = start - 1;
+        start = lines.row_start(--row);
+        before = end_of_row - start;
     }
 }
 

@@ -56,7 +56,7 @@ void TPUEditor::paste() {
         set_message("Paste buffer empty");
         return;
     }
-    current_buffer->copy_text(current_buffer->paste_text);
+    current_buffer->copy_text(current_buffer->paste_text, charset);
     set_message("Pasted");
 }
 
@@ -68,7 +68,7 @@ void TPUEditor::paste_previous() {
     }
     kill_ring_index = (kill_ring_index == 0 ? kill_ring.size() : kill_ring_index) - 1;
     current_buffer->paste_text = kill_ring[kill_ring_index];
-    current_buffer->copy_text(current_buffer->paste_text);
+    current_buffer->copy_text(current_buffer->paste_text, charset);
     set_message("Pasted previous");
 }
 
@@ -92,7 +92,7 @@ void TPUEditor::recall_named_paste(const std::string& name, bool insert) {
     }
     if (!current_buffer) return;
     current_buffer->paste_text = found->second;
-    if (insert) current_buffer->copy_text(found->second);
+    if (insert) current_buffer->copy_text(found->second, charset);
     set_message((insert ? "Pasted " : "Recalled paste ") + quoted(key));
 }
 

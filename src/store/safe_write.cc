@@ -66,7 +66,8 @@ Descriptor open_stream(const std::string& path, const struct stat& status) {
 }
 
 bool write_stream(const Job& job, Descriptor stream) {
-    if (!stream || !job.write(stream.get())) return false;
+    // The bytes of a text would steer a terminal, most likely the one we draw on.
+    if (!stream || isatty(stream.get()) || !job.write(stream.get())) return false;
     // Few devices can be synced, but one that tried and could not has lost the text.
     return (sync_file(stream.get()) || errno != EIO) && stream.close();
 }

@@ -4,7 +4,9 @@
 
 namespace tpu {
 
-int FakeTerminal::read_key(int) {
+int FakeTerminal::read_key(int wait_ms) {
+    waits.push_back(wait_ms);
+    if (before_key) before_key();
     if (keys.empty()) return kKeyHangup;
     int key = keys.front();
     keys.pop_front();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,7 @@ class FakeTerminal : public Terminal {
         shown = frame;
         ++frames;
     }
-    int read_key(int) override;
+    int read_key(int wait_ms) override;
     bool key_waiting() override { return !keys.empty(); }
     std::string take_paste() override { return std::exchange(pasted, {}); }
     std::optional<MouseEvent> mouse() override { return clicked; }
@@ -33,6 +34,8 @@ class FakeTerminal : public Terminal {
     std::optional<MouseEvent> clicked;
     Frame shown;
     int frames = 0;
+    std::vector<int> waits;            // milliseconds that each key was waited for
+    std::function<void()> before_key;  // called before each key is given
 };
 
 class FakeClock : public Clock {

@@ -131,6 +131,8 @@ TEST(Lines, lose_characters_one_by_one_as_in_one_go) {
 TEST(Lines, stay_when_the_buffer_may_not_be_modified) {
     Text text({"one two", "three"}, {1, 2});
     text.modifiable = false;
+    text.right_margin = 2;
+    text.free_cursor = true;
     text.box_register = {"x"};
     text.split_line();
     text.append_line();
@@ -139,8 +141,13 @@ TEST(Lines, stay_when_the_buffer_may_not_be_modified) {
     text.copy_text('x');
     text.copy_text("x");
     text.insert_tab();
+    text.go(0, 6);
     text.wrap_current_line();
+    text.cursor_column = 20;
+    text.materialize_cursor_column();
     text.erase_range(text.range({0, 0}, {1, 0}));
+    text.change_case_range(text.range({0, 0}, {1, 0}), Buffer::Case::upper);
+    text.translate_range(text.range({0, 0}, {1, 0}), "o", "0");
     text.change_case_buffer(Buffer::Case::upper);
     text.change_case_word(Buffer::Case::upper);
     text.translate("o", "0");
@@ -173,6 +180,86 @@ TEST(Undo, goes_back_two_hundred_snapshots_and_forth_again) {
     EXPECT_EQ(text.redo_stack.size(), 1u);
     text.push_undo(true);
     EXPECT_TRUE(text.redo_stack.empty());
+}
+
+TEST(Undo, keeps_the_view_and_can_be_switched_off) {
+    Text text({"one", "two"}, {1, 2});
+    text.view_line = 1;
+    text.push_undo(true);
+    text.beginning_of_buffer();
+    EXPECT_EQ(text.view_line, 0u);
+    text.undo();
+    EXPECT_EQ(text.view_line, 1u);
+    text.undo_enabled = false;
+    text.push_undo(true);
+    EXPECT_EQ(text.undo_stack.size(), 0u);
+    EXPECT_EQ(text.redo_stack.size(), 1u);
+}
+
+// What sets the modified flag although it may change nothing, and what does not.
+TEST(Modified, is_set_by_every_operation_that_says_so) {
+    Text other({"x"});
+    struct Case {
+        const char* name;
+        void (*run)(Text&, Text&);
+        bool modified;
+    };
+    const Case cases[] = {
+        {"erase_range",
+         [](Text& t, Text&) {
+             t.erase_range(t.range({0, 1}, {0, 1}));
+         },
+         true},
+        {"of another",
+         [](Text& t, Text& o) {
+             t.erase_range(o.range({0, 0}, {0, 1}));
+         },
+         false},
+        {"box_paste", [](Text& t, Text&) { t.box_register = {""}, t.box_paste(0, 0); }, true},
+        {"no box", [](Text& t, Text&) { t.box_paste(0, 0); }, false},
+        {"shift", [](Text& t, Text&) { t.shift_columns(0); }, true},
+        {"translate", [](Text& t, Text&) { t.translate("z", "y"); }, true},
+        {"translate nothing", [](Text& t, Text&) { t.translate("", "y"); }, false},
+        {"case",
+         [](Text& t, Text&) {
+             t.change_case_range(t.range({7, 0}, {9, 0}), {});
+         },
+         true},
+        {"erase at the end", [](Text& t, Text&) { t.go(0, 3), t.erase_n_characters(9); }, false},
+        {"append", [](Text& t, Text&) { t.append_line(); }, false},
+    };
+    for (const Case& c : cases) {
+        Text text({"abc"});
+        c.run(text, other);
+        EXPECT_EQ(text.modified, c.modified) << c.name;
+        EXPECT_EQ(text.all(), (Lines{"abc"})) << c.name;
+    }
+    EXPECT_EQ(other.text_of_range(Text({"abc"}).range({0, 0}, {0, 1})), "");
+}
+
+TEST(Cursor, ignores_markers_of_other_buffers) {
+    Text text({"abc"}, {0, 1}), other({"abc"});
+    text.position(other.at(0, 3));
+    EXPECT_EQ(text.cursor(), (Position{0, 1}));
+    text.position(text.at(5, 9));
+    EXPECT_EQ(text.cursor(), (Position{0, 3}));
+    text.free_cursor = true;
+    text.cursor_column = 9000;
+    EXPECT_EQ(text.mark(false).column, 4096u);
+    text.change_case_word(Buffer::Case::upper);
+    EXPECT_EQ(text.cursor_column, 4096u);
+}
+
+TEST(Typing, survives_margins_and_stops_beyond_all_reason) {
+    Text text({"abc def"}, {0, 7});
+    text.left_margin = UINT64_MAX;
+    text.right_margin = 3;
+    text.tab_stops = {UINT64_MAX};
+    text.wrap_current_line();
+    text.copy_text("\t\r");
+    text.fill_range(text.range({0, 0}, {0, 2}), UINT64_MAX, 0);
+    EXPECT_EQ(text.lines.size(), 2u);
+    EXPECT_LT(text.lines.bytes(), 1'000'000u);
 }
 
 TEST(Typing, of_a_string_is_typing_of_its_characters) {
@@ -280,6 +367,10 @@ TEST(Fill, makes_lines_no_longer_than_the_margin_but_for_long_words) {
     margins.right_margin = 10;
     margins.fill_range(margins.range({0, 0}, {0, 8}), 5, 0);
     EXPECT_EQ(margins.all(), (Lines{"    aa bb", "    cc"}));
+    Text zero({"aa bb cc"});
+    zero.right_margin = 5;
+    zero.fill_range(zero.range({0, 0}, {0, 8}), 0, 0);
+    EXPECT_EQ(zero.all(), (Lines{"aa bb", "cc"}));
     Text empty({""});
     empty.fill_range(empty.range({0, 0}, {0, 0}), 4, 20);
     EXPECT_EQ(empty.all(), (Lines{"   "}));
@@ -339,6 +430,10 @@ TEST(Boxes, are_cut_and_pasted_with_padding) {
     EXPECT_EQ(text.box_register, (Lines{"cd", "", "34"}));
     EXPECT_EQ(text.all(), (Lines{"abef", "xy", "1256"}));
     EXPECT_EQ(text.cursor(), (Position{0, 2}));
+    text.box_cut(0, 0, 0, 0);
+    EXPECT_EQ(text.box_register, (Lines{""}));
+    text.box_register = {"cd", "", "34"};
+    text.go(0, 2);
     text.box_paste(2, 5);
     EXPECT_EQ(text.all(), (Lines{"abef", "xy", "1256 cd", "     ", "     34"}));
     EXPECT_EQ(text.cursor(), (Position{0, 2}));

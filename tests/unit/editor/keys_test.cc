@@ -63,6 +63,20 @@ TEST(Keys, type_whole_utf8_characters_as_one_step) {
     EXPECT_EQ(s.lines(), (Rows{"a\xff\xc3z"}));
 }
 
+TEST(Keys, never_tear_a_character) {
+    for (const char* keys : {"<RETURN>", "<TAB>", "\xff", "x", "\xc3\xa9"}) {
+        for (bool insert : {true, false}) {
+            Session s({"abcd", "\xe2\x82\xac."});
+            s.buffer->insert_mode = insert;
+            s.press(std::string("<RIGHT><DOWN>") + keys);
+            std::string text = s.buffer->lines.text(0, s.buffer->lines.bytes());
+            bool whole = text.find("\xe2\x82\xac.") != std::string::npos;
+            bool gone = text.find_first_of("\xe2\x82\xac") == std::string::npos;
+            EXPECT_TRUE(whole || gone) << keys << (insert ? " inserted" : " overstruck");
+        }
+    }
+}
+
 TEST(Keys, after_gold_run_their_text_or_insert_themselves) {
     Session s({"one", "two"});
     s.press("<GOLD>");
@@ -214,6 +228,9 @@ TEST(Mouse, moves_the_cursor_of_the_current_window_wherever_it_clicks) {
     click(23, 70);
     EXPECT_EQ(s.cursor(), (Position{2, 5}));
     EXPECT_TRUE(s.buffer->undo_stack.empty());
+    s.editor.position(s.editor.create_buffer("OTHER", ""));  // not drawn yet
+    click(0, 7);
+    EXPECT_EQ(s.cursor(), (Position{2, 5}));
 }
 
 TEST(AttachedProcess, gets_the_keys_while_it_is_attached) {
@@ -222,16 +239,20 @@ TEST(AttachedProcess, gets_the_keys_while_it_is_attached) {
     ASSERT_TRUE(process->start("cat", s.buffer));
     s.editor.processes.push_back(process);
     s.editor.attached_process = process;
-    s.press("hi<RETURN><F9><CTRL_D>");
+    s.press("hi<BACKSPACE><RETURN><F9>");
+    s.editor.insert_paste("pasted");
+    s.press("<CTRL_D>");
     EXPECT_EQ(s.editor.message, "EOF sent; detached");
+    s.editor.attached_process = process;
     while (!s.editor.processes.empty()) s.editor.poll_processes();
-    EXPECT_EQ(s.lines(), (Rows{"hi", ""}));
+    EXPECT_EQ(s.lines(), (Rows{"hi\b", "pasted"}));
+    EXPECT_EQ(s.editor.attached_process, nullptr);
     s.editor.attached_process = process;
     s.press("<CTRL_Z>x");
-    EXPECT_EQ(s.lines(), (Rows{"hi", "x"}));
+    EXPECT_EQ(s.lines(), (Rows{"hi\b", "pastedx"}));
 }
 
-TEST(MainLoop, draws_once_for_keys_that_wait_and_serves_the_timer) {
+TEST(MainLoop, draws_once_for_keys_that_wait) {
     Session s({"one"});
     s.terminal.keys = {'a', 'b', kKeyResize, kNoKey, 'c'};
     s.terminal.screen = {10, 40};
@@ -239,19 +260,41 @@ TEST(MainLoop, draws_once_for_keys_that_wait_and_serves_the_timer) {
     EXPECT_EQ(s.lines(), (Rows{"abcone"}));
     EXPECT_EQ(s.terminal.frames, 1);
     EXPECT_EQ(s.editor.rows, 10);
+    EXPECT_EQ(s.terminal.waits.front(), -1);
+}
 
-    s.editor.running = true;
+TEST(MainLoop, runs_the_timer_when_its_period_has_gone_by_since_the_last_run) {
+    Session s({"1", "2", "3", "4"});
     s.editor.timer_interval = 1500;
     s.editor.timer_action = "ERASE_LINE";
-    s.terminal.keys = {kNoKey};
-    s.editor.run();
-    EXPECT_EQ(s.lines(), (Rows{"abcone"}));
-    s.clock.time += std::chrono::milliseconds(1500);
-    s.editor.timer_start = {};
-    s.terminal.keys = {'x', 24};
-    s.editor.running = true;
-    s.editor.run();  // the period begins anew with the loop
-    EXPECT_EQ(s.lines(), (Rows{"abcxone"}));
+    s.terminal.before_key = [&] { s.clock.time += std::chrono::milliseconds(800); };
+    s.terminal.keys = {kNoKey, kNoKey, kNoKey};  // at 800, 1600 and 2400 milliseconds
+    s.editor.run();                              // and the hang-up at 3200
+    EXPECT_EQ(s.lines(), (Rows{"3", "4"}));
+    EXPECT_EQ(s.terminal.waits, (std::vector<int>{200, 200, 200, 200}));
+}
+
+TEST(Prompts, draw_once_for_keys_that_wait_and_drop_a_line_that_nobody_ended) {
+    Session s({"one two", "three"});
+    s.press("<CTRL_F>three<RETURN>");
+    EXPECT_EQ(s.terminal.frames, 0);
+    s.press("<CTRL_Z>erase_line");  // the terminal hangs up
+    EXPECT_EQ(s.lines(), (Rows{"one two", "three"}));
+    EXPECT_FALSE(s.editor.running);
+    s.terminal.pasted = "erase_line\nmore";
+    s.terminal.keys = {kKeyPaste, kKeyResize, '\r'};
+    s.editor.command_mode();
+    EXPECT_EQ(s.lines(), (Rows{"one two"}));
+    s.terminal.pasted = "two";
+    s.terminal.keys = {kKeyPaste, '\r'};
+    s.editor.prompt_find();
+    EXPECT_EQ(s.cursor(), (Position{0, 4}));
+    s.terminal.keys = {'a', 0xc3, 0xa9, 127};
+    s.terminal.keys.insert(s.terminal.keys.end(), 3000, 'x');
+    s.terminal.keys.push_back('\r');
+    std::string line = s.editor.read_command_line("? ");
+    EXPECT_EQ(line.size(), 2047u);
+    EXPECT_EQ(line.substr(0, 2), "ax");
 }
 
 }  // namespace

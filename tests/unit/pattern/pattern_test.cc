@@ -125,7 +125,8 @@ class RandomPatterns : public testing::TestWithParam<unsigned> {
 
     Lines some_lines() {
         Lines lines(1 + below(5));
-        for (std::string& line : lines) line = letters(below(2) ? 3 : 12, "aaab\fc");
+        for (std::string& line : lines)
+            line = letters(below(2) ? 3 : 12, below(3) ? "aaab\fc" : "aab\n");
         return lines;
     }
 
@@ -190,8 +191,11 @@ TEST_P(RandomPatterns, are_found_backward_from_line_to_line) {
         buffer.cursor_row = below(lines.size());
         buffer.cursor_column = below(lines[buffer.cursor_row].size() + 1);
         Position from{buffer.cursor_row, buffer.cursor_column};
-        ASSERT_EQ(span(buffer.search_pattern_backward(pattern, false)),
-                  plain_backward(lines, pattern, from));
+        Span expected = plain_backward(lines, pattern, from);
+        bool move = below(2) == 0;
+        ASSERT_EQ(span(buffer.search_pattern_backward(pattern, move)), expected);
+        Position cursor{buffer.cursor_row, buffer.cursor_column};
+        ASSERT_EQ(cursor, move && expected ? expected->first : from);
     }
 }
 
@@ -252,6 +256,9 @@ TEST(Search, skips_the_occurrence_under_the_cursor_and_does_not_wrap) {
     EXPECT_EQ(buffer.cursor_row, 0u);
     EXPECT_FALSE(buffer.search_forward(""));
     EXPECT_FALSE(buffer.search_forward("ab\nx"));
+    buffer.lines.insert(buffer.lines.bytes(), "\n");  // a line feed that ends no line
+    EXPECT_TRUE(buffer.search_forward("\n"));
+    EXPECT_EQ(buffer.cursor_row, 1u);
 }
 
 // Every one of these is quadratic when starts repeat what earlier ones walked. The
@@ -268,6 +275,7 @@ TEST(Search, is_linear_for_patterns_that_never_match) {
         {{token(Token::kRemain), token(Token::kLiteral, "\nb")}, false},
         {{token(Token::kArb, "", 9), token(Token::kRemain), token(Token::kPageBreak)}, false},
         {{token(Token::kAny, "a"), token(Token::kSpan, "a"), token(Token::kAny, "b")}, false},
+        {{token(Token::kLiteral, std::string(1000, 'a') + "\nb")}, false},
     };
     for (const TPUPattern& pattern : hopeless) {
         buffer.beginning_of_buffer();
