@@ -19,7 +19,7 @@ constexpr const char* kGreeting =
 // What to tell about a file that is there but could not be read; else empty.
 std::string load_file(Buffer& buffer, const std::string& file) {
     buffer.name = file;
-    if (buffer.load_file(file)) return {};
+    if (buffer.load_file(file, Buffer::Loading::in_steps)) return {};
     int error = errno;
     buffer.file_name = file;
     struct stat status;

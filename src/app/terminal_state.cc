@@ -1,5 +1,6 @@
 #include "app/terminal_state.h"
 
+#include <signal.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -29,6 +30,13 @@ void terminal_signal_handler(int) {
     if (screen_ender) screen_ender();
     restore_terminal_state();
     _exit(0);  // Deliberate: a hang-up or an interrupt is an ordinary end.
+}
+
+void terminal_fault_handler(int fault) {
+    if (screen_ender) screen_ender();
+    restore_terminal_state();
+    signal(fault, SIG_DFL);
+    raise(fault);
 }
 
 }  // namespace tpu

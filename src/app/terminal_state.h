@@ -18,4 +18,8 @@ void set_screen_ender(void (*end)());
 // and ends the process. The status is always 0.
 void terminal_signal_handler(int signal);
 
+// For signals that mean a fault: leaves full-screen work, restores the terminal and
+// lets the signal do what it does by default.
+void terminal_fault_handler(int signal);
+
 }  // namespace tpu

@@ -38,6 +38,7 @@ class Buffer {
         Attr attr = Attr::none;
     };
     enum class Case { upper = 0, lower = 1, invert = 2 };
+    enum class Loading { at_once, in_steps };
 
     Buffer(std::string buffer_name, std::string file)
         : name(std::move(buffer_name)), file_name(std::move(file)) {}
@@ -81,6 +82,7 @@ class Buffer {
     bool free_cursor = false;
     std::uint64_t history_moves = 0;  // how often undo and redo have succeeded
     Snapshot last_restored;           // what the latest of them brought back
+    std::uint64_t loading_size = 0;   // bytes of the file that is being loaded in steps; 0: none
 
     // buffer_cursor.cc: cursor, marks, selection
     void clamp_cursor();
@@ -156,8 +158,12 @@ class Buffer {
     bool search_round(std::string_view text);  // the one, then the other, each byte once
 
     // store/load.cc, store/save.cc
-    bool load_file(const std::string& path);   // false: unreadable, text unchanged
-    bool write_file(const std::string& path);  // empty: to file_name
+    // False: unreadable, text unchanged. A large file loaded in steps is there at once
+    // but shows the file itself until TextBlock::settle_some has copied all of it;
+    // then finish_loading() has to follow.
+    bool load_file(const std::string& path, Loading how = Loading::at_once);
+    void finish_loading();
+    bool write_file(const std::string& path);                     // empty: to file_name
     static std::uint64_t file_mtime_ms(const std::string& path);  // 0: unknown
 };
 

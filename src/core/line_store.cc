@@ -203,6 +203,17 @@ void LineStore::replace(std::uint64_t from, std::uint64_t to, const LineStore& t
     tree_ = tree::replace(std::move(tree_), from, to, std::move(pieces), tail_);
 }
 
+void LineStore::recount() {
+    Pieces pieces;
+    tree::collect(tree_, 0, bytes(), pieces);
+    for (Piece& piece : pieces) {
+        if (piece.raw) continue;
+        piece.breaks =
+            static_cast<std::uint32_t>(tree::count_line_feeds(piece.text())) & 0x7fffffffu;
+    }
+    *this = from_pieces(std::move(pieces));
+}
+
 void LineStore::set(std::uint64_t row, std::string_view line) {
     std::uint64_t start = row_start(row);
     erase(start, start + length(row));

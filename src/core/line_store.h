@@ -84,6 +84,9 @@ class LineStore {
     void insert_line(std::uint64_t row, std::string_view line);  // row up to size()
     void erase_line(std::uint64_t row);                          // the only line is emptied
 
+    // Counts the line breaks anew, for text that somebody else has changed in place.
+    void recount();
+
     // Same lines. Immediate when both are copies of one text, and when sizes differ.
     friend bool operator==(const LineStore& a, const LineStore& b) {
         return tree::equal(a.tree_, b.tree_);

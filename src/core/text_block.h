@@ -10,6 +10,8 @@
 #include <string_view>
 #include <utility>
 
+#include "core/descriptor.h"
+
 namespace tpu {
 
 // A counted pointer to an object with members retain() and release().
@@ -48,6 +50,16 @@ class TextBlock {
     // The same for text that there must be room for: fails as operator new does.
     static Ref<TextBlock> require(std::size_t capacity);
 
+    // A block that shows the first `size` bytes of an open file, with nothing copied
+    // yet; null when the file cannot be mapped. Until the block is settled, who
+    // changes the file may change the text, so that has to follow soon.
+    static Ref<TextBlock> map_file(int fd, std::size_t size);
+
+    // Copies a few megabytes more of the blocks that are not settled into memory of
+    // their own. True when all are settled. Bytes that the file has lost meanwhile
+    // read as zeros.
+    static bool settle_some();
+
     const char* data() const { return data_; }
     std::size_t used() const { return used_; }
     std::size_t room() const { return capacity_ - used_; }
@@ -78,12 +90,16 @@ class TextBlock {
     TextBlock(char* data, std::size_t capacity, std::size_t mapped)
         : data_(data), capacity_(capacity), mapped_(mapped) {}
     ~TextBlock();
+    void settle();
+    bool is_settled() const { return settled_ >= mapped_; }
 
     std::size_t count_ = 0;
     char* data_;
     std::size_t capacity_;
     std::size_t mapped_;  // bytes to unmap; 0 for a block on the heap
     std::size_t used_ = 0;
+    std::size_t settled_ = SIZE_MAX;  // bytes of a mapped file that are our own by now
+    Descriptor file_;                 // for the rest
 };
 
 }  // namespace tpu

@@ -35,6 +35,15 @@ bool handle_report(TPUEditor& editor, int key) {
     }
 }
 
+// Takes large files that were just loaded into memory of our own, step by step while
+// no key waits. With keys waiting there is one step for each.
+void settle_files(TPUEditor& editor) {
+    while (!TextBlock::settle_some()) {
+        if (editor.key_waiting()) return;
+    }
+    for (const auto& buffer : editor.buffers) buffer->finish_loading();
+}
+
 }  // namespace
 
 void TPUEditor::run() {
@@ -43,6 +52,7 @@ void TPUEditor::run() {
     while (running) {
         // Keys that wait already are handled first: what they change is drawn once.
         if (!key_waiting()) draw();
+        settle_files(*this);
         int key = read_key(wait_for_key(*this));
         poll_processes();
         run_timer(*this);

@@ -2,6 +2,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <utility>
+
 #include "core/buffer.h"
 #include "store/file_io.h"
 #include "store/read_file.h"
@@ -20,9 +22,12 @@ std::uint64_t mtime_ms(const struct stat& status) {
            static_cast<std::uint64_t>(time.tv_nsec) / 1000000;
 }
 
+// Smaller files are read as quickly as they are mapped.
+constexpr std::uint64_t kWorthMapping = std::uint64_t{1} << 20;
+
 }  // namespace
 
-bool Buffer::load_file(const std::string& path) {
+bool Buffer::load_file(const std::string& path, Loading how) {
     file_name = path;
     Descriptor file = open_file(path, O_RDONLY);
     struct stat status;
@@ -30,7 +35,12 @@ bool Buffer::load_file(const std::string& path) {
     // The size of a pipe or device says nothing about what can be read from it.
     std::uint64_t expected =
         S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
-    std::optional<LineStore> text = read_lines(file.get(), expected);
+    std::optional<LineStore> text;
+    if (how == Loading::in_steps && expected >= kWorthMapping) {
+        text = map_lines(file.get(), expected);
+    }
+    loading_size = text ? expected : 0;
+    if (!text) text = read_lines(file.get(), expected);
     if (!text) return false;
     lines = std::move(*text);
     cursor_row = cursor_column = view_line = 0;
@@ -38,6 +48,21 @@ bool Buffer::load_file(const std::string& path) {
     // As it was before reading: a change made meanwhile must not go unnoticed.
     file_time = mtime_ms(status);
     return true;
+}
+
+// What was written to the file while it was mapped is in the text, as it would be
+// had it been read a little later; but the lines may have moved.
+void Buffer::finish_loading() {
+    std::uint64_t size = std::exchange(loading_size, 0);
+    struct stat status;
+    if (size == 0) return;
+    bool unchanged = stat(file_name.c_str(), &status) == 0 && mtime_ms(status) == file_time &&
+                     static_cast<std::uint64_t>(status.st_size) == size;
+    if (unchanged) return;
+    lines.recount();
+    for (Snapshot& snapshot : undo_stack) snapshot.lines.recount();
+    for (Snapshot& snapshot : redo_stack) snapshot.lines.recount();
+    clamp_cursor();
 }
 
 std::uint64_t Buffer::file_mtime_ms(const std::string& path) {

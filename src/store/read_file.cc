@@ -93,7 +93,30 @@ class Filler {
     std::vector<std::uint32_t> feeds_;  // line feeds of each whole piece
 };
 
+bool ends_line_with_cr(std::string_view text, std::string_view piece) {
+    for (std::size_t at = piece.find('\r'); at < piece.size(); at = piece.find('\r', at + 1)) {
+        const char* next = piece.data() + at + 1;
+        if (next == text.data() + text.size() || *next == '\n') return true;
+    }
+    return false;
+}
+
 }  // namespace
+
+std::optional<LineStore> map_lines(int fd, std::uint64_t size) {
+    if (size > std::numeric_limits<std::size_t>::max() / 2) return std::nullopt;
+    Ref<TextBlock> block = TextBlock::map_file(fd, static_cast<std::size_t>(size));
+    if (!block) return std::nullopt;
+    std::string_view text(block->data(), block->used());
+    std::vector<std::uint32_t> feeds;
+    for (std::size_t at = 0; at < text.size(); at += tree::kMaxPiece) {
+        std::string_view piece = text.substr(at, tree::kMaxPiece);
+        if (ends_line_with_cr(text, piece)) return std::nullopt;
+        if (piece.size() < tree::kMaxPiece) break;  // may lose its last line feed
+        feeds.push_back(static_cast<std::uint32_t>(tree::count_line_feeds(piece)));
+    }
+    return LineStore::from_block(block, text.size() - text.ends_with('\n'), feeds);
+}
 
 std::optional<LineStore> read_lines(int fd, std::uint64_t expected) {
     if (expected > std::numeric_limits<std::size_t>::max() / 2) return std::nullopt;

@@ -14,4 +14,9 @@ namespace tpu {
 // fine. Nothing when reading fails or memory is short.
 std::optional<LineStore> read_lines(int fd, std::uint64_t expected);
 
+// The lines of a file of `size` bytes without copying them: the text is only mapped,
+// and TextBlock::settle_some must make it the editor's own soon. Nothing when the
+// file cannot be mapped, or when carriage returns would have to go.
+std::optional<LineStore> map_lines(int fd, std::uint64_t size);
+
 }  // namespace tpu

@@ -34,6 +34,9 @@ bool write_lines(int fd, const LineStore& lines) {
 bool Buffer::write_file(const std::string& path) {
     std::string target = path.empty() ? file_name : path;
     if (target.empty()) return false;
+    // The file may be one that a text still shows.
+    while (!TextBlock::settle_some()) {
+    }
     auto write = [this](int fd) { return write_lines(fd, lines); };
     if (!write_safely(target, backup_on_write, write)) return false;
     file_name = target;

@@ -77,7 +77,7 @@ class EndingSignals {
     void install() {
         for (Saved& saved : saved_) {
             struct sigaction action = {};
-            action.sa_handler = terminal_signal_handler;
+            action.sa_handler = saved.handler;
             sigemptyset(&action.sa_mask);
             for (const Saved& other : saved_) sigaddset(&action.sa_mask, other.signal);
             sigaction(saved.signal, &action, &saved.action);
@@ -90,9 +90,14 @@ class EndingSignals {
   private:
     struct Saved {
         int signal;
+        void (*handler)(int);
         struct sigaction action;
     };
-    Saved saved_[3] = {{SIGINT, {}}, {SIGTERM, {}}, {SIGHUP, {}}};
+    // A file that shrinks while it is mapped is a bus error.
+    Saved saved_[4] = {{SIGINT, terminal_signal_handler, {}},
+                       {SIGTERM, terminal_signal_handler, {}},
+                       {SIGHUP, terminal_signal_handler, {}},
+                       {SIGBUS, terminal_fault_handler, {}}};
 };
 
 void set_modes() {

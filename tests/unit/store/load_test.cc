@@ -1,6 +1,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "core/buffer.h"
@@ -80,6 +82,69 @@ TEST(Load, finds_pairs_wherever_the_parts_of_a_large_file_meet) {
         expect_lines(buffer.lines, split(text));
     }
 }
+
+void settle() {
+    while (!TextBlock::settle_some()) {
+    }
+}
+
+TEST(Load, in_steps_gives_the_same_lines_and_owns_them_once_settled) {
+    TempFolder folder;
+    for (const char* mark : {"\r\n", "\rx", "\n"}) {
+        std::string text = text_with_borders(mark) + (*mark == '\n' ? "x\n" : "x");
+        std::string path = folder.write("file", text);
+        Buffer buffer("B", "");
+        ASSERT_TRUE(buffer.load_file(path, Buffer::Loading::in_steps));
+        EXPECT_EQ(buffer.loading_size > 0, *mark == '\n' || mark[1] == 'x');
+        expect_lines(buffer.lines, split(text));
+        settle();
+        std::filesystem::resize_file(path, 3);
+        buffer.finish_loading();
+        EXPECT_EQ(buffer.loading_size, 0u);
+        expect_lines(buffer.lines, split(text));
+    }
+}
+
+TEST(Load, in_steps_stays_sound_when_the_file_is_changed_meanwhile) {
+    TempFolder folder;
+    std::string text = text_with_borders("x") + "x";
+    std::string path = folder.write("file", text);
+    Buffer buffer("B", "");
+    ASSERT_TRUE(buffer.load_file(path, Buffer::Loading::in_steps));
+    ASSERT_GT(buffer.loading_size, 0u);
+    buffer.push_undo(true);
+    buffer.copy_text("typed");
+    {
+        std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+        file.seekp(1'500'000);
+        file << "\n\n\nnew\n";
+    }
+    settle();
+    buffer.finish_loading();
+    buffer.lines.check_invariants();
+    EXPECT_NE(buffer.lines.find("new", 0), std::nullopt);
+    EXPECT_TRUE(buffer.undo());
+    std::string now = folder.read("file");
+    expect_lines(buffer.lines, split(now));
+}
+
+#ifdef __linux__
+TEST(Load, in_steps_has_zeros_for_what_the_file_has_lost_meanwhile) {
+    TempFolder folder;
+    std::string text = text_with_borders("x") + "x";
+    std::string path = folder.write("file", text);
+    Buffer buffer("B", "");
+    ASSERT_TRUE(buffer.load_file(path, Buffer::Loading::in_steps));
+    ASSERT_GT(buffer.loading_size, 0u);
+    std::filesystem::resize_file(path, 100'000);
+    settle();
+    buffer.finish_loading();
+    buffer.lines.check_invariants();
+    EXPECT_EQ(buffer.lines.bytes(), text.size());
+    EXPECT_EQ(buffer.lines.text(0, 100'000), text.substr(0, 100'000));
+    EXPECT_EQ(buffer.lines.text(1'000'000, 1'000'002), std::string(2, '\0'));
+}
+#endif
 
 TEST(Load, drops_a_final_line_feed_that_fills_up_a_piece) {
     TempFolder folder;
