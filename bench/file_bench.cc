@@ -63,6 +63,19 @@ void load(benchmark::State& state) {
 }
 BENCHMARK(load)->Apply(sizes);
 
+// Until the text can be shown; copying it comes after that.
+void load_in_steps(benchmark::State& state) {
+    const Sample& file = sample(state.range(0));
+    for (auto _ : state) {
+        tpu::Buffer buffer("B", "");
+        if (!buffer.load_file(file.path(), tpu::Buffer::Loading::in_steps)) {
+            state.SkipWithError("cannot load");
+        }
+    }
+    state.SetBytesProcessed(file.size() * static_cast<std::int64_t>(state.iterations()));
+}
+BENCHMARK(load_in_steps)->Apply(sizes);
+
 void read_into_memory(benchmark::State& state) {
     const Sample& file = sample(state.range(0));
     for (auto _ : state) {

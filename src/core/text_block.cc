@@ -19,23 +19,6 @@ namespace {
 
 // Some milliseconds' work; a multiple of every system's page size.
 constexpr std::size_t kSettleStep = std::size_t{4} << 20;
-constexpr std::size_t kHugePage = std::size_t{2} << 20;
-
-// Anonymous memory that begins on a huge page, or null.
-char* map_aligned(std::size_t bytes) {
-    void* raw = mmap(nullptr, bytes + kHugePage, PROT_READ | PROT_WRITE,
-                     MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (raw == MAP_FAILED) return nullptr;
-    auto address = reinterpret_cast<std::uintptr_t>(raw);
-    std::uintptr_t aligned = (address + kHugePage - 1) / kHugePage * kHugePage;
-    std::size_t before = aligned - address;
-    if (before > 0) munmap(raw, before);
-    if (before < kHugePage) munmap(reinterpret_cast<void*>(aligned + bytes), kHugePage - before);
-#ifdef MADV_HUGEPAGE
-    madvise(reinterpret_cast<void*>(aligned), bytes, MADV_HUGEPAGE);
-#endif
-    return reinterpret_cast<char*>(aligned);
-}
 
 // Reads `bytes` bytes of a file from `offset` on; what the file has lost reads as zeros.
 void read_at(int fd, std::size_t offset, char* place, std::size_t bytes) {
@@ -55,19 +38,10 @@ std::vector<TextBlock*>& unsettled() {
     return blocks;
 }
 
-std::size_t whole_huge_pages(std::size_t bytes) {
-    return (bytes + kHugePage - 1) / kHugePage * kHugePage;
-}
-
 }  // namespace
 
 Ref<TextBlock> TextBlock::create(std::size_t capacity) {
-    if (capacity >= kHugePage) {
-        std::size_t mapped = whole_huge_pages(capacity);
-        char* data = map_aligned(mapped);
-        return data ? Ref(new TextBlock(data, capacity, mapped)) : Ref<TextBlock>();
-    }
-    char* data = static_cast<char*>(std::malloc(capacity ? capacity : 1));
+    char* data = static_cast<char*>(std::malloc(std::max<std::size_t>(capacity, 1)));
     return data ? Ref(new TextBlock(data, capacity, 0)) : Ref<TextBlock>();
 }
 
@@ -132,15 +106,12 @@ const char* TextBlock::append(std::string_view text) {
 }
 
 bool TextBlock::grow(std::size_t capacity) {
-    assert(!is_shared());
+    assert(!is_shared() && mapped_ == 0);
     if (capacity <= capacity_) return true;
-    Ref<TextBlock> larger = create(capacity);
+    void* larger = std::realloc(data_, capacity);
     if (!larger) return false;
-    larger->append({data_, used_});
-    std::swap(data_, larger->data_);
-    std::swap(capacity_, larger->capacity_);
-    std::swap(mapped_, larger->mapped_);
-    std::swap(settled_, larger->settled_);
+    data_ = static_cast<char*>(larger);
+    capacity_ = capacity;
     return true;
 }
 

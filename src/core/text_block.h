@@ -45,7 +45,6 @@ class Ref {
 class TextBlock {
   public:
     // A block with room for `capacity` bytes; null when memory is short.
-    // Large blocks come straight from the system, in huge pages where it has them.
     static Ref<TextBlock> create(std::size_t capacity);
     // The same for text that there must be room for: fails as operator new does.
     static Ref<TextBlock> require(std::size_t capacity);
@@ -96,7 +95,7 @@ class TextBlock {
     std::size_t count_ = 0;
     char* data_;
     std::size_t capacity_;
-    std::size_t mapped_;  // bytes to unmap; 0 for a block on the heap
+    std::size_t mapped_;  // bytes of a mapped file; 0 for a block on the heap
     std::size_t used_ = 0;
     std::size_t settled_ = SIZE_MAX;  // bytes of a mapped file that are our own by now
     Descriptor file_;                 // for the rest

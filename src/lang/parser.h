@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "lang/stmt.h"
+
 namespace tpu {
 
 class TPUEditor;
@@ -30,6 +32,20 @@ class MiniTPUParser {
 
     // True when the leading word of `text` names something execute_statement runs.
     static bool knows(std::string_view text);
+
+    // Reading source text: doors to lang/source.h and lang/block_parser.h.
+    static std::string trim(const std::string& text);
+    static std::string upper(const std::string& text);
+    static std::string strip_quotes(const std::string& text);
+    static std::string first_call_argument(const std::string& text);
+    static std::string strip_comments(const std::string& text);
+    static std::string join_continuations(const std::string& text);
+    static std::vector<std::string> split_statements(const std::string& text,
+                                                     std::vector<int>& lines);
+    static std::vector<std::string> split_statements(const std::string& text);
+    static std::vector<Stmt> parse_block(const std::vector<std::string>& statements,
+                                         const std::vector<int>& lines, std::size_t& index,
+                                         const std::vector<std::string_view>& terminators);
 
     // Records a failure: a status name ("TPU$_FAILURE" when empty) and a text
     // (the status name when empty).
