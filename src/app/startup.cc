@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "editor/editor.h"
+#include "editor/glyphs.h"
 
 namespace tpu {
 
@@ -51,7 +52,8 @@ int run_session(const Options& options, Ports ports, Charset charset) {
     go_to_line(*main, options.line);
     editor.init_screen();
     if (!options.section_file.empty()) {
-        complain(ports.terminal, "tpu: /SECTION=" + options.section_file + " failed to load");
+        std::string line = "tpu: /SECTION=" + options.section_file + " failed to load";
+        complain(ports.terminal, printable(line, charset));
     }
     editor.set_message(kGreeting);
     if (!trouble.empty()) editor.set_message(trouble);

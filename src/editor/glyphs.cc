@@ -45,4 +45,16 @@ Glyph glyph_at(std::string_view bytes, Charset charset) {
     return {decoded.code, size, width == 2 ? 2 : 1};
 }
 
+std::string printable(std::string_view text, Charset charset) {
+    std::string result;
+    while (!text.empty()) {
+        Glyph glyph = glyph_at(text, charset);
+        auto size = static_cast<std::size_t>(glyph.bytes);
+        bool as_it_is = charset == Charset::bytes && glyph.code >= 0x80;
+        result += as_it_is ? std::string(text.substr(0, size)) : encode_utf8(glyph.code);
+        text.remove_prefix(size);
+    }
+    return result;
+}
+
 }  // namespace tpu

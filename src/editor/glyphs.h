@@ -1,6 +1,7 @@
 // From bytes to glyphs that are safe to show.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "core/charset.h"
@@ -18,5 +19,8 @@ struct Glyph {
 // that are no character a replacement; marks without a width of their own stay
 // as they are, to be drawn on a blank.
 Glyph glyph_at(std::string_view bytes, Charset charset);
+
+// A text as it may be written to a terminal that no frame is shown on.
+std::string printable(std::string_view text, Charset charset);
 
 }  // namespace tpu

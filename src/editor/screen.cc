@@ -6,6 +6,7 @@
 
 #include "editor/compose.h"
 #include "editor/editor.h"
+#include "editor/glyphs.h"
 #include "editor/status_line.h"
 
 namespace tpu {
@@ -17,7 +18,7 @@ void TPUEditor::init_screen() {
     } else {
         std::string error = ports.terminal.start();
         if (!error.empty()) {
-            std::fprintf(stderr, "%s\n", error.c_str());
+            std::fprintf(stderr, "%s\n", printable(error, charset).c_str());
             std::fflush(stderr);
             _exit(1);
         }

@@ -130,6 +130,12 @@ TEST(Screen, never_holds_a_control_character_whatever_is_shown) {
     }
 }
 
+TEST(Screen, has_a_printable_form_for_texts_off_the_screen) {
+    EXPECT_EQ(printable("a\x1b[m\xc3\xa9\xff\xc2\x9b", Charset::utf8),
+              "a\xe2\x90\x9b[m\xc3\xa9\xef\xbf\xbd\xef\xbf\xbd");
+    EXPECT_EQ(printable("a\x1b\n", Charset::bytes), "a??");
+}
+
 TEST(Screen, blanks_a_wide_glyph_that_a_later_window_cuts) {
     Session s({"\xe4\xb8\xad\xe4\xb8\xad\xe4\xb8\xad"}, 6, 20);
     TPUWindow* window = s.editor.create_window(0, 2, false);
