@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cassert>
-#include <cstring>
+
+#include "core/find_bytes.h"
 
 namespace tpu {
 
@@ -132,18 +133,18 @@ std::optional<std::uint64_t> LineStore::find(std::string_view needle, std::uint6
                                              std::uint64_t to) const {
     if (needle.empty()) return std::nullopt;
     to = std::min(to, bytes());
-    if (needle.find('\n') == std::string_view::npos) return find_bytes(needle, from, to);
+    if (needle.find('\n') == std::string_view::npos) return find_in_bytes(needle, from, to);
     if (!has_raw_) return std::nullopt;
     // Line feeds in the needle may meet line breaks: then look further on.
-    auto found = find_bytes(needle, from, to);
+    auto found = find_in_bytes(needle, from, to);
     while (found && position(*found).row != position(*found + needle.size()).row) {
-        found = find_bytes(needle, *found + 1, to);
+        found = find_in_bytes(needle, *found + 1, to);
     }
     return found;
 }
 
-std::optional<std::uint64_t> LineStore::find_bytes(std::string_view needle, std::uint64_t from,
-                                                   std::uint64_t to) const {
+std::optional<std::uint64_t> LineStore::find_in_bytes(std::string_view needle, std::uint64_t from,
+                                                      std::uint64_t to) const {
     std::optional<std::uint64_t> result;
     std::string before;  // the last bytes before the span, where a match may begin
     std::uint64_t at = from;
@@ -155,11 +156,8 @@ std::optional<std::uint64_t> LineStore::find_bytes(std::string_view needle, std:
             if (hit != std::string::npos) result = at - before.size() + hit;
         }
         if (!result) {
-            const void* hit = memmem(span.data(), span.size(), needle.data(), needle.size());
-            if (hit) {
-                result =
-                    at + static_cast<std::uint64_t>(static_cast<const char*>(hit) - span.data());
-            }
+            std::size_t hit = find_bytes(span, needle);
+            if (hit != std::string_view::npos) result = at + hit;
         }
         before += span.substr(span.size() - std::min(span.size(), overlap));
         if (before.size() > overlap) before.erase(0, before.size() - overlap);

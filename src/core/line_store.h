@@ -99,8 +99,8 @@ class LineStore {
 
   private:
     // The same with line feeds in the needle meeting line breaks too.
-    std::optional<std::uint64_t> find_bytes(std::string_view needle, std::uint64_t from,
-                                            std::uint64_t to) const;
+    std::optional<std::uint64_t> find_in_bytes(std::string_view needle, std::uint64_t from,
+                                               std::uint64_t to) const;
 
     tree::Tree tree_;
     Ref<TextBlock> tail_;   // block that takes inserted text

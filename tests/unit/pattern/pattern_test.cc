@@ -157,7 +157,8 @@ TEST_P(RandomPatterns, are_found_where_a_plain_reading_of_the_rules_finds_them) 
         bool matched = pattern.match_at_buffer(buffer.lines, row, column, end_row, end_column);
         ASSERT_EQ(matched, plain.match(pattern));
         Position untouched{77, 77}, end{end_row, end_column};
-        ASSERT_EQ(end, matched ? Position(plain.row, plain.column) : untouched);
+        Position plain_end{plain.row, plain.column};
+        ASSERT_EQ(end, matched ? plain_end : untouched);
 
         bool wrap = below(2) == 0;
         Span expected = search_rows(lines, pattern, {row, column}, lines.size());
