@@ -34,7 +34,7 @@ void remove(TPUEditor& editor, Line) {
     Buffer& buffer = *editor.current_buffer;
     std::optional<Range> selection = buffer.select_range();
     if (!selection) return buffer.erase_character_at_cursor();
-    editor.push_kill_ring(buffer.text_of_range(*selection));
+    editor.push_kill_ring(buffer.lines_of_range(*selection));
     buffer.erase_range(*selection);
     buffer.select_anchor.reset();
     editor.set_message("Deleted selection");

@@ -77,7 +77,7 @@ class Buffer {
     bool undo_enabled = true;
     std::optional<Marker> select_anchor;
     bool box_select = false;
-    std::string paste_text;
+    LineStore paste_text;
     std::vector<std::string> box_register;
     bool free_cursor = false;
     std::uint64_t history_moves = 0;  // how often undo and redo have succeeded
@@ -121,6 +121,8 @@ class Buffer {
     void copy_text(char c);
     // The inserted span. With Charset::utf8 the text overstrikes whole characters.
     Range copy_text(std::string_view text, Charset charset = Charset::bytes);
+    // The same for a text that may be large: shares its memory where it goes in as it is.
+    void copy_lines(const LineStore& text, Charset charset);
     void insert_tab(Charset charset = Charset::bytes);
     void wrap_current_line();
 
@@ -137,6 +139,7 @@ class Buffer {
     // buffer_ranges.cc; guarded but for text_of_range
     void erase_range(const Range& range);
     std::string text_of_range(const Range& range) const;
+    LineStore lines_of_range(const Range& range) const;  // the same, sharing memory
     void box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1, std::uint64_t col2);
     void box_paste(std::uint64_t row, std::uint64_t col);
 

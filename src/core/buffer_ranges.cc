@@ -31,6 +31,11 @@ std::string Buffer::text_of_range(const Range& range) const {
     return lines.text(clipped_offset(lines, range.start), clipped_offset(lines, range.end));
 }
 
+LineStore Buffer::lines_of_range(const Range& range) const {
+    if (range.buffer() != this || !inside(lines, range)) return {};
+    return lines.part(clipped_offset(lines, range.start), clipped_offset(lines, range.end));
+}
+
 void Buffer::box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1,
                      std::uint64_t col2) {
     if (!modifiable) return;

@@ -184,6 +184,24 @@ Range Buffer::copy_text(std::string_view text, Charset charset) {
     return Range(start, mark(false));
 }
 
+void Buffer::copy_lines(const LineStore& text, Charset charset) {
+    bool as_it_is = insert_mode && !wraps(*this) && !text.may_hold_feeds() && !text.find("\t", 0);
+    // Before a line end a free cursor is not padded for; copy_text knows.
+    as_it_is = as_it_is && text.length(0) > 0;
+    if (!as_it_is) {
+        copy_text(text.text(), charset);
+        return;
+    }
+    if (!modifiable) return;
+    materialize_cursor_column();
+    leave_character(charset);
+    std::uint64_t last_row = text.size() - 1;
+    lines.insert(lines.offset({cursor_row, cursor_column}), text);
+    cursor_column = text.length(last_row) + (last_row == 0 ? cursor_column : 0);
+    cursor_row += last_row;
+    modified = true;
+}
+
 void Buffer::insert_tab(Charset charset) {
     if (!modifiable) return;
     leave_character(charset);

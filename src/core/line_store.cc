@@ -85,6 +85,12 @@ std::string LineStore::text(std::uint64_t from, std::uint64_t to) const {
     return result;
 }
 
+LineStore LineStore::part(std::uint64_t from, std::uint64_t to) const {
+    Pieces pieces;
+    tree::collect(tree_, from, to, pieces);
+    return from_pieces(std::move(pieces));
+}
+
 std::vector<std::string> LineStore::lines() const {
     std::vector<std::string> result;
     result.reserve(size());

@@ -45,7 +45,9 @@ class LineStore {
     std::string slice(Position from, std::uint64_t count) const;
     unsigned char at(Position place) const;                        // column below length(row)
     std::string text(std::uint64_t from, std::uint64_t to) const;  // line feeds at line ends
-    std::vector<std::string> lines() const;                        // all of them, copied
+    std::string text() const { return text(0, bytes()); }
+    LineStore part(std::uint64_t from, std::uint64_t to) const;  // shares its memory
+    std::vector<std::string> lines() const;                      // all of them, copied
 
     // Offsets and positions. A row at or past size() is the end of the text.
     std::uint64_t row_start(std::uint64_t row) const;
@@ -71,6 +73,9 @@ class LineStore {
     // Offset of the first occurrence of `needle` within one line, among the bytes [from, to).
     std::optional<std::uint64_t> find(std::string_view needle, std::uint64_t from,
                                       std::uint64_t to = UINT64_MAX) const;
+
+    // True when some line may hold a line feed as text.
+    bool may_hold_feeds() const { return has_raw_; }
 
     // Changing. Offsets are at most bytes().
     void insert(std::uint64_t offset, std::string_view bytes);  // into a line; line feeds are text

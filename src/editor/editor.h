@@ -66,9 +66,9 @@ class TPUEditor {
     int mouse_column = -1;
     bool learning = false;
     std::shared_ptr<std::vector<std::string>> learn_keys;
-    std::vector<std::string> kill_ring;  // oldest first
+    std::vector<LineStore> kill_ring;  // oldest first
     std::uint64_t kill_ring_index = 0;
-    std::map<std::string, std::string> named_pastes;  // by upper-case name
+    std::map<std::string, LineStore> named_pastes;  // by upper-case name
     bool in_set_message = false;
     std::uint64_t message_buffer_limit = 1000;  // lines; 0: no limit
     UndoStep* undo_step = nullptr;              // the outermost one under way
@@ -131,7 +131,7 @@ class TPUEditor {
     void save_as(const std::string& name);
 
     // store/paste.cc
-    void push_kill_ring(const std::string& text);
+    void push_kill_ring(const LineStore& text);
     void cut_selection();
     void copy_selection();
     void paste();

@@ -26,8 +26,8 @@ std::string quoted(const std::string& name) {
 
 }  // namespace
 
-void TPUEditor::push_kill_ring(const std::string& text) {
-    if (text.empty()) return;
+void TPUEditor::push_kill_ring(const LineStore& text) {
+    if (text.bytes() == 0) return;
     kill_ring.push_back(text);
     if (kill_ring.size() > kRingSize) kill_ring.erase(kill_ring.begin());
     kill_ring_index = kill_ring.size() - 1;
@@ -37,7 +37,7 @@ void TPUEditor::push_kill_ring(const std::string& text) {
 void TPUEditor::cut_selection() {
     std::optional<Range> range = selection(*this);
     if (!range) return;
-    push_kill_ring(current_buffer->text_of_range(*range));
+    push_kill_ring(current_buffer->lines_of_range(*range));
     current_buffer->erase_range(*range);
     current_buffer->select_anchor.reset();
     set_message("MOVE_TEXT SELECT_RANGE");
@@ -46,17 +46,17 @@ void TPUEditor::cut_selection() {
 void TPUEditor::copy_selection() {
     std::optional<Range> range = selection(*this);
     if (!range) return;
-    push_kill_ring(current_buffer->text_of_range(*range));
+    push_kill_ring(current_buffer->lines_of_range(*range));
     set_message("Copied SELECT_RANGE");
 }
 
 void TPUEditor::paste() {
     if (!current_buffer) return;
-    if (current_buffer->paste_text.empty()) {
+    if (current_buffer->paste_text.bytes() == 0) {
         set_message("Paste buffer empty");
         return;
     }
-    current_buffer->copy_text(current_buffer->paste_text, charset);
+    current_buffer->copy_lines(current_buffer->paste_text, charset);
     set_message("Pasted");
 }
 
@@ -68,7 +68,7 @@ void TPUEditor::paste_previous() {
     }
     kill_ring_index = (kill_ring_index == 0 ? kill_ring.size() : kill_ring_index) - 1;
     current_buffer->paste_text = kill_ring[kill_ring_index];
-    current_buffer->copy_text(current_buffer->paste_text, charset);
+    current_buffer->copy_lines(current_buffer->paste_text, charset);
     set_message("Pasted previous");
 }
 
@@ -79,8 +79,8 @@ void TPUEditor::store_named_paste(const std::string& name) {
         return;
     }
     if (!current_buffer) return;
-    const std::string& text = named_pastes[key] = current_buffer->paste_text;
-    set_message("Stored paste " + quoted(key) + " (" + std::to_string(text.size()) + " chars)");
+    const LineStore& text = named_pastes[key] = current_buffer->paste_text;
+    set_message("Stored paste " + quoted(key) + " (" + std::to_string(text.bytes()) + " chars)");
 }
 
 void TPUEditor::recall_named_paste(const std::string& name, bool insert) {
@@ -92,7 +92,7 @@ void TPUEditor::recall_named_paste(const std::string& name, bool insert) {
     }
     if (!current_buffer) return;
     current_buffer->paste_text = found->second;
-    if (insert) current_buffer->copy_text(found->second, charset);
+    if (insert) current_buffer->copy_lines(found->second, charset);
     set_message((insert ? "Pasted " : "Recalled paste ") + quoted(key));
 }
 

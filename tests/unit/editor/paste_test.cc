@@ -25,40 +25,61 @@ TEST(Paste, brings_back_what_was_cut_or_copied) {
     s.editor.copy_selection();
     EXPECT_EQ(s.editor.message, "Copied SELECT_RANGE");
     EXPECT_TRUE(s.buffer->select_anchor.has_value());
-    EXPECT_EQ(s.buffer->paste_text, "t");
+    EXPECT_EQ(s.buffer->paste_text.text(), "t");
     s.editor.paste_previous();
     EXPECT_EQ(s.editor.message, "Pasted previous");
     EXPECT_EQ(s.lines(), (Rows{"one", "one", "ttwo"}));
 }
 
+TEST(Paste, is_the_same_as_typing_whatever_the_text_holds) {
+    for (const char* text : {"abc", "a\nb\n", "a\tb", "\n", "one two\nthree"}) {
+        for (int mode = 0; mode < 8; ++mode) {
+            Session pasted({"x", "yz"}), typed({"x", "yz"});
+            for (Session* s : {&pasted, &typed}) {
+                s->buffer->insert_mode = mode & 1;
+                s->buffer->auto_wrap = mode & 2;
+                s->buffer->free_cursor = mode & 4;
+                s->buffer->right_margin = 5;
+                s->buffer->cursor_row = 1;
+                s->buffer->cursor_column = mode & 4 ? 5 : 1;
+            }
+            pasted.editor.push_kill_ring(LineStore::from_text(text));
+            pasted.press("<CTRL_Y>");
+            typed.buffer->copy_text(text);
+            EXPECT_EQ(pasted.lines(), typed.lines()) << text << " in mode " << mode;
+            EXPECT_EQ(pasted.cursor(), typed.cursor());
+        }
+    }
+}
+
 TEST(Paste, of_an_empty_selection_keeps_the_register) {
     Session s({"one"});
-    s.editor.push_kill_ring("old");
+    s.editor.push_kill_ring(LineStore::from_text("old"));
     s.press("<CTRL_V><CTRL_W>");
     EXPECT_EQ(s.editor.message, "MOVE_TEXT SELECT_RANGE");
     EXPECT_FALSE(s.buffer->select_anchor.has_value());
-    EXPECT_EQ(s.buffer->paste_text, "old");
+    EXPECT_EQ(s.buffer->paste_text.text(), "old");
 }
 
 TEST(Paste, walks_a_ring_of_32_texts) {
     Session s({""});
     s.editor.paste_previous();
     EXPECT_EQ(s.editor.message, "Kill ring empty");
-    for (int i = 0; i < 33; ++i) s.editor.push_kill_ring(std::to_string(i));
-    s.editor.push_kill_ring("");
+    for (int i = 0; i < 33; ++i) s.editor.push_kill_ring(LineStore::from_text(std::to_string(i)));
+    s.editor.push_kill_ring(LineStore::from_text(""));
     EXPECT_EQ(s.editor.kill_ring.size(), 32u);
-    EXPECT_EQ(s.editor.kill_ring.front(), "1");
+    EXPECT_EQ(s.editor.kill_ring.front().text(), "1");
     s.editor.paste_previous();
-    EXPECT_EQ(s.buffer->paste_text, "31");
+    EXPECT_EQ(s.buffer->paste_text.text(), "31");
     for (int i = 0; i < 31; ++i) s.editor.paste_previous();
-    EXPECT_EQ(s.buffer->paste_text, "32");
+    EXPECT_EQ(s.buffer->paste_text.text(), "32");
 }
 
 TEST(Paste, keeps_named_texts_for_all_buffers) {
     Session s({""});
     s.editor.store_named_paste("");
     EXPECT_EQ(s.editor.message, "STORE_PASTE needs a name");
-    s.editor.push_kill_ring("text");
+    s.editor.push_kill_ring(LineStore::from_text("text"));
     s.editor.store_named_paste("abc");
     EXPECT_EQ(s.editor.message, "Stored paste \"ABC\" (4 chars)");
     s.editor.recall_named_paste("x", true);
