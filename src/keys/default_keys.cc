@@ -28,6 +28,10 @@ void split_line(TPUEditor& editor) {
     buffer(editor).split_line();
 }
 
+void leave(TPUEditor& editor) {
+    editor.running = false;
+}
+
 void select(TPUEditor& editor) {
     buffer(editor).select();
     editor.set_message("SELECT");
@@ -77,7 +81,7 @@ constexpr DefaultKey kDefaultKeys[] = {
     {'\n', split_line, "", "SPLIT_LINE"},
     {'\r', split_line, "", "SPLIT_LINE"},
     {'\t', [](TPUEditor& e) { buffer(e).insert_tab(e.charset); }, "", "INSERT TAB"},
-    {control('X'), [](TPUEditor& e) { e.running = false; }, "", "EXIT"},
+    {control('X'), leave, "", "EXIT"},
     {control('S'), [](TPUEditor& e) { e.save_current(); }, "", "WRITE_FILE"},
     {control('F'), [](TPUEditor& e) { e.prompt_find(); }, "", "SEARCH"},
     {control('Z'), [](TPUEditor& e) { e.command_mode(); }, "", "COMMAND MODE"},
@@ -131,7 +135,10 @@ void TPUEditor::define_default_keys() {
     for (const DefaultKey& key : kDefaultKeys) {
         KeyBinding binding{key.text, {}, key.comment};
         if (key.action) {
-            binding.action = [this, action = key.action] { action(*this); };
+            // Without a buffer one can only leave.
+            binding.action = [this, action = key.action] {
+                if (current_buffer || action == leave) action(*this);
+            };
         }
         map->define_key(key.code, std::move(binding));
     }

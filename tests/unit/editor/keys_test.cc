@@ -21,6 +21,16 @@ TEST(KeyNames, have_codes_in_any_case_and_none_for_the_gaps) {
     }
 }
 
+TEST(Keys, only_leave_when_there_is_no_buffer) {
+    Session s({"one"});
+    s.editor.current_buffer = nullptr;
+    s.press("<LEFT><CTRL_W>x<CTRL_S><PF4><GOLD>U");
+    EXPECT_EQ(s.lines(), (Rows{"one"}));
+    EXPECT_TRUE(s.editor.running);
+    s.press("<CTRL_X>");
+    EXPECT_FALSE(s.editor.running);
+}
+
 TEST(KeyMaps, are_searched_in_order_and_survive_being_replaced) {
     Session s;
     KeyMap* first = s.editor.create_key_map("MINE");
