@@ -1,16 +1,15 @@
 #include "core/array.h"
 
 #include <algorithm>
-#include <iterator>
+#include <cstdint>
 #include <limits>
+#include <string>
 
 namespace tpu {
 
 namespace {
 
 constexpr long long kMostElements = 65535;  // of the static part
-
-using Entries = TPUArray::Entries;
 
 // The live arrays, with the place of the walk over them.
 struct ArrayList {
@@ -36,68 +35,75 @@ bool is_first(std::string_view which) {
     return which == "FIRST" || which == "BRST";
 }
 
-Value walk_to(TPUArray& array, Entries::const_iterator entry) {
-    array.walk_key = entry->first;
-    array.walk_valid = true;
-    return array.walk_key.to_value();
-}
-
-Value end_walk(TPUArray& array) {
-    array.walk_valid = false;
-    return tpu_unspecified();
-}
-
-Value walk_next(TPUArray& array) {
-    if (!array.walk_valid) return tpu_unspecified();
-    auto entry = array.entries.find(array.walk_key);
-    // Deliberate: a key that is gone does not end the walk, as it does backwards.
-    if (entry == array.entries.end()) return tpu_unspecified();
-    ++entry;
-    return entry == array.entries.end() ? end_walk(array) : walk_to(array, entry);
-}
-
-Value walk_previous(TPUArray& array) {
-    if (!array.walk_valid) return tpu_unspecified();
-    auto entry = array.entries.find(array.walk_key);
-    if (entry == array.entries.end() || entry == array.entries.begin()) return end_walk(array);
-    return walk_to(array, std::prev(entry));
-}
-
 }  // namespace
-
-ArrayKey ArrayKey::from_value(const Value& value) {
-    if (value.is(Value::Type::integer)) return {Kind::integer, value.integer(), {}};
-    ArrayKey key{Kind::string, 0, value.as_string()};
-    if (key.text.empty()) key.text += '?';
-    return key;
-}
-
-Value ArrayKey::to_value() const {
-    return kind == Kind::integer ? Value::make_int(integer) : Value::make_str(text);
-}
 
 // A chain of arrays that hold each other may be longer than the stack is deep, so
 // the elements of arrays that go with this one wait in a queue for their turn.
 TPUArray::~TPUArray() {
-    static std::vector<Entries>* waiting = nullptr;
-    if (entries.empty()) return;
+    static std::vector<ArrayElements>* waiting = nullptr;
+    if (elements_.size() == 0) return;
     if (waiting) {
-        waiting->push_back(std::move(entries));
+        waiting->push_back(std::move(elements_));
         return;
     }
-    std::vector<Entries> queue;
+    std::vector<ArrayElements> queue;
     waiting = &queue;
-    for (entries.clear(); !queue.empty();) {
-        Entries next = std::move(queue.back());
+    for (elements_ = {}; !queue.empty();) {
+        ArrayElements next = std::move(queue.back());
         queue.pop_back();
-        next.clear();
     }
     waiting = nullptr;
 }
 
-bool TPUArray::is_static_key(const ArrayKey& key) const {
-    return key.kind == ArrayKey::Kind::integer && static_low <= key.integer &&
-           key.integer <= static_high;
+const Value* TPUArray::find_text(const Value& index) const {
+    std::string rendering;
+    return elements_.find(ArrayKey::text_from(index, rendering));
+}
+
+void TPUArray::set_any(const Value& index, Value value) {
+    if (deleted) return;
+    auto set_under = [&](auto key, bool is_fixed) {
+        if (!tpu_value_is_unspecified(value)) {
+            elements_.set(key, std::move(value));
+        } else if (is_fixed) {
+            elements_.set(key, tpu_unspecified());
+        } else {
+            elements_.erase(key);
+        }
+    };
+    std::string rendering;
+    if (index.is(Value::Type::integer)) {
+        set_under(index.integer(), is_static(index.integer()));
+    } else {
+        set_under(ArrayKey::text_from(index, rendering), false);
+    }
+}
+
+Value TPUArray::walk(std::string_view which) {
+    if (deleted) return tpu_unspecified();
+    if (which == "HIGH_INDEX") return Value::make_int(static_high);
+    if (which == "LOW_INDEX") return Value::make_int(static_low);
+    if (which == "SIZE" || which == "LENGTH" || which == "RECORD_COUNT") {
+        return Value::make_int(static_cast<long long>(size()));
+    }
+    if (size() == 0) return walk_to(std::nullopt);
+    if (is_first(which)) return walk_to(elements_.first());
+    if (which == "LAST") return walk_to(elements_.last());
+    if (!walk_valid) return tpu_unspecified();
+    if (which == "CURRENT") return walk_key.to_value();
+    // Deliberate: a key that is gone ends the walk backwards but not forwards.
+    bool is_there = elements_.contains(walk_key);
+    if (which == "NEXT" && is_there) return walk_to(elements_.after(walk_key));
+    if (which == "PREVIOUS") return walk_to(is_there ? elements_.before(walk_key) : std::nullopt);
+    return tpu_unspecified();
+}
+
+// Goes on to a key, or ends the walk when there is none.
+Value TPUArray::walk_to(std::optional<ArrayKey> key) {
+    walk_valid = key.has_value();
+    if (!walk_valid) return tpu_unspecified();
+    walk_key = std::move(*key);
+    return walk_key.to_value();
 }
 
 Value Value::make_array() {
@@ -114,45 +120,21 @@ Value Value::make_array(long long count, long long low) {
     long long last = std::min(std::clamp(count, 1LL, kMostElements) - 1, past_low);
     array.static_low = low;
     array.static_high = low + last;
-    for (long long i = 0; i <= last; ++i) {
-        ArrayKey key{ArrayKey::Kind::integer, low + i, {}};
-        array.entries.emplace_hint(array.entries.end(), std::move(key), tpu_unspecified());
-    }
+    for (long long i = 0; i <= last; ++i) array.set(make_int(low + i), tpu_unspecified());
     return value;
 }
 
 Value tpu_array_get(const std::shared_ptr<TPUArray>& array, const Value& index) {
-    if (!array || array->deleted) return tpu_unspecified();
-    auto entry = array->entries.find(ArrayKey::from_value(index));
-    return entry == array->entries.end() ? tpu_unspecified() : entry->second;
+    const Value* element = array ? array->find(index) : nullptr;
+    return element ? *element : tpu_unspecified();
 }
 
 void tpu_array_set(const std::shared_ptr<TPUArray>& array, const Value& index, Value value) {
-    if (!array || array->deleted) return;
-    ArrayKey key = ArrayKey::from_value(index);
-    if (!tpu_value_is_unspecified(value)) {
-        array->entries.insert_or_assign(std::move(key), std::move(value));
-    } else if (array->is_static_key(key)) {
-        array->entries.insert_or_assign(std::move(key), tpu_unspecified());
-    } else {
-        array->entries.erase(key);
-    }
+    if (array) array->set(index, std::move(value));
 }
 
 Value tpu_array_walk(const std::shared_ptr<TPUArray>& array, std::string_view which) {
-    if (!array || array->deleted) return tpu_unspecified();
-    if (which == "HIGH_INDEX") return Value::make_int(array->static_high);
-    if (which == "LOW_INDEX") return Value::make_int(array->static_low);
-    if (which == "SIZE" || which == "LENGTH" || which == "RECORD_COUNT") {
-        return Value::make_int(static_cast<long long>(array->entries.size()));
-    }
-    if (array->entries.empty()) return end_walk(*array);
-    if (is_first(which)) return walk_to(*array, array->entries.begin());
-    if (which == "LAST") return walk_to(*array, std::prev(array->entries.end()));
-    if (which == "CURRENT" && array->walk_valid) return array->walk_key.to_value();
-    if (which == "NEXT") return walk_next(*array);
-    if (which == "PREVIOUS") return walk_previous(*array);
-    return tpu_unspecified();
+    return array ? array->walk(which) : tpu_unspecified();
 }
 
 void tpu_array_register(const std::shared_ptr<TPUArray>& array) {

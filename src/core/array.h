@@ -2,41 +2,20 @@
 // walks by which the language visits the elements of one array and all arrays.
 #pragma once
 
-#include <compare>
-#include <cstdint>
-#include <map>
+#include <cstddef>
 #include <memory>
-#include <string>
+#include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "core/array_elements.h"
+#include "core/array_key.h"
 #include "core/value.h"
 
 namespace tpu {
 
-// A subscript. Integers come before strings; strings are in byte order.
-struct ArrayKey {
-    enum class Kind : std::int32_t { integer, string };
-
-    Kind kind = Kind::integer;
-    long long integer = 0;
-    std::string text;
-
-    // Integers make integer keys. Anything else makes a string key of its text or
-    // rendering, case kept, so that a string and a keyword with the same letters
-    // are one key; the empty text is the key "?".
-    static ArrayKey from_value(const Value& value);
-    // An integer or a string.
-    Value to_value() const;
-
-    // The part that the kind does not use is always at its default.
-    friend std::strong_ordering operator<=>(const ArrayKey&, const ArrayKey&) = default;
-};
-
 struct TPUArray {
-    using Entries = std::map<ArrayKey, Value>;
-
-    Entries entries;
     // Integer subscripts that were made with the array: their elements can be reset
     // but not removed. high < low: there are none.
     long long static_low = 1;
@@ -52,7 +31,54 @@ struct TPUArray {
     ~TPUArray();
 
     bool has_static() const { return static_high >= static_low; }
-    bool is_static_key(const ArrayKey& key) const;
+    bool is_static_key(const ArrayKey& key) const {
+        return key.kind == ArrayKey::Kind::integer && is_static(key.integer);
+    }
+
+    // Elements, a deleted array's included.
+    std::size_t size() const { return elements_.size(); }
+
+    // The element under a subscript; null when the array is deleted or has no such
+    // element. The pointer holds until the next store.
+    const Value* find(const Value& index) const {
+        if (deleted) return nullptr;
+        return index.is(Value::Type::integer) ? elements_.find(index.integer()) : find_text(index);
+    }
+
+    // Stores an element. The unspecified value removes it, or resets it when the
+    // subscript is a static one. A deleted array is left alone. What was there goes,
+    // so the caller must hold the array by other means than an element of its own.
+    void set(const Value& index, Value value) {
+        bool is_plain = !value.is(Value::Type::none) && !value.is(Value::Type::keyword);
+        if (is_plain && index.is(Value::Type::integer) && !deleted) {
+            elements_.set(index.integer(), std::move(value));
+        } else {
+            set_any(index, std::move(value));
+        }
+    }
+
+    // Calls visit(const ArrayKey&, value) for each element in the order of
+    // subscripts. The visitor may put a value of any type but none in the place of a
+    // mutable one, but not store into the array.
+    template <class Visit>
+    void for_each(Visit&& visit) const {
+        elements_.for_each(visit);
+    }
+    template <class Visit>
+    void for_each(Visit&& visit) {
+        elements_.for_each(visit);
+    }
+
+    // See tpu_array_walk.
+    Value walk(std::string_view which);
+
+  private:
+    bool is_static(long long key) const { return static_low <= key && key <= static_high; }
+    const Value* find_text(const Value& index) const;
+    void set_any(const Value& index, Value value);
+    Value walk_to(std::optional<ArrayKey> key);
+
+    ArrayElements elements_;
 };
 
 // The element under a subscript; unspecified when the array is null or deleted or

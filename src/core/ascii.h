@@ -19,6 +19,14 @@ constexpr char to_lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+constexpr bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+constexpr bool is_letter(char c) {
+    return to_lower(c) != to_upper(c);
+}
+
 inline std::string upper(std::string_view text) {
     std::string result(text);
     for (char& c : result) c = to_upper(c);

@@ -52,7 +52,64 @@ std::string rendering(const Marker* marker) {
 
 }  // namespace
 
-const std::string Value::kNoText;
+void Value::hold_text(Type type, std::size_t size, std::size_t capacity) {
+    word_ = {static_cast<std::uint64_t>(type), 0};
+    if (capacity <= kShortest) {
+        word_.head |= size << 16;
+        return;
+    }
+    auto* text = static_cast<LongText*>(::operator new(sizeof(LongText) + capacity));
+    *text = {1, size, capacity};
+    word_.head |= std::uint64_t{kText} << 8;
+    word_.tail = reinterpret_cast<std::uintptr_t>(text);
+}
+
+Value::Value(Type type, std::string_view text) {
+    hold_text(type, text.size(), text.size());
+    std::copy(text.begin(), text.end(), text_bytes());
+}
+
+Value::Value(Type type, std::shared_ptr<void> object)
+    : Value(type, new Object{1, std::move(object)}) {
+    word_.head |= std::uint64_t{kObject} << 8;
+}
+
+void Value::free_payload() {
+    if (counted() == kText) {
+        ::operator delete(long_text());
+    } else {
+        delete object();
+    }
+}
+
+Value Value::make_joined(std::string_view first, std::string_view second) {
+    Value joined(Word{});
+    joined.hold_text(Type::string, first.size() + second.size(), first.size() + second.size());
+    char* end = std::copy(first.begin(), first.end(), joined.text_bytes());
+    std::copy(second.begin(), second.end(), end);
+    return joined;
+}
+
+void Value::append(std::string_view text) {
+    std::size_t size = this->text().size(), longer = size + text.size();
+    bool ours = counted() == kText ? long_text()->count == 1 && longer <= long_text()->capacity
+                                   : longer <= kShortest;
+    if (!ours) {
+        Value grown(Word{});
+        // Room to grow, so that a text built piece by piece is not copied each time.
+        grown.hold_text(type(), longer, longer + longer / 2);
+        std::copy_n(this->text().data(), size, grown.text_bytes());
+        std::copy(text.begin(), text.end(), grown.text_bytes() + size);
+        *this = std::move(grown);
+        return;
+    }
+    std::copy(text.begin(), text.end(), text_bytes() + size);
+    if (counted() == kText) {
+        long_text()->size = longer;
+    } else {
+        word_.head = (word_.head & ~std::uint64_t{0xff0000}) | longer << 16;
+    }
+}
 
 Value Value::make_pattern(TPUPattern pattern) {
     return {Type::pattern, std::make_shared<TPUPattern>(std::move(pattern))};
@@ -82,15 +139,15 @@ Value Value::make_process(std::shared_ptr<TPUProcess> process) {
     return {Type::process, std::move(process)};
 }
 
-long long Value::as_int() const {
-    return type_ == Type::string ? leading_integer(text_) : integer();
+long long Value::number_in_text() const {
+    return leading_integer(text());
 }
 
 std::string Value::as_string() const {
-    switch (type_) {
+    switch (type()) {
         case Type::integer: return std::to_string(integer());
         case Type::string:
-        case Type::keyword: return text_;
+        case Type::keyword: return std::string(text());
         case Type::none: return {};
         case Type::range: return rendering(range().get());
         case Type::marker: return rendering(marker().get());
@@ -100,16 +157,16 @@ std::string Value::as_string() const {
         case Type::array:
         case Type::program:
         case Type::learn:
-        case Type::process: return std::string("<").append(type_name(type_)).append(">");
+        case Type::process: return std::string("<").append(type_name(type())).append(">");
     }
     return {};
 }
 
-bool Value::truthy() const {
-    switch (type_) {
+bool Value::is_there() const {
+    switch (type()) {
         case Type::integer: return integer() != 0;
-        case Type::string: return !text_.empty();
-        case Type::keyword: return spells(text_, "ON") || spells(text_, "TRUE");
+        case Type::string: return !text().empty();
+        case Type::keyword: return spells(text(), "ON") || spells(text(), "TRUE");
         case Type::none: return false;
         case Type::pattern: return pattern() && !pattern()->tokens.empty();
         case Type::range: return range() && range()->valid;
@@ -119,7 +176,7 @@ bool Value::truthy() const {
         case Type::program: return program() && !program()->empty();
         case Type::learn: return learn() && !learn()->empty();
         case Type::array:
-        case Type::process: return shared_ != nullptr;
+        case Type::process: return object()->object != nullptr;
     }
     return false;
 }

@@ -1,14 +1,17 @@
 // The one value type of the language.
 //
-// A Value is a type tag and a payload of that type. Integers and strings are held
-// in place. Patterns, ranges, markers, arrays, programs, learn sequences and
-// processes are shared: copying the Value copies a counted pointer, and both
-// copies then speak of one object. Buffers and windows belong to the editor; a
-// Value only points at them, and whoever deletes one sees to it that no Value
-// still does.
+// A Value is two machine words: a type tag with a short text, and a payload. An
+// integer, or a text of up to 13 bytes, lies in the words themselves; a longer text
+// is a counted block, shared by all copies. Patterns, ranges, markers, arrays,
+// programs, learn sequences and processes are shared: copying the Value counts a
+// reference, and both copies then speak of one object. Buffers and windows belong
+// to the editor; a Value only points at them, and whoever deletes one sees to it
+// that no Value still does.
 #pragma once
 
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,6 +28,14 @@ struct Stmt;
 struct TPUArray;
 struct TPUPattern;
 struct TPUWindow;
+
+// The bits of a Value. They pass through registers, which is what makes evaluating
+// an expression fast; whoever holds a Word owns what it refers to. A head of 0
+// says that the tail is an integer.
+struct Word {
+    std::uint64_t head = 0;
+    std::uint64_t tail = 0;
+};
 
 class Value {
   public:
@@ -46,25 +57,51 @@ class Value {
     using Program = std::vector<Stmt>;
     using Learn = std::vector<std::string>;
 
-    Value() noexcept : scalar_{.integer = 0} {}
-    Value(const Value& other);
-    Value(Value&& other) noexcept { take(other); }
-    // The argument is a value: what `other` lives in may be what this one lets go.
-    Value& operator=(Value other) noexcept {
-        release();
-        take(other);
+    Value() noexcept : word_{kNone, 0} {}
+    Value(const Value& other) noexcept : Value(other.share()) {}
+    Value(Value&& other) noexcept : Value(std::move(other).release()) {}
+    // What `other` lives in may be what this one lets go: that goes last.
+    Value& operator=(const Value& other) noexcept { return *this = Value(other); }
+    Value& operator=(Value&& other) noexcept {
+        Word incoming = std::move(other).release();
+        Value outgoing(std::move(*this).release());
+        word_.head = incoming.head;
+        word_.tail = incoming.tail;
         return *this;
     }
-    ~Value() { release(); }
+    ~Value() {
+        if (counted()) drop();
+    }
 
-    static Value make_int(long long integer) { return {Type::integer, {.integer = integer}}; }
-    static Value make_str(std::string text) { return {Type::string, std::move(text)}; }
-    static Value make_kw(std::string name) { return {Type::keyword, std::move(name)}; }
+    // Takes over what the word refers to, and gives it away.
+    static Value adopt(Word word) noexcept { return Value(word); }
+    Word release() && noexcept {
+        Word word{word_.head, word_.tail};
+        word_.head = kNone;
+        return word;
+    }
+    // A word of its own, for another owner.
+    Word share() const noexcept {
+        retain();
+        return {word_.head, word_.tail};
+    }
+    // The bits, still owned by this value.
+    Word word() const { return {word_.head, word_.tail}; }
+
+    static constexpr Word integer_word(long long integer) {
+        return {0, static_cast<std::uint64_t>(integer)};
+    }
+
+    static Value make_int(long long integer) { return Value(integer_word(integer)); }
+    static Value make_str(std::string_view text) { return {Type::string, text}; }
+    static Value make_kw(std::string_view name) { return {Type::keyword, name}; }
+    // The string that is one text behind the other.
+    static Value make_joined(std::string_view first, std::string_view second);
     static Value make_pattern(TPUPattern pattern);
     static Value make_range(Range range);
     static Value make_marker(Marker marker);
-    static Value make_buffer(Buffer* buffer) { return {Type::buffer, {.buffer = buffer}}; }
-    static Value make_window(TPUWindow* window) { return {Type::window, {.window = window}}; }
+    static Value make_buffer(Buffer* buffer) { return {Type::buffer, buffer}; }
+    static Value make_window(TPUWindow* window) { return {Type::window, window}; }
     // A new array that the walk over all arrays will find.
     static Value make_array();
     // The same with `count` elements, at least 1 and at most 65535, for the integer
@@ -75,14 +112,18 @@ class Value {
     static Value make_learn(std::shared_ptr<Learn> keys);
     static Value make_process(std::shared_ptr<TPUProcess> process);
 
-    Type type() const { return type_; }
-    bool is(Type type) const { return type_ == type; }
+    Type type() const { return static_cast<Type>(word_.head & 0xff); }
+    bool is(Type type) const { return this->type() == type; }
 
-    // The payload; 0, empty or null when the value is of another type.
-    long long integer() const { return type_ == Type::integer ? scalar_.integer : 0; }
-    const std::string& text() const { return held(type_) == Held::text ? text_ : kNoText; }
-    Buffer* buffer() const { return type_ == Type::buffer ? scalar_.buffer : nullptr; }
-    TPUWindow* window() const { return type_ == Type::window ? scalar_.window : nullptr; }
+    // The payload; 0, empty or null when the value is of another type. The text
+    // lives as long as this very value is neither changed nor moved.
+    long long integer() const { return word_.head == 0 ? static_cast<long long>(word_.tail) : 0; }
+    std::string_view text() const {
+        if (counted() == kText) return {long_text()->bytes(), long_text()->size};
+        return {short_text(), is_text(type()) ? short_size() : 0};
+    }
+    Buffer* buffer() const { return plain<Buffer>(Type::buffer); }
+    TPUWindow* window() const { return plain<TPUWindow>(Type::window); }
     std::shared_ptr<TPUPattern> pattern() const { return shared<TPUPattern>(Type::pattern); }
     std::shared_ptr<Range> range() const { return shared<Range>(Type::range); }
     std::shared_ptr<Marker> marker() const { return shared<Marker>(Type::marker); }
@@ -90,63 +131,103 @@ class Value {
     std::shared_ptr<Program> program() const { return shared<Program>(Type::program); }
     std::shared_ptr<Learn> learn() const { return shared<Learn>(Type::learn); }
     std::shared_ptr<TPUProcess> process() const { return shared<TPUProcess>(Type::process); }
+    // The array without a share in it.
+    TPUArray* array_here() const {
+        return is(Type::array) ? static_cast<TPUArray*>(object()->object.get()) : nullptr;
+    }
 
     // An integer as it is, the number that a string begins with, else 0. A number
     // that is out of range counts as none.
-    long long as_int() const;
+    long long as_int() const { return is(Type::string) ? number_in_text() : integer(); }
     // The text of a string or keyword, an integer in decimal, a buffer's name, the
     // text that a range covers; a rendering in angle brackets for most others.
     std::string as_string() const;
     // Any integer but 0, any string but the empty one, the keywords ON and TRUE; of
     // the others whatever is there and not empty. An empty array counts as true.
-    bool truthy() const;
+    bool truthy() const { return word_.head == 0 ? word_.tail != 0 : is_there(); }
+
+    // Lengthens a string. At no cost beyond the new bytes, on average, when no other
+    // value shares the text.
+    void append(std::string_view text);
+    // True when both are one long text that nobody else holds.
+    bool only_shares_with(const Value& other) const {
+        return counted() == kText && word_.tail == other.word_.tail && long_text()->count == 2;
+    }
 
   private:
-    union Scalar {
-        long long integer;
-        Buffer* buffer;
-        TPUWindow* window;
-    };
-    // Which member of the union below a type uses.
-    enum class Held { scalar, text, shared };
+    // What the second byte of the head says of the payload.
+    enum Counted : unsigned { kPlain, kText, kObject };
 
-    static constexpr Held held(Type type) {
-        switch (type) {
-            case Type::integer:
-            case Type::none:
-            case Type::buffer:
-            case Type::window: return Held::scalar;
-            case Type::string:
-            case Type::keyword: return Held::text;
-            default: return Held::shared;
-        }
+    struct LongText {
+        std::size_t count;
+        std::size_t size;
+        std::size_t capacity;
+
+        char* bytes() { return reinterpret_cast<char*>(this + 1); }
+    };
+    struct Object {
+        std::size_t count;
+        std::shared_ptr<void> object;
+    };
+
+    static constexpr std::uint64_t kNone = static_cast<std::uint64_t>(Type::none);
+    static constexpr std::size_t kShortest = 13;  // bytes of text that fit into the words
+    static constexpr std::size_t kTextOffset = sizeof(Word) - kShortest;
+    // The head's low bytes must be the first ones in memory: text fills the rest.
+    static_assert(std::endian::native == std::endian::little);
+
+    static constexpr bool is_text(Type type) {
+        return type == Type::string || type == Type::keyword;
     }
 
-    Value(Type type, Scalar scalar) noexcept : type_(type), scalar_(scalar) {}
-    Value(Type type, std::string text) noexcept : type_(type), text_(std::move(text)) {}
-    Value(Type type, std::shared_ptr<void> object) noexcept
-        : type_(type), shared_(std::move(object)) {}
+    // The words are copied one by one, here and above: a processor stalls when it loads
+    // in one piece what was just stored in two.
+    explicit Value(Word word) noexcept {
+        word_.head = word.head;
+        word_.tail = word.tail;
+    }
+    Value(Type type, std::string_view text);
+    Value(Type type, void* object) noexcept
+        : word_{static_cast<std::uint64_t>(type), reinterpret_cast<std::uintptr_t>(object)} {}
+    Value(Type type, std::shared_ptr<void> object);
+
+    Counted counted() const { return static_cast<Counted>(word_.head >> 8 & 0xff); }
+    std::size_t short_size() const { return word_.head >> 16 & 0xff; }
+    char* short_text() { return reinterpret_cast<char*>(&word_) + kTextOffset; }
+    const char* short_text() const { return reinterpret_cast<const char*>(&word_) + kTextOffset; }
+    void* pointer() const {
+        return reinterpret_cast<void*>(static_cast<std::uintptr_t>(word_.tail));
+    }
+    LongText* long_text() const { return static_cast<LongText*>(pointer()); }
+    Object* object() const { return static_cast<Object*>(pointer()); }
+    // Both counted payloads begin with their count.
+    std::size_t& count() const { return *static_cast<std::size_t*>(pointer()); }
+
+    void retain() const {
+        if (counted()) ++count();
+    }
+    void drop() {
+        if (--count() == 0) free_payload();
+    }
+    void free_payload();
+    void hold_text(Type type, std::size_t size, std::size_t capacity);
+    char* text_bytes() { return counted() == kText ? long_text()->bytes() : short_text(); }
+    long long number_in_text() const;
+    bool is_there() const;
 
     template <class T>
-    std::shared_ptr<T> shared(Type type) const {
-        return type_ == type ? std::static_pointer_cast<T>(shared_) : nullptr;
+    T* plain(Type type) const {
+        return is(type) ? static_cast<T*>(pointer()) : nullptr;
     }
-    // Begin to hold what `other` holds, moved out of it; end holding anything. Each is
-    // right only in its turn: take after construction or release.
-    void take(Value& other) noexcept;
-    void release() noexcept;
+    template <class T>
+    std::shared_ptr<T> shared(Type type) const {
+        return is(type) ? std::static_pointer_cast<T>(object()->object) : nullptr;
+    }
 
-    static const std::string kNoText;
-
-    Type type_ = Type::none;
-    union {
-        Scalar scalar_;
-        std::string text_;
-        std::shared_ptr<void> shared_;
-    };
+    Word word_;
 };
 
-static_assert(sizeof(Value) <= 40);
+static_assert(sizeof(Value) == 16);
 
 // What an absent element, an empty walk or a failed lookup gives: the keyword UNSPECIFIED.
 Value tpu_unspecified();
@@ -156,32 +237,5 @@ bool tpu_value_is_unspecified(const Value& value);
 
 // The name of a type in lower case: "integer", "string", "keyword", "none", ...
 std::string_view type_name(Value::Type type);
-
-// Inline, since evaluating an expression does little else than copy and drop values.
-
-inline Value::Value(const Value& other) : type_(other.type_) {
-    switch (held(type_)) {
-        case Held::scalar: std::construct_at(&scalar_, other.scalar_); break;
-        case Held::text: std::construct_at(&text_, other.text_); break;
-        case Held::shared: std::construct_at(&shared_, other.shared_); break;
-    }
-}
-
-inline void Value::take(Value& other) noexcept {
-    type_ = other.type_;
-    switch (held(type_)) {
-        case Held::scalar: std::construct_at(&scalar_, other.scalar_); break;
-        case Held::text: std::construct_at(&text_, std::move(other.text_)); break;
-        case Held::shared: std::construct_at(&shared_, std::move(other.shared_)); break;
-    }
-}
-
-inline void Value::release() noexcept {
-    switch (held(type_)) {
-        case Held::scalar: break;
-        case Held::text: std::destroy_at(&text_); break;
-        case Held::shared: std::destroy_at(&shared_); break;
-    }
-}
 
 }  // namespace tpu

@@ -67,7 +67,7 @@ TEST(ArrayKey, all_but_integers_are_text_and_no_text_is_a_question_mark) {
     tpu_array_set(array, integer(1), integer(4));
     tpu_array_set(array, Value::make_marker({&main, 0, 0}), integer(5));
     tpu_array_set(array, text(""), integer(6));
-    EXPECT_EQ(array->entries.size(), 6u);
+    EXPECT_EQ(array->size(), 6u);
     EXPECT_EQ(tpu_array_get(array, text("?")).as_int(), 6);
     EXPECT_EQ(tpu_array_get(array, text("abc")).as_int(), 1);
     EXPECT_EQ(tpu_array_get(array, text("1")).as_int(), 3);
@@ -140,7 +140,7 @@ TEST(Array, deleted_or_absent_array_reads_as_empty) {
         EXPECT_EQ(tpu_array_get(gone, integer(1)).as_string(), "UNSPECIFIED");
         EXPECT_EQ(walk(gone, {"FIRST", "SIZE"}), "UNSPECIFIED UNSPECIFIED");
     }
-    EXPECT_EQ(array->entries.size(), 1u);
+    EXPECT_EQ(array->size(), 1u);
 }
 
 TEST(Array, long_chain_of_arrays_is_let_go) {

@@ -121,8 +121,9 @@ TEST(Value, copies_share_and_assignment_lets_go) {
 TEST(Value, takes_the_place_of_what_it_stood_in) {
     Value value = Value::make_array();
     tpu_array_set(value.array(), Value::make_int(1), Value::make_str(kLong));
-    Value& element = value.array()->entries.begin()->second;
-    value = std::move(element);
+    Value* element = nullptr;
+    value.array()->for_each([&](const ArrayKey&, Value& only) { element = &only; });
+    value = std::move(*element);
     EXPECT_EQ(value.as_string(), kLong);
     value = *&value;
     EXPECT_EQ(value.as_string(), kLong);
