@@ -1,12 +1,17 @@
 #include <langinfo.h>
+#include <sys/resource.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "app/redirect.h"
 #include "app/startup.h"
+#include "app/test_mode.h"
 #include "app/version.h"
+#include "core/fresh_stack.h"
 #include "editor/curses/terminal.h"
 
 namespace {
@@ -18,6 +23,21 @@ tpu::Charset charset_of_locale() {
     return utf8 ? tpu::Charset::utf8 : tpu::Charset::bytes;
 }
 
+// Lets the interpreter use most of the stack that this program has.
+void use_roomy_stack() {
+    constexpr rlim_t kMost = rlim_t{6} << 20;
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_STACK, &limit) != 0) return;
+    tpu::fresh_stack::set_first_share(std::min(limit.rlim_cur / 4 * 3, kMost));
+}
+
+tpu::StartFiles start_files() {
+    tpu::StartFiles files;
+    if (const char* source = std::getenv("TPU_STARTUP")) files.source = source;
+    if (const char* home = std::getenv("HOME")) files.home = home;
+    return files;
+}
+
 // The exit status of a run that only printed.
 int flushed() {
     return std::fflush(stdout) == 0 ? 0 : 1;
@@ -27,9 +47,12 @@ int flushed() {
 
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+    use_roomy_stack();
     if (arguments.size() >= 2 && arguments[0] == "--test") {
-        std::fprintf(stderr, "tpu --test: this version cannot run scripts yet\n");
-        return 2;
+        tpu::Charset charset = charset_of_locale();
+        tpu::CursesTerminal terminal;
+        tpu::SteadyClock clock;
+        return tpu::run_test_script(arguments[1], {terminal, clock}, charset);
     }
     tpu::Options options = tpu::Options::parse(arguments);
     if (options.mode == tpu::Options::Mode::version) {
@@ -44,5 +67,5 @@ int main(int argc, char** argv) {
     tpu::Charset charset = charset_of_locale();
     tpu::CursesTerminal terminal;
     tpu::SteadyClock clock;
-    return tpu::run_session(options, {terminal, clock}, charset);
+    return tpu::run_session(options, start_files(), {terminal, clock}, charset);
 }

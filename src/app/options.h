@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,12 @@ struct Options {
 
     // Reads the arguments after the program's name. Unknown options are ignored.
     static Options parse(const std::vector<std::string>& arguments);
+};
+
+// What the environment says about start-up files.
+struct StartFiles {
+    std::string source;               // TPU_STARTUP; empty: unset
+    std::optional<std::string> home;  // HOME, where .tpurc is looked for
 };
 
 // What --help prints.

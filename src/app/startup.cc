@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "app/source_file.h"
 #include "editor/editor.h"
 #include "editor/glyphs.h"
 
@@ -34,6 +35,23 @@ void go_to_line(Buffer& buffer, std::uint64_t line) {
     buffer.cursor_row = std::min(line, buffer.lines.size()) - 1;
 }
 
+// Compiles and runs a file. False: there is none, or it cannot be read.
+bool load_source(TPUEditor& editor, const std::string& path) {
+    if (path.empty()) return false;
+    std::optional<std::string> source = read_source(path);
+    if (!source) return false;
+    editor.parser.compile_text(*source);
+    editor.set_message("Loaded " + path);
+    return true;
+}
+
+void run_start_files(TPUEditor& editor, const Options& options, const StartFiles& files) {
+    if (!load_source(editor, files.source) && files.home) {
+        load_source(editor, *files.home + "/.tpurc");
+    }
+    load_source(editor, options.command_file);
+}
+
 // Writes a line to standard error, off the editor's screen in case that is where it goes.
 void complain(Terminal& terminal, const std::string& line) {
     terminal.leave();
@@ -43,7 +61,7 @@ void complain(Terminal& terminal, const std::string& line) {
 
 }  // namespace
 
-int run_session(const Options& options, Ports ports, Charset charset) {
+int run_session(const Options& options, const StartFiles& files, Ports ports, Charset charset) {
     TPUEditor editor(ports);
     editor.charset = charset;
     Buffer* main = editor.create_buffer("MAIN", "");
@@ -55,7 +73,10 @@ int run_session(const Options& options, Ports ports, Charset charset) {
         std::string line = "tpu: /SECTION=" + options.section_file + " failed to load";
         complain(ports.terminal, printable(line, charset));
     }
+    run_start_files(editor, options, files);
     editor.set_message(kGreeting);
+    // Faults in start-up files are not to go by unseen.
+    if (!editor.parser.error_list.empty()) editor.set_message(editor.parser.error_list.front());
     if (!trouble.empty()) editor.set_message(trouble);
     editor.run();
     return editor.exit_status;

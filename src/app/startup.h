@@ -8,6 +8,6 @@
 namespace tpu {
 
 // Runs the editor on this terminal until the user leaves it; its exit status.
-int run_session(const Options& options, Ports ports, Charset charset);
+int run_session(const Options& options, const StartFiles& files, Ports ports, Charset charset);
 
 }  // namespace tpu

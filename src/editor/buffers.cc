@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "editor/editor.h"
+#include "editor/undo_step.h"
 
 namespace tpu {
 
@@ -25,7 +26,9 @@ bool TPUEditor::owns(const Buffer* buffer) const {
 }
 
 void TPUEditor::position(Buffer* buffer) {
-    if (buffer) current_buffer = buffer;
+    if (!buffer) return;
+    current_buffer = buffer;
+    if (undo_step) undo_step->watch_current_buffer();
 }
 
 namespace {

@@ -83,10 +83,10 @@ const KeyMapList* key_map_list(const TPUEditor& editor) {
 // The text of a key is a statement, or else a command line.
 void run_key_text(TPUEditor& editor, const std::string& text) {
     if (editor.learning && editor.learn_keys) editor.learn_keys->push_back(text);
-    if (!MiniTPUParser::knows(text) && TPUEditor::is_command(text)) {
+    if (!editor.parser.knows(text) && TPUEditor::is_command(text)) {
         editor.execute_command(text);
     } else {
-        editor.parser.execute_statement(text);
+        editor.parser.execute_text(text);
     }
 }
 

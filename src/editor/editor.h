@@ -72,6 +72,11 @@ class TPUEditor {
     bool in_set_message = false;
     std::uint64_t message_buffer_limit = 1000;  // lines; 0: no limit
     UndoStep* undo_step = nullptr;              // the outermost one under way
+    bool search_succeeded = false;              // the last SEARCH
+    bool match_succeeded = false;               // the last MATCH
+    std::vector<std::string> test_report;       // lines of ASSERT and TEST
+    int assertions_passed = 0;
+    int assertions_failed = 0;
 
     // buffers.cc
     Buffer* create_buffer(const std::string& name, const std::string& file);
@@ -89,6 +94,7 @@ class TPUEditor {
     void split_window_horizontal();
     void split_window_vertical();
     void next_window();
+    void enter_window(TPUWindow* window);  // makes it current, and its buffer
     void delete_window(TPUWindow* window);
     void save_window_cursor(TPUWindow* window);
     void restore_window_cursor(TPUWindow* window);
@@ -110,13 +116,17 @@ class TPUEditor {
     bool key_waiting();         // read_key would give a key at once
     int read_key(int wait_ms);  // of the terminal, but for keys put back
     void unread_key(int key) { unread_keys_.push_front(key); }
+    void sleep(std::chrono::milliseconds time);  // or until Ctrl-C
 
     // dispatch.cc
     void handle_key(int key);
     void insert_paste(const std::string& text);
 
     // prompts.cc
-    std::string read_command_line(const std::string& prompt);
+    // A line as typed, without it ever being shown when it is not echoed. Empty at once
+    // when headless.
+    std::string read_command_line(const std::string& prompt, bool echo = true);
+    int read_one_key(const std::string& prompt);  // kNoKey at once when headless
     void command_mode();
     void prompt_find();
 
@@ -125,6 +135,9 @@ class TPUEditor {
     KeyMapList* create_key_map_list(const std::string& name, KeyMap* first);
     static int key_name_to_code(std::string_view name);  // kNoKey: no such key
     void define_default_keys();
+
+    // proc/spawn.cc
+    void def_endwin_then_run(const std::string& command);
 
     // store/files.cc
     void save_current();

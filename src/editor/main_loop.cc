@@ -60,6 +60,16 @@ void TPUEditor::run() {
     }
 }
 
+void TPUEditor::sleep(std::chrono::milliseconds time) {
+    constexpr std::chrono::milliseconds kBetweenLooks(50);
+    Clock::time_point end = ports.clock.now() + time;
+    for (Clock::time_point now; (now = ports.clock.now()) < end;) {
+        if (ports.terminal.interrupt_waiting()) return parser.interrupt();
+        auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - now);
+        ports.clock.sleep(std::min(rest, kBetweenLooks));
+    }
+}
+
 bool TPUEditor::key_waiting() {
     return !unread_keys_.empty() || ports.terminal.key_waiting();
 }

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "editor/frame.h"
 #include "keys/key_code.h"
@@ -39,6 +40,9 @@ class Terminal {
     virtual int read_key(int wait_ms) = 0;
     // True when read_key would give a key without waiting.
     virtual bool key_waiting() = 0;
+    // True when Ctrl-C was pressed since the last key was read. The keys up to it, and
+    // it itself, are dropped then.
+    virtual bool interrupt_waiting() = 0;
     virtual std::string take_paste() = 0;
     virtual std::optional<MouseEvent> mouse() = 0;
 
@@ -54,11 +58,13 @@ class Clock {
 
     virtual ~Clock() = default;
     virtual time_point now() = 0;
+    virtual void sleep(std::chrono::milliseconds time) = 0;
 };
 
 class SteadyClock : public Clock {
   public:
     time_point now() override { return std::chrono::steady_clock::now(); }
+    void sleep(std::chrono::milliseconds time) override { std::this_thread::sleep_for(time); }
 };
 
 struct Ports {

@@ -17,12 +17,28 @@ void present_prompt(TPUEditor& editor, const std::string& line) {
 
 }  // namespace
 
-std::string TPUEditor::read_command_line(const std::string& prompt) {
+int TPUEditor::read_one_key(const std::string& prompt) {
+    if (headless) return kNoKey;
+    for (;;) {
+        present_prompt(*this, prompt);
+        int key = read_key(-1);
+        if (key == kKeyHangup) running = false;
+        if (key == kKeyResize) {
+            resize_screen();
+        } else if (key == kKeyPaste) {
+            ports.terminal.take_paste();
+        } else if (key != kKeyMouse && key != kNoKey) {
+            return key;
+        }
+    }
+}
+
+std::string TPUEditor::read_command_line(const std::string& prompt, bool echo) {
     if (headless) return {};
     LineInput input(charset);
     int key = kNoKey;
     do {
-        if (!key_waiting()) present_prompt(*this, prompt + input.text());
+        if (!key_waiting()) present_prompt(*this, echo ? prompt + input.text() : prompt);
         key = read_key(-1);
         if (key == kKeyResize) resize_screen();
         if (key == kKeyPaste) input.paste(ports.terminal.take_paste());

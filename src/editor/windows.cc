@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "editor/editor.h"
+#include "editor/undo_step.h"
 
 namespace tpu {
 
@@ -60,12 +61,17 @@ void TPUEditor::split_window_vertical() {
 void TPUEditor::next_window() {
     auto current = find_window(windows, current_window);
     if (windows.size() < 2 || current == windows.end()) return;
-    save_window_cursor(current_window);
     if (++current == windows.end()) current = windows.begin();
-    current_window = current->get();
-    if (!current_window->buffer) return;
-    current_buffer = current_window->buffer;
-    restore_window_cursor(current_window);
+    enter_window(current->get());
+}
+
+void TPUEditor::enter_window(TPUWindow* window) {
+    save_window_cursor(current_window);
+    current_window = window;
+    if (!window->buffer) return;
+    current_buffer = window->buffer;
+    if (undo_step) undo_step->watch_current_buffer();
+    restore_window_cursor(window);
 }
 
 void TPUEditor::delete_window(TPUWindow* window) {

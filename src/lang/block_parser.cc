@@ -10,7 +10,7 @@ namespace tpu {
 namespace {
 
 bool is_letter_or_digit(char c) {
-    return (c >= '0' && c <= '9') || ascii::to_lower(c) != ascii::to_upper(c);
+    return ascii::is_digit(c) || ascii::is_letter(c);
 }
 
 // A statement as the parser looks at it: matched in upper case, kept as written.

@@ -1,39 +1,72 @@
 // The interpreter of an editor session.
+//
+// Statements are kept as text and run as code: compile.h makes code of a text when it
+// first runs. The members stand here under the files that hold them.
 #pragma once
 
+#include <chrono>
+#include <map>
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "core/value.h"
+#include "lang/code_cache.h"
 #include "lang/stmt.h"
+#include "lang/symbols.h"
+#include "pattern/pattern.h"
 
 namespace tpu {
 
+class Node;
 class TPUEditor;
+struct Builtin;
+struct CallSite;
+
+// What a statement says to those around it.
+enum class Signal : int { none, returning, aborting, breaking, leaving_loop, failing };
+
+// A message about source text, with the line that it is about; 0: unknown.
+struct Diagnostic {
+    int line;
+    std::string text;
+};
 
 class MiniTPUParser {
   public:
+    // Calls may be nested so deeply; one that is nested deeper fails.
+    static constexpr int kDeepestCall = 100'000;
+
     explicit MiniTPUParser(TPUEditor& owner) : editor(owner) {}
     MiniTPUParser(const MiniTPUParser&) = delete;
     MiniTPUParser& operator=(const MiniTPUParser&) = delete;
 
     TPUEditor& editor;
+    std::map<std::string, std::unique_ptr<Procedure>> procedures;  // by upper-case name
+    SymbolTable symbols;  // variables at all depths, and which names are constant
+    Signal control_signal = Signal::none;
     std::string error_code;
     std::string error_text;
     int error_line = 0;
     int error_count = 0;   // unknown commands and errors in source texts
     int current_line = 0;  // source line of the running statement; 0: none
     int statement_depth = 0;
-    std::vector<std::string> error_list;  // what error_count counted, in order
+    std::vector<std::string> error_list;              // what error_count counted, in order
+    std::vector<Diagnostic> diagnostics;              // the same, for those who look them up
+    const std::vector<int>* current_lines = nullptr;  // of the source being compiled
 
-    // Runs one statement. An unknown one is reported as a message. True when the
-    // statement was executed, which includes having been reported.
-    bool execute_statement(const std::string& text);
+    // State of the code that runs; nodes and built-ins read and set it.
+    bool stopped = false;               // see Node::may_stop
+    std::size_t stopped_at = 0;         // byte of the expression where reading stopped
+    const Node* returned = nullptr;     // what the RETURN that set the signal returns
+    bool interrupted = false;           // everything is to end, the outermost statement too
+    int block_depth = 0;                // blocks and statements under way
+    const char* stack_limit = nullptr;  // where the running stack is nearly used up
+    CodeCache code_cache;
 
-    // True when the leading word of `text` names something execute_statement runs.
-    static bool knows(std::string_view text);
-
-    // Reading source text: doors to lang/source.h and lang/block_parser.h.
+    // source.cc, block_parser.cc: reading source text
     static std::string trim(const std::string& text);
     static std::string upper(const std::string& text);
     static std::string strip_quotes(const std::string& text);
@@ -46,10 +79,89 @@ class MiniTPUParser {
     static std::vector<Stmt> parse_block(const std::vector<std::string>& statements,
                                          const std::vector<int>& lines, std::size_t& index,
                                          const std::vector<std::string_view>& terminators);
+    static std::vector<std::string> split_pattern_terms(const std::string& text);
+    static TPUPattern parse_pattern_expression(const std::string& text);
 
+    // expressions.cc: the value of a text; a position is left behind what was read
+    Value eval_expression(const std::string& text);
+    Value eval_or(const std::string& text, std::size_t& position);
+    Value eval_and(const std::string& text, std::size_t& position);
+    Value eval_compare(const std::string& text, std::size_t& position);
+    Value eval_add(const std::string& text, std::size_t& position);
+    Value eval_mul(const std::string& text, std::size_t& position);
+    Value eval_unary(const std::string& text, std::size_t& position);
+    Value eval_primary(const std::string& text, std::size_t& position);
+    static void skip_ws(const std::string& text, std::size_t& position);
+    static bool match_word(const std::string& text, std::size_t& position, const std::string& word);
+    std::vector<Value> parse_args(const std::string& text, std::size_t& position);
+    // Calls a function; its name is in upper case.
+    Value eval_function(const std::string& name, const std::vector<Value>& arguments);
+    Value eval_root(const Node& node);  // of a whole expression
+
+    // execute.cc
+    void execute_block(const std::vector<Stmt>& statements);
+    void execute_stmt(const Stmt& stmt);
+    // Ends all running code like ABORT, but for good: no handler catches it.
+    void interrupt();
+    // Does that when the user has pressed Ctrl-C. Cheap enough for every pass of a loop.
+    void look_for_interrupt() {
+        constexpr unsigned kStepsBetweenLooks = 256;
+        if (++steps_ % kStepsBetweenLooks == 0 && interrupt_wanted()) interrupt();
+    }
+    bool interrupt_wanted();
+
+    // statement.cc
+    // Runs one statement. An unknown one is reported as a message. True when the
+    // statement was executed, which includes having been reported.
+    bool execute_statement(const std::string& text);
+    // Runs what a text says: several statements, blocks and procedures, or just one.
+    void execute_text(const std::string& text);
+    // True when the leading word of `text` names something execute_statement runs.
+    bool knows(std::string_view text) const;
+    void run_statement(const StmtCode& code, const std::string& text);
+    void run_assignment(const StmtCode& code);
+    void run_builtin(const Builtin& builtin, const CallSite& site);
+
+    // procedures.cc
+    // Defines the procedures of a source text and runs its other statements.
+    void compile_text(const std::string& text);
+    // Parses a source text: its procedures are defined, its other statements returned.
+    std::vector<Stmt> compile_program(const std::string& text);
+    int line_at(std::size_t index) const;  // of the statement of the source being compiled
+    // False: there is no such procedure.
+    bool execute_procedure(const std::string& name);
+    bool execute_procedure_with_args(const std::string& name, const std::vector<Value>& args);
+    // Calls a procedure with as many arguments as `arguments` has. The value of its
+    // RETURN, if the value is wanted and there is one, else the value of no type.
+    Value call(const Procedure& procedure, std::span<Value> arguments, bool value_wanted);
+
+    // variables.cc
+    Value* lookup_var(const std::string& name);  // null: there is no such variable
+    void assign_var(const std::string& name, const Value& value);
+    void assign(Symbol& symbol, Value value) {
+        if (symbol.constant) return assign_constant(symbol, std::move(value));
+        symbols.assign(symbol, std::move(value));
+    }
+    void assign_constant(Symbol& symbol, Value value);
+    void assign_element(Symbol& symbol, const Value& index, Value value);
     // Records a failure: a status name ("TPU$_FAILURE" when empty) and a text
     // (the status name when empty).
     void record_error(const std::string& code, const std::string& text);
+
+    // Leaves the interpreter ready for the next statement when the outermost one ends.
+    void settle();
+
+  private:
+    friend class SourceWalk;
+
+    void define(Procedure procedure);
+    Value call_here(const Procedure& procedure, std::span<Value> arguments, bool value_wanted);
+    void run_plain(const StmtCode& code, const std::string& text);
+    void report_unknown(const std::string& text);
+
+    std::vector<std::unique_ptr<Procedure>> retired_;  // redefined while they may have run
+    unsigned steps_ = 0;
+    std::chrono::steady_clock::time_point last_look_;  // at the keyboard
 };
 
 }  // namespace tpu

@@ -3,6 +3,7 @@
 #include "lang/block_parser.h"
 #include "lang/parser.h"
 #include "lang/source.h"
+#include "pattern/pattern_text.h"
 
 namespace tpu {
 
@@ -43,6 +44,14 @@ std::vector<Stmt> MiniTPUParser::parse_block(const std::vector<std::string>& sta
                                              const std::vector<int>& lines, std::size_t& index,
                                              const std::vector<std::string_view>& terminators) {
     return tpu::parse_block(statements, lines, index, terminators);
+}
+
+std::vector<std::string> MiniTPUParser::split_pattern_terms(const std::string& text) {
+    return tpu::split_pattern_terms(text);
+}
+
+TPUPattern MiniTPUParser::parse_pattern_expression(const std::string& text) {
+    return tpu::parse_pattern_expression(text);
 }
 
 }  // namespace tpu

@@ -10,18 +10,13 @@ constexpr std::size_t kNone = std::string_view::npos;
 
 }  // namespace
 
-std::string strip_quotes(std::string_view text) {
-    text = ascii::trim(text);
-    if (text.size() >= 2 && text.front() == '"' && text.back() == '"') {
-        text = text.substr(1, text.size() - 2);
-    }
-    return std::string(text);
-}
-
-std::string first_call_argument(std::string_view text) {
-    std::size_t open = text.find('('), close = text.rfind(')');
-    if (open == kNone || close == kNone || close < open) return {};
-    return std::string(ascii::trim(text.substr(open + 1, close - open - 1)));
+std::string_view leading_word(std::string_view text) {
+    std::size_t size = 0;
+    auto in_word = [](char c) {
+        return ascii::is_letter(c) || ascii::is_digit(c) || c == '_' || c == '$';
+    };
+    while (size < text.size() && in_word(text[size])) ++size;
+    return text.substr(0, size);
 }
 
 std::string strip_comments(std::string_view text) {

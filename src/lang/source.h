@@ -7,14 +7,15 @@
 #include <string_view>
 #include <vector>
 
+#include "core/call_text.h"
+
 namespace tpu::source {
 
-// Without blanks at both ends and then, if it stands in double quotes, without
-// those. Doubled quotes inside stay as they are.
-std::string strip_quotes(std::string_view text);
+using tpu::first_call_argument;
+using tpu::strip_quotes;
 
-// The trimmed text between the first "(" and the last ")"; empty without such a pair.
-std::string first_call_argument(std::string_view text);
+// The leading run of letters, digits, "_" and "$".
+std::string_view leading_word(std::string_view text);
 
 // Drops "!" and what follows it on its line, outside double quotes.
 std::string strip_comments(std::string_view text);

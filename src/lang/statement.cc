@@ -1,60 +1,119 @@
-// Running one statement.
+// Running one plain statement: an assignment, a declaration, a call.
 #include "core/ascii.h"
 #include "editor/editor.h"
 #include "editor/undo_step.h"
-#include "lang/builtins/table.h"
+#include "lang/builtin.h"
+#include "lang/compile.h"
+#include "lang/nesting.h"
 #include "lang/parser.h"
+#include "lang/source.h"
 
 namespace tpu {
 
 namespace {
 
-// The leading run of letters, digits, "_" and "$".
-std::string_view leading_word(std::string_view text) {
-    std::size_t size = 0;
-    auto in_word = [](char c) {
-        return (c >= '0' && c <= '9') || ascii::to_upper(c) != c || ascii::to_lower(c) != c ||
-               c == '_' || c == '$';
-    };
-    while (size < text.size() && in_word(text[size])) ++size;
-    return text.substr(0, size);
+void declare(MiniTPUParser& run, Declares kind, const Declared& declared) {
+    Symbol& symbol = *declared.symbol;
+    SymbolTable& symbols = run.symbols;
+    bool global = kind == Declares::variable || symbols.depth() == 0;
+    if (kind == Declares::variable && symbols.global(symbol)) return;
+    std::optional<Value> value;
+    if (declared.value) value = run.eval_root(*declared.value);
+    if (kind == Declares::constant) {
+        if (value) run.assign(symbol, *std::move(value));
+        symbol.constant = true;
+    } else if (kind == Declares::variable) {
+        symbols.declare_global(symbol, value ? *std::move(value) : tpu_unspecified());
+    } else if (global) {
+        if (value) return run.assign(symbol, *std::move(value));
+        symbols.declare_global(symbol, tpu_unspecified());
+    } else if (value || !symbols.is_bound_here(symbol)) {
+        symbols.bind(symbol, value ? *std::move(value) : tpu_unspecified());
+    }
 }
 
-// The built-in that a statement calls: its name alone, since no row takes arguments.
-const Builtin* called_builtin(std::string_view statement) {
-    std::string_view word = leading_word(statement);
-    if (!ascii::trim(statement.substr(word.size())).empty()) return nullptr;
-    return find_builtin(ascii::upper(word));
+bool is_control_word(std::string_view word) {
+    for (std::string_view opener : {"IF", "LOOP", "ON_ERROR", "PROCEDURE", "RETURN", "EXITIF"}) {
+        if (word == opener) return true;
+    }
+    return false;
 }
 
 }  // namespace
 
-bool MiniTPUParser::knows(std::string_view text) {
-    return called_builtin(ascii::trim(text)) != nullptr;
+bool MiniTPUParser::knows(std::string_view text) const {
+    text = ascii::trim(text);
+    if (source::find_assignment(text) != std::string_view::npos) return true;
+    std::string word = ascii::upper(source::leading_word(text));
+    return find_builtin(word) || is_control_word(word) || procedures.contains(word) ||
+           procedures.contains(ascii::upper(text));
 }
 
 bool MiniTPUParser::execute_statement(const std::string& text) {
     std::string statement(ascii::trim(text));
     if (statement.empty()) return true;
-    UndoStep step(editor);
-    ++statement_depth;
-    if (const Builtin* builtin = called_builtin(statement)) {
-        if (editor.current_buffer) builtin->statement(editor);
-    } else {
-        std::string message = "Unknown command: " + statement;
-        if (current_line > 0) message += "  (line " + std::to_string(current_line) + ")";
-        editor.set_message(message);
-        ++error_count;
-        error_list.push_back(message);
-    }
-    --statement_depth;
+    auto code =
+        code_cache.statements.get(statement, [&] { return compile_plain(statement, symbols); });
+    run_statement(*code, statement);
     return true;
 }
 
-void MiniTPUParser::record_error(const std::string& code, const std::string& text) {
-    error_code = code.empty() ? "TPU$_FAILURE" : code;
-    error_text = text.empty() ? error_code : text;
-    if (current_line >= 1) error_line = current_line;
+void MiniTPUParser::execute_text(const std::string& text) {
+    std::vector<std::string> statements = split_statements(text);
+    bool plain = statements.size() == 1 &&
+                 !is_control_word(ascii::upper(source::leading_word(statements.front())));
+    if (plain) {
+        execute_statement(statements.front());
+    } else {
+        compile_text(text);
+    }
+}
+
+void MiniTPUParser::run_statement(const StmtCode& code, const std::string& text) {
+    Nesting nesting(*this);
+    ++statement_depth;
+    if (nesting.is_outermost()) {
+        UndoStep step(editor);
+        run_plain(code, text);
+    } else {
+        run_plain(code, text);
+    }
+    --statement_depth;
+}
+
+void MiniTPUParser::run_plain(const StmtCode& code, const std::string& text) {
+    if (code.target.symbol) return run_assignment(code);
+    if (!code.declared.empty()) {
+        for (const Declared& one : code.declared) declare(*this, code.builtin->declares, one);
+    } else if (code.builtin) {
+        run_builtin(*code.builtin, code.site);
+    } else if (code.procedure && code.procedure->procedure) {
+        Args args(*this, code.site);
+        call(*code.procedure->procedure, args.values(), false);
+    } else {
+        report_unknown(text);
+    }
+}
+
+void MiniTPUParser::run_builtin(const Builtin& builtin, const CallSite& site) {
+    if (!editor.current_buffer && !builtin.without_buffer) return;
+    Args args(*this, site);
+    Call call{editor, *this, builtin.name, args};
+    if (builtin.statement) {
+        builtin.statement(call);
+    } else if (builtin.function) {
+        args.values();
+        builtin.function(call);
+    }
+}
+
+void MiniTPUParser::report_unknown(const std::string& text) {
+    std::string message = "Unknown command: " + text;
+    diagnostics.push_back({current_line, message});
+    if (current_line > 0) message += "  (line " + std::to_string(current_line) + ")";
+    editor.set_message(message);
+    ++error_count;
+    error_list.push_back(message);
 }
 
 }  // namespace tpu

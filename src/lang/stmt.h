@@ -1,10 +1,14 @@
 // The parsed form of source text: statements and procedures.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace tpu {
+
+struct StmtCode;
+struct Symbol;
 
 struct Stmt {
     enum Kind : int { kPlain, kAssignment, kIf, kLoop, kExitIf, kReturn, kAbort, kBreak, kOnError };
@@ -15,6 +19,17 @@ struct Stmt {
     int line = 0;            // source line, counting from 1; 0: unknown
     std::vector<Stmt> body;
     std::vector<Stmt> else_body;
+    // What the texts say, from the first run on. Code belongs to the interpreter
+    // that ran it.
+    mutable std::shared_ptr<const StmtCode> code;
+};
+
+struct Procedure {
+    std::string name;                     // as in the header
+    std::vector<std::string> parameters;  // as in the header
+    std::vector<Stmt> body;
+    std::string source;            // from PROCEDURE to ENDPROCEDURE, one statement a line
+    std::vector<Symbol*> symbols;  // of the parameters
 };
 
 }  // namespace tpu

@@ -1,6 +1,7 @@
 // An editor session without a terminal: keys go in, frames come out.
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <string>
@@ -22,6 +23,12 @@ class FakeTerminal : public Terminal {
     }
     int read_key(int wait_ms) override;
     bool key_waiting() override { return !keys.empty(); }
+    bool interrupt_waiting() override {
+        auto pressed = std::find(keys.begin(), keys.end(), control('C'));
+        if (pressed == keys.end()) return false;
+        keys.erase(keys.begin(), pressed + 1);
+        return true;
+    }
     std::string take_paste() override { return std::exchange(pasted, {}); }
     std::optional<MouseEvent> mouse() override { return clicked; }
     void beep() override {}
@@ -40,7 +47,9 @@ class FakeTerminal : public Terminal {
 
 class FakeClock : public Clock {
   public:
-    time_point now() override { return time; }
+    time_point now() override { return time += step; }
+    void sleep(std::chrono::milliseconds for_time) override { time += for_time; }
+    std::chrono::milliseconds step{0};  // that passes from look to look
     time_point time;
 };
 

@@ -57,6 +57,13 @@ void KeyDecoder::feed(std::string_view bytes) {
     input_ += bytes;
 }
 
+bool KeyDecoder::drop_through(char byte) {
+    std::size_t place = pasting_ ? std::string::npos : input_.find(byte, head_);
+    if (place == std::string::npos) return false;
+    head_ = place + 1;
+    return true;
+}
+
 int KeyDecoder::next() {
     return decode(false);
 }

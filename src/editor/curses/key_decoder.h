@@ -36,6 +36,10 @@ class KeyDecoder {
     // as the single keys it is made of, a paste ends here.
     int next_now();
 
+    // Drops the unread bytes up to a byte and it itself. False, and nothing is dropped,
+    // when it is not there or what is being read is a paste.
+    bool drop_through(char byte);
+
     // True between the two marks around pasted text.
     bool pasting() const { return pasting_; }
     // The text of the last kKeyPaste, with line feeds for line ends; once.

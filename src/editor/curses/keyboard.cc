@@ -71,6 +71,16 @@ bool Keyboard::key_waiting() {
     return ahead_ != kNoKey;
 }
 
+bool Keyboard::interrupt_waiting() {
+    constexpr int kInterrupt = 3;
+    if (ahead_ == kInterrupt) return ahead_ = kNoKey, true;
+    // Bounded, since keys may come as fast as they are read.
+    for (int i = 0; i < 16 && wait_for_input(0); ++i) read_input();
+    if (!decoder_.drop_through(kInterrupt)) return false;
+    ahead_ = kNoKey;
+    return true;
+}
+
 // The next key of those bytes that are here, or why there is none.
 int Keyboard::next_key() {
     if (ahead_ != kNoKey) return std::exchange(ahead_, kNoKey);

@@ -19,6 +19,7 @@ class Keyboard {
     // As Terminal does; kKeyResize is told once for each change.
     int read_key(int wait_ms);
     bool key_waiting();
+    bool interrupt_waiting();
     std::string take_paste() { return decoder_.take_paste(); }
     std::optional<MouseEvent> mouse() const { return decoder_.mouse(); }
 

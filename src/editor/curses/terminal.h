@@ -24,6 +24,7 @@ class CursesTerminal : public Terminal {
     void present(const Frame& frame) override;
     int read_key(int wait_ms) override;
     bool key_waiting() override { return screen_ && keyboard_.key_waiting(); }
+    bool interrupt_waiting() override { return screen_ && keyboard_.interrupt_waiting(); }
     std::string take_paste() override { return keyboard_.take_paste(); }
     std::optional<MouseEvent> mouse() override { return keyboard_.mouse(); }
     void beep() override;

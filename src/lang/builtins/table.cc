@@ -1,63 +1,35 @@
-#include "lang/builtins/table.h"
+// All built-ins: the families, and finding a row by its name.
+#include <array>
+#include <unordered_map>
 
 #include "editor/editor.h"
+#include "lang/builtins/families.h"
 
 namespace tpu {
 
-namespace {
-
-Buffer& buffer(TPUEditor& editor) {
-    return *editor.current_buffer;
+std::span<const std::span<const Builtin>> builtin_families() {
+    using namespace builtins;
+    static const std::array kFamilies = {
+        movement(), editing(), search(),   display(), control(), testing(),
+        texts(),    objects(), patterns(), input(),   files(),   session(),
+    };
+    return kFamilies;
 }
-
-void undo(TPUEditor& editor) {
-    editor.set_message(buffer(editor).undo() ? "Undone" : "Nothing to undo");
-}
-
-void redo(TPUEditor& editor) {
-    editor.set_message(buffer(editor).redo() ? "Redone" : "Nothing to redo");
-}
-
-// Statements without arguments. They need a current buffer, which a session has
-// from its first moment.
-// clang-format off
-constexpr Builtin kBuiltins[] = {
-    {"SPLIT_LINE", [](TPUEditor& e) { buffer(e).split_line(); },
-     "Split the line at the cursor."},
-    {"APPEND_LINE", [](TPUEditor& e) { buffer(e).append_line(); },
-     "Append the cursor line to the line above."},
-    {"ERASE_LINE", [](TPUEditor& e) { buffer(e).erase_line(); },
-     "Remove the cursor line."},
-    {"SELECT", [](TPUEditor& e) { buffer(e).select(); },
-     "Begin a selection at the cursor."},
-    {"MOVE_TEXT", [](TPUEditor& e) { e.cut_selection(); },
-     "Move the selection to the paste register."},
-    {"BEGINNING_OF", [](TPUEditor& e) { buffer(e).beginning_of_buffer(); },
-     "Move the cursor to the beginning of the buffer."},
-    {"TOP", [](TPUEditor& e) { buffer(e).beginning_of_buffer(); },
-     "Move the cursor to the beginning of the buffer."},
-    {"END_OF", [](TPUEditor& e) { buffer(e).end_of_buffer(); },
-     "Move the cursor to the end of the buffer."},
-    {"BOTTOM", [](TPUEditor& e) { buffer(e).end_of_buffer(); },
-     "Move the cursor to the end of the buffer."},
-    {"REFRESH", [](TPUEditor& e) { e.draw(); },
-     "Draw the screen."},
-    {"UPDATE", [](TPUEditor& e) { e.draw(); },
-     "Draw the screen."},
-    {"UNDO", undo,
-     "Undo the last change."},
-    {"REDO", redo,
-     "Make the change again that was undone last."},
-};
-// clang-format on
-
-}  // namespace
 
 const Builtin* find_builtin(std::string_view name) {
-    for (const Builtin& row : kBuiltins) {
-        if (row.name == name) return &row;
-    }
-    return nullptr;
+    static const auto kByName = [] {
+        std::unordered_map<std::string_view, const Builtin*> rows;
+        for (std::span<const Builtin> family : builtin_families()) {
+            for (const Builtin& row : family) rows.emplace(row.name, &row);
+        }
+        return rows;
+    }();
+    auto found = kByName.find(name);
+    return found == kByName.end() ? nullptr : found->second;
+}
+
+Buffer& Call::buffer() const {
+    return *editor.current_buffer;
 }
 
 }  // namespace tpu

@@ -1,0 +1,51 @@
+#include "core/fresh_stack.h"
+
+#include <pthread.h>
+
+namespace tpu::fresh_stack {
+
+namespace {
+
+constexpr std::size_t kStackSize = std::size_t{64} << 20;
+// What is left when a stack counts as nearly used up: enough for the deepest run of
+// calls between two looks at the limit, with room for the frames of sanitizers.
+constexpr std::size_t kReserve = std::size_t{2} << 20;
+
+std::size_t first_share = std::size_t{192} << 10;
+
+struct Errand {
+    void (*work)(void*, const char*);
+    void* argument;
+};
+
+void* run_errand(void* pointer) {
+    auto* errand = static_cast<Errand*>(pointer);
+    errand->work(errand->argument, here() - (kStackSize - kReserve));
+    return nullptr;
+}
+
+}  // namespace
+
+void set_first_share(std::size_t bytes) {
+    first_share = bytes;
+}
+
+const char* first_limit() {
+    return here() - first_share;
+}
+
+// A thread is the portable way to a stack. The one that asks waits, so that there is
+// still just one that runs.
+bool run(void (*work)(void*, const char*), void* argument) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, kStackSize);
+    Errand errand{work, argument};
+    pthread_t thread;
+    bool started = pthread_create(&thread, &attributes, run_errand, &errand) == 0;
+    pthread_attr_destroy(&attributes);
+    if (started) pthread_join(thread, nullptr);
+    return started;
+}
+
+}  // namespace tpu::fresh_stack

@@ -1,0 +1,23 @@
+// Going on with deep recursion on another stack when the running one is nearly used up.
+#pragma once
+
+#include <cstddef>
+
+namespace tpu::fresh_stack {
+
+// Bytes that code may use of the stack on which it was entered before it looks for
+// another one. A program that knows its own stack's size may raise it.
+void set_first_share(std::size_t bytes);
+
+// The address below which a stack that is entered here counts as nearly used up.
+const char* first_limit();
+
+inline const char* here() {
+    return static_cast<const char*>(__builtin_frame_address(0));
+}
+
+// Runs work(argument, limit) on a stack of its own, of which `limit` is the address
+// below which it is nearly used up, and waits for it. False: there is no memory for it.
+bool run(void (*work)(void* argument, const char* limit), void* argument);
+
+}  // namespace tpu::fresh_stack

@@ -1,0 +1,35 @@
+#include "lang/builtins/common.h"
+
+#include "core/marker.h"
+#include "editor/window.h"
+#include "lang/parser.h"
+#include "pattern/join.h"
+#include "pattern/pattern_text.h"
+
+namespace tpu::builtins {
+
+Value wrong_type(Call& call, std::string_view wanted) {
+    call.parser.record_error("TPU$_INVPARAM",
+                             std::string(call.name) + " needs " + std::string(wanted));
+    return tpu_unspecified();
+}
+
+Buffer* buffer_of(const Value& value) {
+    switch (value.type()) {
+        case Value::Type::buffer: return value.buffer();
+        case Value::Type::window: return value.window() ? value.window()->buffer : nullptr;
+        case Value::Type::marker: return value.marker() ? value.marker()->buffer : nullptr;
+        case Value::Type::range: return value.range() ? value.range()->buffer() : nullptr;
+        default: return nullptr;
+    }
+}
+
+TPUPattern pattern_argument(Args& args, std::size_t i, std::string_view written) {
+    const Value& value = args.value(i);
+    if (value.is(Value::Type::pattern) || value.is(Value::Type::string)) {
+        return value_to_pattern(value);
+    }
+    return parse_pattern_expression(written);
+}
+
+}  // namespace tpu::builtins

@@ -1,0 +1,32 @@
+// What handlers of several families share.
+#pragma once
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+#include "lang/builtin.h"
+#include "pattern/pattern.h"
+
+namespace tpu::builtins {
+
+// A count for the buffer's motions, which take an int: what is larger goes as far as
+// that does.
+inline int bounded(long long n) {
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(std::clamp<long long>(n, -Limits::max(), Limits::max()));
+}
+
+// Records that an argument has a type that the built-in cannot use; gives the
+// unspecified value.
+Value wrong_type(Call& call, std::string_view wanted);
+
+// The buffer that a value names: a buffer, or the one of a window, marker or range;
+// null for any other value.
+Buffer* buffer_of(const Value& value);
+
+// The pattern that an argument is: a pattern, a text to be found as it stands, or,
+// for anything else, what the argument's own text says.
+TPUPattern pattern_argument(Args& args, std::size_t i, std::string_view written);
+
+}  // namespace tpu::builtins

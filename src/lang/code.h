@@ -1,0 +1,89 @@
+// The compiled form of the language: trees of nodes that compute values.
+//
+// The language is defined by reading text from left to right, and what a piece of
+// text means may hang on the state of the moment. Nodes consume what reading would
+// consume. Names are looked up when a node runs: only built-ins are bound early,
+// since their table cannot change.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/value.h"
+#include "lang/symbols.h"
+
+namespace tpu {
+
+class MiniTPUParser;
+struct Builtin;
+
+class Node {
+  public:
+    virtual ~Node() = default;
+    Node(const Node&) = delete;
+    Node& operator=(const Node&) = delete;
+
+    // The value of the expression; the caller owns it. Inline for what needs no
+    // computing, constants and variables, since most operands are that.
+    Word eval(MiniTPUParser& run) const { return value_ ? value_->share() : compute(run); }
+    // Whether that value is true.
+    bool truth(MiniTPUParser& run) const { return value_ ? value_->truthy() : compute_truth(run); }
+
+    // A subscript counts only after a variable. Where the name before it turns out to
+    // be none, reading stops there: the node says so in MiniTPUParser::stopped, and
+    // nodes around it leave the rest of their text alone. False: cannot happen.
+    bool may_stop = false;
+
+  protected:
+    explicit Node(const Value* value = nullptr) : value_(value) {}
+
+  private:
+    virtual Word compute(MiniTPUParser& run) const = 0;
+    virtual bool compute_truth(MiniTPUParser& run) const {
+        Word word = compute(run);
+        return word.head == 0 ? word.tail != 0 : Value::adopt(word).truthy();
+    }
+
+    const Value* value_;  // where the value is, if it need not be computed
+};
+
+using NodePtr = std::unique_ptr<Node>;
+
+// One argument of a call: as written, trimmed, and what it says.
+struct Argument {
+    std::string text;
+    mutable NodePtr code;  // null: not needed yet
+};
+
+// The arguments of a call.
+struct CallSite {
+    std::string text;  // all of them as written, trimmed
+    std::vector<Argument> arguments;
+};
+
+// The target of an assignment: a name, or an element under a name.
+struct Target {
+    Symbol* symbol = nullptr;
+    NodePtr subscript;
+};
+
+// LOCAL, VARIABLE or CONSTANT: one name with its first value.
+struct Declared {
+    Symbol* symbol = nullptr;
+    NodePtr value;  // null: none given
+};
+
+// What a statement's text says, by kind of statement.
+struct StmtCode {
+    NodePtr expression;  // right-hand side, condition, RETURN's expression
+    Target target;
+    bool in_place = false;  // the expression is a sum that begins with the target
+    // A plain statement is an assignment (it has a target) or a call.
+    const Builtin* builtin = nullptr;
+    std::vector<Declared> declared;  // by a built-in that declares names
+    CallSite site;
+    Symbol* procedure = nullptr;  // what is called when it is no built-in; null: nothing can be
+};
+
+}  // namespace tpu

@@ -1,0 +1,199 @@
+// Source texts and procedures.
+#include "core/ascii.h"
+#include "lang/block_parser.h"
+#include "lang/compile.h"
+#include "lang/deeper.h"
+#include "lang/nesting.h"
+#include "lang/nodes.h"
+#include "lang/parser.h"
+#include "lang/source.h"
+
+namespace tpu {
+
+namespace {
+
+constexpr std::string_view kProcedure = "PROCEDURE", kEndProcedure = "ENDPROCEDURE";
+
+bool begins_procedure(const std::string& statement) {
+    return statement.size() > kProcedure.size() && ascii::is_space(statement[kProcedure.size()]) &&
+           ascii::upper(std::string_view(statement).substr(0, kProcedure.size())) == kProcedure;
+}
+
+// name or name(a, b)
+Procedure read_header(std::string_view header) {
+    Procedure procedure;
+    std::size_t open = header.find('(');
+    procedure.name = ascii::trim(header.substr(0, open));
+    if (open == std::string_view::npos) return procedure;
+    std::string_view list = header.substr(open + 1);
+    list = list.substr(0, list.find(')'));
+    for (std::size_t comma = 0; comma != std::string_view::npos;) {
+        comma = list.find(',');
+        std::string_view name = ascii::trim(list.substr(0, comma));
+        if (!name.empty()) procedure.parameters.emplace_back(name);
+        if (comma != std::string_view::npos) list.remove_prefix(comma + 1);
+    }
+    return procedure;
+}
+
+std::string source_of(std::span<const std::string> statements) {
+    std::string source;
+    for (const std::string& statement : statements) {
+        if (!source.empty()) source += '\n';
+        source += statement;
+    }
+    return source + ";\n";
+}
+
+}  // namespace
+
+// A source text as a list of statements, and the place that compiling has reached.
+class SourceWalk {
+  public:
+    SourceWalk(MiniTPUParser& run, const std::string& text) : run_(run) {
+        statements_ = source::split_statements(text, lines_);
+        outer_ = std::exchange(run_.current_lines, &lines_);
+    }
+    ~SourceWalk() { run_.current_lines = outer_; }
+    SourceWalk(const SourceWalk&) = delete;
+    SourceWalk& operator=(const SourceWalk&) = delete;
+
+    // Defines procedures up to the next run of other statements, which it gives; false
+    // at the end of the text.
+    bool next_run(std::vector<Stmt>& block) {
+        while (index_ < statements_.size()) {
+            if (begins_procedure(statements_[index_])) {
+                define_procedure();
+                continue;
+            }
+            std::size_t start = index_;
+            block = parse(kProcedure);
+            if (index_ > start) return true;
+            ++index_;
+        }
+        return false;
+    }
+
+  private:
+    std::vector<Stmt> parse(std::string_view terminator) {
+        bool too_deep = false;
+        auto block = parse_block(statements_, lines_, index_, {terminator}, &too_deep);
+        if (too_deep) run_.record_error("TPU$_PARSEOVER", "Blocks are nested too deeply");
+        return block;
+    }
+
+    void define_procedure() {
+        std::size_t start = index_++;
+        std::string_view header = statements_[start];
+        Procedure procedure = read_header(ascii::trim(header.substr(kProcedure.size())));
+        procedure.body = parse(kEndProcedure);
+        if (index_ < statements_.size() && ascii::upper(statements_[index_]) == kEndProcedure) {
+            ++index_;
+            procedure.source = source_of(std::span(statements_).subspan(start, index_ - start));
+        } else {
+            complain_of_missing_end(procedure.name);
+        }
+        if (!procedure.name.empty()) run_.define(std::move(procedure));
+    }
+
+    void complain_of_missing_end(const std::string& name) {
+        std::string message = "missing ENDPROCEDURE for " + name;
+        int line = run_.line_at(index_);
+        run_.diagnostics.push_back({line, message});
+        message.insert(0, "error: ");
+        if (line >= 1) message += " (near line " + std::to_string(line) + ")";
+        ++run_.error_count;
+        run_.error_list.push_back(message);
+    }
+
+    MiniTPUParser& run_;
+    std::vector<std::string> statements_;
+    std::vector<int> lines_;
+    const std::vector<int>* outer_;
+    std::size_t index_ = 0;
+};
+
+void MiniTPUParser::compile_text(const std::string& text) {
+    SourceWalk walk(*this, text);
+    int outer_line = current_line;
+    for (std::vector<Stmt> block; walk.next_run(block);) execute_block(block);
+    if (block_depth == 0) current_line = outer_line;
+}
+
+std::vector<Stmt> MiniTPUParser::compile_program(const std::string& text) {
+    SourceWalk walk(*this, text);
+    std::vector<Stmt> program;
+    for (std::vector<Stmt> block; walk.next_run(block);) {
+        std::move(block.begin(), block.end(), std::back_inserter(program));
+    }
+    return program;
+}
+
+int MiniTPUParser::line_at(std::size_t index) const {
+    if (!current_lines || current_lines->empty()) return 0;
+    return (*current_lines)[std::min(index, current_lines->size() - 1)];
+}
+
+// The one that is replaced may be running.
+void MiniTPUParser::define(Procedure procedure) {
+    std::string name = ascii::upper(procedure.name);
+    for (const std::string& parameter : procedure.parameters) {
+        procedure.symbols.push_back(&symbols.intern(ascii::upper(parameter)));
+    }
+    std::unique_ptr<Procedure>& place = procedures[name];
+    if (place && block_depth > 0) retired_.push_back(std::move(place));
+    place = std::make_unique<Procedure>(std::move(procedure));
+    symbols.intern(name).procedure = place.get();
+}
+
+bool MiniTPUParser::execute_procedure(const std::string& name) {
+    return execute_procedure_with_args(name, {});
+}
+
+bool MiniTPUParser::execute_procedure_with_args(const std::string& name,
+                                                const std::vector<Value>& args) {
+    auto found = procedures.find(ascii::upper(name));
+    if (found == procedures.end()) return false;
+    std::vector<Value> copies = args;
+    call(*found->second, copies, false);
+    return true;
+}
+
+Value MiniTPUParser::call(const Procedure& procedure, std::span<Value> arguments,
+                          bool value_wanted) {
+    if (symbols.depth() >= kDeepestCall) {
+        record_error("TPU$_STACKOVER", "Procedure calls are nested too deeply");
+        return {};
+    }
+    Nesting nesting(*this);
+    Value result;
+    auto work = [&] { result = call_here(procedure, arguments, value_wanted); };
+    if (!stack_is_low(*this)) {
+        work();
+    } else if (!on_fresh_stack(*this, work)) {
+        record_error("TPU$_STACKOVER", "No memory for procedure calls nested so deeply");
+    }
+    return result;
+}
+
+Value MiniTPUParser::call_here(const Procedure& procedure, std::span<Value> arguments,
+                               bool value_wanted) {
+    std::size_t mark = symbols.enter();
+    for (std::size_t i = 0; i < procedure.symbols.size(); ++i) {
+        symbols.bind(*procedure.symbols[i],
+                     i < arguments.size() ? std::move(arguments[i]) : Value());
+    }
+    Signal outer = std::exchange(control_signal, Signal::none);
+    look_for_interrupt();
+    execute_block(procedure.body);
+    Value result;
+    if (value_wanted && control_signal == Signal::returning && returned) {
+        control_signal = Signal::none;
+        result = eval_root(*returned);
+    }
+    control_signal = interrupted ? Signal::aborting : outer;
+    symbols.leave(mark);
+    return result;
+}
+
+}  // namespace tpu

@@ -1,0 +1,50 @@
+// Variables and recorded errors.
+#include "core/array.h"
+#include "lang/parser.h"
+
+namespace tpu {
+
+Value* MiniTPUParser::lookup_var(const std::string& name) {
+    Symbol* symbol = symbols.find(name);
+    return symbol && symbol->is_bound() ? &symbol->value : nullptr;
+}
+
+void MiniTPUParser::assign_var(const std::string& name, const Value& value) {
+    assign(symbols.intern(name), value);
+}
+
+void MiniTPUParser::assign_constant(Symbol& symbol, Value value) {
+    if (symbol.is_bound()) {
+        record_error("TPU$_CONTRADEF", "CONSTANT " + symbol.name + " may not be reassigned");
+        return;
+    }
+    symbols.assign(symbol, std::move(value));
+}
+
+// Deliberate: a variable that holds no array is replaced by an array of one element.
+void MiniTPUParser::assign_element(Symbol& symbol, const Value& index, Value value) {
+    if (TPUArray* array = symbol.is_bound() ? symbol.value.array_here() : nullptr) {
+        Value keep = symbol.value;  // what is replaced may hold the last other share in it
+        array->set(index, std::move(value));
+        return;
+    }
+    Value array = Value::make_array();
+    array.array_here()->set(index, std::move(value));
+    assign(symbol, std::move(array));
+}
+
+void MiniTPUParser::record_error(const std::string& code, const std::string& text) {
+    error_code = code.empty() ? "TPU$_FAILURE" : code;
+    error_text = text.empty() ? error_code : text;
+    if (current_line >= 1) error_line = current_line;
+}
+
+// The outermost statement has ended.
+void MiniTPUParser::settle() {
+    control_signal = Signal::none;
+    interrupted = false;
+    stack_limit = nullptr;
+    retired_.clear();
+}
+
+}  // namespace tpu

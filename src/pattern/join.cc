@@ -1,0 +1,28 @@
+#include "pattern/join.h"
+
+#include <iterator>
+#include <string>
+#include <utility>
+
+namespace tpu {
+
+TPUPattern value_to_pattern(const Value& value) {
+    TPUPattern pattern;
+    if (value.is(Value::Type::string)) {
+        pattern.tokens.push_back(TPUPatternToken::literal(std::string(value.text())));
+    } else if (auto held = value.pattern()) {
+        pattern = *held;
+    }
+    return pattern;
+}
+
+Value concat_patterns(const Value& a, const Value& b, char op) {
+    TPUPattern joined = value_to_pattern(a), next = value_to_pattern(b);
+    joined.anchored = joined.anchored || next.anchored;
+    if (op == '&' && !next.tokens.empty()) next.tokens.front().joined = 1;
+    joined.tokens.insert(joined.tokens.end(), std::make_move_iterator(next.tokens.begin()),
+                         std::make_move_iterator(next.tokens.end()));
+    return Value::make_pattern(std::move(joined));
+}
+
+}  // namespace tpu

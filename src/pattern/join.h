@@ -1,0 +1,17 @@
+// Patterns out of values: what + and & make of strings and patterns.
+#pragma once
+
+#include "core/value.h"
+#include "pattern/pattern.h"
+
+namespace tpu {
+
+// A copy of a pattern value's pattern, one literal for a string value (the empty
+// one too), the empty pattern for any other.
+TPUPattern value_to_pattern(const Value& value);
+
+// The pattern value that matches `a` and then `b`, anchored if either is. `op` is '+'
+// or '&'; the latter leaves its mark on the first token of `b`, which no matcher reads.
+Value concat_patterns(const Value& a, const Value& b, char op);
+
+}  // namespace tpu
