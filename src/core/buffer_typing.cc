@@ -167,7 +167,11 @@ Range Buffer::copy_text(std::string_view text, Charset charset) {
     }
     leave_character(charset);
     std::uint64_t rows = 0, column = cursor_column, line_start = lines.row_start(cursor_row);
-    if (insert_mode && !wraps(*this)) {
+    bool as_it_is = insert_mode && !wraps(*this);
+    if (as_it_is && text.find_first_of("\n\t") == std::string_view::npos) {
+        lines.insert(line_start + cursor_column, text);
+        column += text.size();
+    } else if (as_it_is) {
         LineStore typed = expand_tabs(*this, text, rows, column);
         lines.insert(line_start + cursor_column, typed);
     } else {

@@ -52,18 +52,29 @@ LineStore LineStore::from_block(const Ref<TextBlock>& block, std::size_t bytes,
 std::uint64_t LineStore::row_start(std::uint64_t row) const {
     if (row == 0) return 0;
     if (row >= size()) return bytes();
-    return tree::after_break(tree_, row);
+    return know(row).start;
+}
+
+const LineStore::KnownRow& LineStore::know(std::uint64_t row) const {
+    if (known_.row == row) return known_;
+    std::uint64_t start = row == 0                ? 0
+                          : known_.row + 1 == row ? known_.end + 1
+                                                  : tree::after_break(tree_, row);
+    std::uint64_t end = row + 1 < size() ? tree::after_break(tree_, row + 1) - 1 : bytes();
+    known_.row = row;
+    known_.start = start;
+    known_.end = end;
+    return known_;
 }
 
 std::uint64_t LineStore::length(std::uint64_t row) const {
     assert(row < size());
-    std::uint64_t end = row + 1 < size() ? row_start(row + 1) - 1 : bytes();
-    return end - row_start(row);
+    const KnownRow& known = know(row);
+    return known.end - known.start;
 }
 
 std::string LineStore::slice(Position from, std::uint64_t count) const {
-    std::uint64_t start = row_start(from.row);
-    std::uint64_t end = from.row + 1 < size() ? row_start(from.row + 1) - 1 : bytes();
+    auto [row, start, end] = know(from.row);
     if (from.column >= end - start) return {};
     start += from.column;
     return text(start, start + std::min(count, end - start));
@@ -185,9 +196,16 @@ void LineStore::insert(std::uint64_t offset, std::string_view bytes) {
     has_raw_ |= raw;
     Pieces pieces{tree::store_text(bytes, raw, tail_)};
     tree_ = tree::replace(std::move(tree_), offset, offset, std::move(pieces), tail_);
+    bool inside = known_.start <= offset && offset <= known_.end;
+    if (inside) {
+        known_.end += bytes.size();
+    } else if (offset < known_.start) {
+        forget_row();
+    }
 }
 
 void LineStore::insert_break(std::uint64_t offset) {
+    forget_row();
     Pieces pieces{tree::store_text("\n", false, tail_)};
     tree_ = tree::replace(std::move(tree_), offset, offset, std::move(pieces), tail_);
 }
@@ -197,10 +215,12 @@ void LineStore::insert(std::uint64_t offset, const LineStore& text) {
 }
 
 void LineStore::erase(std::uint64_t from, std::uint64_t to) {
+    forget_row();
     tree_ = tree::replace(std::move(tree_), from, to, {}, tail_);
 }
 
 void LineStore::replace(std::uint64_t from, std::uint64_t to, const LineStore& text) {
+    forget_row();
     Pieces pieces;
     tree::collect(text.tree_, 0, text.bytes(), pieces);
     has_raw_ |= text.has_raw_;
@@ -208,6 +228,7 @@ void LineStore::replace(std::uint64_t from, std::uint64_t to, const LineStore& t
 }
 
 void LineStore::recount() {
+    forget_row();
     Pieces pieces;
     tree::collect(tree_, 0, bytes(), pieces);
     for (Piece& piece : pieces) {

@@ -107,9 +107,30 @@ class LineStore {
     std::optional<std::uint64_t> find_in_bytes(std::string_view needle, std::uint64_t from,
                                                std::uint64_t to) const;
 
+    // Where a line is that was looked for, since what follows mostly concerns it again.
+    struct KnownRow {
+        std::uint64_t row = UINT64_MAX;  // this: none
+        std::uint64_t start = 0;
+        std::uint64_t end = 0;  // of its bytes
+
+        KnownRow() = default;
+        KnownRow(const KnownRow&) = default;
+        KnownRow& operator=(const KnownRow&) = default;
+        // What was moved from has another text.
+        KnownRow(KnownRow&& other) noexcept : KnownRow(other) { other.row = UINT64_MAX; }
+        KnownRow& operator=(KnownRow&& other) noexcept {
+            *this = static_cast<const KnownRow&>(other);
+            other.row = UINT64_MAX;
+            return *this;
+        }
+    };
+    const KnownRow& know(std::uint64_t row) const;
+    void forget_row() { known_.row = UINT64_MAX; }
+
     tree::Tree tree_;
     Ref<TextBlock> tail_;   // block that takes inserted text
     bool has_raw_ = false;  // some line may hold a line feed as text
+    mutable KnownRow known_;
 };
 
 // Puts a text together from front to back; faster than inserting at the end.

@@ -199,6 +199,58 @@ void edit(Ref<Node> node, Change change, std::vector<Tree>& out) {
     spread(std::move(result), kMaxEntries, out);
 }
 
+// Puts what comes in into the middle of a piece, whose totals it gives the change of.
+// False, and nothing has changed, when the leaf would not keep a proper size.
+bool edit_piece(Pieces& pieces, std::size_t i, std::uint64_t begin, Change change, bool is_root,
+                Totals& size) {
+    const Piece& piece = pieces[i];
+    bool erases = change.to > change.from;
+    if (change.to - begin > piece.size || pieces.size() + 2 > kMaxEntries) return false;
+    if (erases && !is_root && pieces.size() <= kMinEntries) return false;
+    if (change.fresh->size() > 1) return false;
+    Piece parts[] = {cut(piece, 0, static_cast<std::uint32_t>(change.from - begin)),
+                     {},
+                     cut(piece, static_cast<std::uint32_t>(change.to - begin), piece.size)};
+    if (!change.fresh->empty()) parts[1] = std::move(change.fresh->front());
+    Pieces spliced;
+    for (Piece& part : parts) append(spliced, std::move(part));
+    if (spliced.empty() && pieces.size() == 1) return false;
+    size.bytes -= piece.size;
+    size.breaks -= piece.breaks;
+    size += total(spliced);
+    auto place = pieces.begin() + static_cast<std::ptrdiff_t>(i);
+    if (spliced.empty()) {
+        pieces.erase(place);
+        return true;
+    }
+    *place = std::move(spliced.front());
+    pieces.reserve(kMaxEntries);
+    pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                  std::make_move_iterator(spliced.begin() + 1),
+                  std::make_move_iterator(spliced.end()));
+    return true;
+}
+
+// The change where nobody else holds the nodes on the way, and just one piece is
+// touched: no node is built anew. False: it was not done.
+bool edit_in_place(Tree& tree, Change change, bool is_root) {
+    Node& node = *tree.node;
+    if (node.count != 1) return false;
+    std::uint64_t begin = 0;
+    if (node.level == 0) {
+        std::size_t i = locate(node.pieces, change.from, 0, begin);
+        return edit_piece(node.pieces, i, begin, change, is_root, tree.size);
+    }
+    Tree& child = node.children[locate(node.children, change.from, 0, begin)];
+    Totals before = child.size;
+    if (change.to - begin > before.bytes) return false;
+    Change inner{change.from - begin, change.to - begin, change.fresh, change.tail};
+    if (!edit_in_place(child, inner, false)) return false;
+    tree.size.bytes += child.size.bytes - before.bytes;
+    tree.size.breaks += child.size.breaks - before.breaks;
+    return true;
+}
+
 }  // namespace
 
 std::uint64_t count_line_feeds(std::string_view text) {
@@ -293,8 +345,10 @@ Tree replace(Tree tree, std::uint64_t from, std::uint64_t to, Pieces pieces, Ref
     assert(from <= to && to <= tree.size.bytes);
     if (from == to && pieces.empty()) return tree;
     if (!tree.node) return build(std::move(pieces));
+    Change change{from, to, &pieces, tail};
+    if (edit_in_place(tree, change, true)) return tree;
     std::vector<Tree> nodes;
-    edit(std::move(tree.node), {from, to, &pieces, tail}, nodes);
+    edit(std::move(tree.node), change, nodes);
     return join(std::move(nodes), kMaxEntries);
 }
 
