@@ -27,6 +27,8 @@ class Node {
     // The value of the expression; the caller owns it. Inline for what needs no
     // computing, constants and variables, since most operands are that.
     Word eval(MiniTPUParser& run) const { return value_ ? value_->share() : compute(run); }
+    // Where the value is, if it need not be computed; else null.
+    const Value* in_place() const { return value_; }
     // Whether that value is true.
     bool truth(MiniTPUParser& run) const { return value_ ? value_->truthy() : compute_truth(run); }
 
@@ -49,6 +51,21 @@ class Node {
 };
 
 using NodePtr = std::unique_ptr<Node>;
+
+// What an operator works on. Knows itself where a constant or variable has its value.
+class Operand {
+  public:
+    explicit Operand(NodePtr node) : node_(std::move(node)), value_(node_->in_place()) {}
+
+    Word eval(MiniTPUParser& run) const { return value_ ? value_->share() : node_->eval(run); }
+    bool truth(MiniTPUParser& run) const { return node_->truth(run); }
+    bool may_stop() const { return node_->may_stop; }
+    const Node& node() const { return *node_; }
+
+  private:
+    NodePtr node_;
+    const Value* value_;
+};
 
 // One argument of a call: as written, trimmed, and what it says.
 struct Argument {

@@ -26,7 +26,7 @@ Target compile_target(std::string_view text, SymbolTable& symbols) {
 bool sums_onto_target(const StmtCode& code) {
     if (code.target.subscript) return false;
     const auto* sum = dynamic_cast<const Sum*>(code.expression.get());
-    const auto* first = sum ? dynamic_cast<const Variable*>(sum->first.get()) : nullptr;
+    const auto* first = sum ? dynamic_cast<const Variable*>(&sum->first.node()) : nullptr;
     return first && &first->symbol == code.target.symbol;
 }
 

@@ -29,14 +29,20 @@ const StmtCode& code_of(const Stmt& stmt, SymbolTable& symbols) {
     return *stmt.code;
 }
 
-bool is_true(MiniTPUParser& run, const NodePtr& condition) {
+inline Value value_of(MiniTPUParser& run, const Node& node) {
+    return node.may_stop ? run.eval_root(node) : Value::adopt(node.eval(run));
+}
+
+inline bool is_true(MiniTPUParser& run, const NodePtr& condition) {
     if (!condition) return false;
     return condition->may_stop ? run.eval_root(*condition).truthy() : condition->truth(run);
 }
 
+void run_nested(MiniTPUParser& run, const std::vector<Stmt>& statements);
+
 void run_loop(MiniTPUParser& run, const std::vector<Stmt>& body) {
     for (int pass = 0; pass < kMostPasses; ++pass) {
-        run.execute_block(body);
+        run_nested(run, body);
         run.look_for_interrupt();
         Signal signal = run.control_signal;
         if (signal == Signal::none) continue;
@@ -46,66 +52,82 @@ void run_loop(MiniTPUParser& run, const std::vector<Stmt>& body) {
     }
 }
 
-void run_statements(MiniTPUParser& run, const std::vector<Stmt>& statements) {
-    for (const Stmt& stmt : statements) {
-        if (run.control_signal != Signal::none) return;
-        if (stmt.kind != Stmt::kOnError) run.execute_stmt(stmt);
+inline void run_one(MiniTPUParser& run, const Stmt& stmt) {
+    if (stmt.line > 0) run.current_line = stmt.line;
+    const StmtCode& code = code_of(stmt, run.symbols);
+    switch (stmt.kind) {
+        case Stmt::kPlain: run.run_statement(code, stmt.text); break;
+        case Stmt::kAssignment: run.run_assignment(code); break;
+        case Stmt::kIf:
+            run_nested(run, is_true(run, code.expression) ? stmt.body : stmt.else_body);
+            break;
+        case Stmt::kLoop: run_loop(run, stmt.body); break;
+        case Stmt::kExitIf:
+            if (is_true(run, code.expression)) run.control_signal = Signal::leaving_loop;
+            break;
+        case Stmt::kReturn:
+            run.control_signal = Signal::returning;
+            run.returned = code.expression.get();
+            break;
+        case Stmt::kAbort:
+            run.control_signal = Signal::aborting;
+            run.editor.set_message("ABORT");
+            break;
+        case Stmt::kBreak: run.control_signal = Signal::breaking; break;
+        case Stmt::kOnError: break;
     }
 }
 
-// Each statement outside of all others is one step of undo.
-void run_outermost_statements(MiniTPUParser& run, const std::vector<Stmt>& statements) {
-    for (const Stmt& stmt : statements) {
-        if (run.control_signal != Signal::none) return;
-        UndoStep step(run.editor);
-        if (stmt.kind != Stmt::kOnError) run.execute_stmt(stmt);
-    }
-}
-
-void run_block(MiniTPUParser& run, const std::vector<Stmt>& statements, bool outermost) {
-    outermost ? run_outermost_statements(run, statements) : run_statements(run, statements);
-    if (!can_be_handled(run.control_signal) || run.interrupted) return;
-    const Stmt* handler = find_handler(statements);
-    if (!handler) return;
+void run_handler(MiniTPUParser& run, const std::vector<Stmt>& statements) {
+    const Stmt* handler = run.interrupted ? nullptr : find_handler(statements);
+    if (!handler || !can_be_handled(run.control_signal)) return;
     run.control_signal = Signal::none;
-    run_statements(run, handler->body);
+    for (const Stmt& stmt : handler->body) {
+        run_one(run, stmt);
+        if (run.control_signal != Signal::none) return;
+    }
+}
+
+void run_on_fresh_stack(MiniTPUParser& run, const std::vector<Stmt>& statements) {
+    auto work = [&] { run_nested(run, statements); };
+    if (!on_fresh_stack(run, work)) {
+        run.record_error("TPU$_STACKOVER", "No memory for blocks nested so deeply");
+    }
+}
+
+// Statements inside of a statement.
+void run_nested(MiniTPUParser& run, const std::vector<Stmt>& statements) {
+    if (stack_is_low(run)) return run_on_fresh_stack(run, statements);
+    for (const Stmt& stmt : statements) {
+        run_one(run, stmt);
+        if (run.control_signal != Signal::none) return run_handler(run, statements);
+    }
+}
+
+// Each of them is one step of undo.
+void run_outermost(MiniTPUParser& run, const std::vector<Stmt>& statements) {
+    for (const Stmt& stmt : statements) {
+        UndoStep step(run.editor);
+        run_one(run, stmt);
+        if (run.control_signal != Signal::none) return run_handler(run, statements);
+    }
 }
 
 }  // namespace
 
 void MiniTPUParser::execute_block(const std::vector<Stmt>& statements) {
     Nesting nesting(*this);
-    if (!stack_is_low(*this)) return run_block(*this, statements, nesting.is_outermost());
-    auto work = [&] { run_block(*this, statements, nesting.is_outermost()); };
-    if (!on_fresh_stack(*this, work)) {
-        record_error("TPU$_STACKOVER", "No memory for blocks nested so deeply");
-    }
+    if (control_signal != Signal::none) return;
+    nesting.is_outermost() ? run_outermost(*this, statements) : run_nested(*this, statements);
+}
+
+void MiniTPUParser::run_body(const std::vector<Stmt>& statements) {
+    run_nested(*this, statements);
 }
 
 void MiniTPUParser::execute_stmt(const Stmt& stmt) {
-    if (stmt.line > 0) current_line = stmt.line;
-    const StmtCode& code = code_of(stmt, symbols);
-    switch (stmt.kind) {
-        case Stmt::kPlain: run_statement(code, stmt.text); break;
-        case Stmt::kAssignment: run_assignment(code); break;
-        case Stmt::kIf:
-            execute_block(is_true(*this, code.expression) ? stmt.body : stmt.else_body);
-            break;
-        case Stmt::kLoop: run_loop(*this, stmt.body); break;
-        case Stmt::kExitIf:
-            if (is_true(*this, code.expression)) control_signal = Signal::leaving_loop;
-            break;
-        case Stmt::kReturn:
-            control_signal = Signal::returning;
-            returned = code.expression.get();
-            break;
-        case Stmt::kAbort:
-            control_signal = Signal::aborting;
-            editor.set_message("ABORT");
-            break;
-        case Stmt::kBreak: control_signal = Signal::breaking; break;
-        case Stmt::kOnError: break;
-    }
+    Nesting nesting(*this);
+    run_one(*this, stmt);
 }
 
 void MiniTPUParser::run_assignment(const StmtCode& code) {
@@ -113,9 +135,9 @@ void MiniTPUParser::run_assignment(const StmtCode& code) {
         static_cast<const Sum&>(*code.expression).assign_in_place(*this, *code.target.symbol);
         return;
     }
-    Value value = eval_root(*code.expression);
+    Value value = value_of(*this, *code.expression);
     if (code.target.subscript) {
-        Value index = eval_root(*code.target.subscript);
+        Value index = value_of(*this, *code.target.subscript);
         assign_element(*code.target.symbol, index, std::move(value));
     } else {
         assign(*code.target.symbol, std::move(value));

@@ -37,6 +37,9 @@ class Subscripted : public Node {
         may_stop = symbol || base->may_stop;
     }
 
+    // One subscript after a name that is a variable.
+    bool is_plain() const { return subscripts.size() == 1 && symbol && symbol->is_bound(); }
+
     NodePtr base;
     Symbol* symbol;            // of the name that base is; null: base is a call
     std::size_t name_end = 0;  // where reading stops when the name is no variable
@@ -51,16 +54,16 @@ class Chain : public Node {
   public:
     struct Link {
         char op;
-        NodePtr operand;
+        Operand operand;
     };
 
-    explicit Chain(NodePtr operand) : first(std::move(operand)) { may_stop = first->may_stop; }
+    explicit Chain(NodePtr operand) : first(std::move(operand)) { may_stop = first.may_stop(); }
     void add(char op, NodePtr operand) {
         may_stop = may_stop || operand->may_stop;
-        links.push_back({op, std::move(operand)});
+        links.push_back({op, Operand(std::move(operand))});
     }
 
-    NodePtr first;
+    Operand first;
     std::vector<Link> links;
 };
 
@@ -106,11 +109,11 @@ class Comparison : public Node {
 
     Comparison(NodePtr a, Op compared, NodePtr b)
         : left(std::move(a)), right(std::move(b)), op(compared) {
-        may_stop = left->may_stop || right->may_stop;
+        may_stop = left.may_stop() || right.may_stop();
     }
 
-    NodePtr left;
-    NodePtr right;
+    Operand left;
+    Operand right;
     Op op;
 
   private:
@@ -155,6 +158,7 @@ class ProcedureCall : public Node {
 
   private:
     Word compute(MiniTPUParser& run) const override;
+    Word call_with_args(MiniTPUParser& run) const;
 };
 
 // Evaluates an expression that is nested deeply where there is stack for it.

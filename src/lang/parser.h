@@ -101,6 +101,7 @@ class MiniTPUParser {
     // execute.cc
     void execute_block(const std::vector<Stmt>& statements);
     void execute_stmt(const Stmt& stmt);
+    void run_body(const std::vector<Stmt>& statements);  // of a procedure, in its scope
     // Ends all running code like ABORT, but for good: no handler catches it.
     void interrupt();
     // Does that when the user has pressed Ctrl-C. Cheap enough for every pass of a loop.
@@ -131,9 +132,10 @@ class MiniTPUParser {
     // False: there is no such procedure.
     bool execute_procedure(const std::string& name);
     bool execute_procedure_with_args(const std::string& name, const std::vector<Value>& args);
-    // Calls a procedure with as many arguments as `arguments` has. The value of its
-    // RETURN, if the value is wanted and there is one, else the value of no type.
-    Value call(const Procedure& procedure, std::span<Value> arguments, bool value_wanted);
+    // Calls a procedure with as many arguments as `arguments` has, which it takes over,
+    // from code that runs. The value of its RETURN, if the value is wanted and there is
+    // one, else the value of no type.
+    Word call(const Procedure& procedure, std::span<const Word> arguments, bool value_wanted);
 
     // variables.cc
     Value* lookup_var(const std::string& name);  // null: there is no such variable
@@ -155,7 +157,8 @@ class MiniTPUParser {
     friend class SourceWalk;
 
     void define(Procedure procedure);
-    Value call_here(const Procedure& procedure, std::span<Value> arguments, bool value_wanted);
+    Word call_here(const Procedure& procedure, std::span<const Word> arguments, bool value_wanted);
+    void call_statement(const Procedure& procedure, const CallSite& site);
     void run_plain(const StmtCode& code, const std::string& text);
     void report_unknown(const std::string& text);
 

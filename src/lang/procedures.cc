@@ -154,38 +154,38 @@ bool MiniTPUParser::execute_procedure_with_args(const std::string& name,
                                                 const std::vector<Value>& args) {
     auto found = procedures.find(ascii::upper(name));
     if (found == procedures.end()) return false;
-    std::vector<Value> copies = args;
-    call(*found->second, copies, false);
+    std::vector<Word> words;
+    for (const Value& value : args) words.push_back(value.share());
+    Nesting nesting(*this);
+    Value::adopt(call(*found->second, words, false));
     return true;
 }
 
-Value MiniTPUParser::call(const Procedure& procedure, std::span<Value> arguments,
-                          bool value_wanted) {
-    if (symbols.depth() >= kDeepestCall) {
-        record_error("TPU$_STACKOVER", "Procedure calls are nested too deeply");
-        return {};
-    }
-    Nesting nesting(*this);
-    Value result;
+Word MiniTPUParser::call(const Procedure& procedure, std::span<const Word> arguments,
+                         bool value_wanted) {
+    const char* trouble =
+        symbols.depth() >= kDeepestCall ? "Procedure calls are nested too deeply" : nullptr;
+    if (!trouble && !stack_is_low(*this)) return call_here(procedure, arguments, value_wanted);
+    Word result{};
     auto work = [&] { result = call_here(procedure, arguments, value_wanted); };
-    if (!stack_is_low(*this)) {
-        work();
-    } else if (!on_fresh_stack(*this, work)) {
-        record_error("TPU$_STACKOVER", "No memory for procedure calls nested so deeply");
-    }
-    return result;
+    if (!trouble && on_fresh_stack(*this, work)) return result;
+    for (Word word : arguments) Value::adopt(word);
+    record_error("TPU$_STACKOVER", trouble ? trouble : "No memory for calls nested so deeply");
+    return Value().release();
 }
 
-Value MiniTPUParser::call_here(const Procedure& procedure, std::span<Value> arguments,
-                               bool value_wanted) {
+Word MiniTPUParser::call_here(const Procedure& procedure, std::span<const Word> arguments,
+                              bool value_wanted) {
     std::size_t mark = symbols.enter();
-    for (std::size_t i = 0; i < procedure.symbols.size(); ++i) {
-        symbols.bind(*procedure.symbols[i],
-                     i < arguments.size() ? std::move(arguments[i]) : Value());
+    std::size_t bound = 0;
+    for (Symbol* symbol : procedure.symbols) {
+        symbols.bind(*symbol, bound < arguments.size() ? Value::adopt(arguments[bound]) : Value());
+        ++bound;
     }
+    for (; bound < arguments.size(); ++bound) Value::adopt(arguments[bound]);
     Signal outer = std::exchange(control_signal, Signal::none);
     look_for_interrupt();
-    execute_block(procedure.body);
+    run_body(procedure.body);
     Value result;
     if (value_wanted && control_signal == Signal::returning && returned) {
         control_signal = Signal::none;
@@ -193,7 +193,7 @@ Value MiniTPUParser::call_here(const Procedure& procedure, std::span<Value> argu
     }
     control_signal = interrupted ? Signal::aborting : outer;
     symbols.leave(mark);
-    return result;
+    return std::move(result).release();
 }
 
 }  // namespace tpu

@@ -92,7 +92,22 @@ bool compare_values(Comparison::Op op, const Value& a, const Value& b) {
 
 }  // namespace
 
+namespace {
+
+// Null: there is no such element, or no array.
+const Value* element_of(const Value& value, const Value& index) {
+    TPUArray* array = value.array_here();
+    return array ? array->find(index) : nullptr;
+}
+
+}  // namespace
+
 Word Subscripted::compute(MiniTPUParser& run) const {
+    // Nothing runs between looking at the variable and at its element.
+    if (const Value* index = subscripts.front()->in_place(); index && is_plain()) {
+        const Value* element = element_of(symbol->value, *index);
+        return element ? element->share() : tpu_unspecified().release();
+    }
     Value value = Value::adopt(base->eval(run));
     if (symbol && !symbol->is_bound()) {
         run.stopped = true;
@@ -101,8 +116,7 @@ Word Subscripted::compute(MiniTPUParser& run) const {
     if (may_stop && run.stopped) return std::move(value).release();
     for (const NodePtr& subscript : subscripts) {
         Value index = Value::adopt(subscript->eval(run));
-        TPUArray* array = value.array_here();
-        const Value* element = array ? array->find(index) : nullptr;
+        const Value* element = element_of(value, index);
         value = element ? *element : tpu_unspecified();
         if (may_stop && run.stopped) break;
     }
@@ -110,10 +124,10 @@ Word Subscripted::compute(MiniTPUParser& run) const {
 }
 
 Word Sum::compute(MiniTPUParser& run) const {
-    Word left = first->eval(run);
+    Word left = first.eval(run);
     for (const Link& link : links) {
         if (may_stop && run.stopped) break;
-        left = add_words(left, link.op, link.operand->eval(run));
+        left = add_words(left, link.op, link.operand.eval(run));
     }
     return left;
 }
@@ -127,7 +141,7 @@ void Sum::assign_in_place(MiniTPUParser& run, Symbol& target) const {
         // First all operands, since they may still look at the variable.
         std::array<Value, kMost> operands;
         for (std::size_t i = 0; i < links.size(); ++i) {
-            operands[i] = Value::adopt(links[i].operand->eval(run));
+            operands[i] = Value::adopt(links[i].operand.eval(run));
             if (operands[i].is(Value::Type::range)) {
                 operands[i] = Value::make_str(operands[i].as_string());
             }
@@ -141,39 +155,39 @@ void Sum::assign_in_place(MiniTPUParser& run, Symbol& target) const {
 }
 
 Word Product::compute(MiniTPUParser& run) const {
-    Word left = first->eval(run);
+    Word left = first.eval(run);
     for (const Link& link : links) {
         if (may_stop && run.stopped) break;
-        left = multiply(left, link.op, link.operand->eval(run));
+        left = multiply(left, link.op, link.operand.eval(run));
     }
     return left;
 }
 
 // Both sides are always evaluated: they may have effects.
 Word Conjunction::compute(MiniTPUParser& run) const {
-    Word left = first->eval(run);
+    Word left = first.eval(run);
     for (const Link& link : links) {
         if (may_stop && run.stopped) break;
         bool a = truth_of(left);
-        bool b = link.operand->truth(run);
+        bool b = link.operand.truth(run);
         left = a && b ? kTrue : kFalse;
     }
     return left;
 }
 
 Word Disjunction::compute(MiniTPUParser& run) const {
-    Word left = first->eval(run);
+    Word left = first.eval(run);
     for (const Link& link : links) {
         if (may_stop && run.stopped) break;
         bool a = truth_of(left);
-        bool b = link.operand->truth(run);
+        bool b = link.operand.truth(run);
         left = a || b ? kTrue : kFalse;
     }
     return left;
 }
 
 bool Comparison::compare(MiniTPUParser& run, Word a) const {
-    Word b = right->eval(run);
+    Word b = right.eval(run);
     if (both_integers(a, b)) {
         return compare_as(op, static_cast<long long>(a.tail), static_cast<long long>(b.tail));
     }
@@ -182,13 +196,13 @@ bool Comparison::compare(MiniTPUParser& run, Word a) const {
 }
 
 Word Comparison::compute(MiniTPUParser& run) const {
-    Word a = left->eval(run);
+    Word a = left.eval(run);
     if (may_stop && run.stopped) return a;
     return compare(run, a) ? kTrue : kFalse;
 }
 
 bool Comparison::compute_truth(MiniTPUParser& run) const {
-    Word a = left->eval(run);
+    Word a = left.eval(run);
     if (may_stop && run.stopped) return truth_of(a);
     return compare(run, a);
 }
@@ -232,10 +246,22 @@ ProcedureCall::ProcedureCall(Symbol& named, CallSite arguments)
 }
 
 Word ProcedureCall::compute(MiniTPUParser& run) const {
+    constexpr std::size_t kFew = 4;
+    if (!symbol.procedure || may_stop || site.arguments.size() > kFew) return call_with_args(run);
+    // The values go from here to their names without a stop between.
+    Word words[kFew];
+    std::size_t count = 0;
+    for (const Argument& argument : site.arguments) words[count++] = argument.code->eval(run);
+    return run.call(*symbol.procedure, {words, count}, true);
+}
+
+Word ProcedureCall::call_with_args(MiniTPUParser& run) const {
     Args args(run, site);
     args.evaluate_all();
     if (const Procedure* procedure = symbol.procedure) {
-        return run.call(*procedure, args.values(), true).release();
+        std::vector<Word> words;
+        for (Value& value : args.values()) words.push_back(std::move(value).release());
+        return run.call(*procedure, words, true);
     }
     run.record_error("TPU$_UNDEFINEDPROC", "Undefined procedure " + symbol.name);
     return tpu_unspecified().release();

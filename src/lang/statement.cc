@@ -54,7 +54,13 @@ bool MiniTPUParser::execute_statement(const std::string& text) {
     if (statement.empty()) return true;
     auto code =
         code_cache.statements.get(statement, [&] { return compile_plain(statement, symbols); });
-    run_statement(*code, statement);
+    Nesting nesting(*this);
+    if (nesting.is_outermost()) {
+        UndoStep step(editor);
+        run_statement(*code, statement);
+    } else {
+        run_statement(*code, statement);
+    }
     return true;
 }
 
@@ -70,14 +76,8 @@ void MiniTPUParser::execute_text(const std::string& text) {
 }
 
 void MiniTPUParser::run_statement(const StmtCode& code, const std::string& text) {
-    Nesting nesting(*this);
     ++statement_depth;
-    if (nesting.is_outermost()) {
-        UndoStep step(editor);
-        run_plain(code, text);
-    } else {
-        run_plain(code, text);
-    }
+    run_plain(code, text);
     --statement_depth;
 }
 
@@ -88,11 +88,18 @@ void MiniTPUParser::run_plain(const StmtCode& code, const std::string& text) {
     } else if (code.builtin) {
         run_builtin(*code.builtin, code.site);
     } else if (code.procedure && code.procedure->procedure) {
-        Args args(*this, code.site);
-        call(*code.procedure->procedure, args.values(), false);
+        call_statement(*code.procedure->procedure, code.site);
     } else {
         report_unknown(text);
     }
+}
+
+void MiniTPUParser::call_statement(const Procedure& procedure, const CallSite& site) {
+    Args args(*this, site);
+    std::vector<Word> words;
+    words.reserve(args.count());
+    for (Value& value : args.values()) words.push_back(std::move(value).release());
+    Value::adopt(call(procedure, words, false));
 }
 
 void MiniTPUParser::run_builtin(const Builtin& builtin, const CallSite& site) {

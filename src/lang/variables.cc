@@ -24,7 +24,6 @@ void MiniTPUParser::assign_constant(Symbol& symbol, Value value) {
 // Deliberate: a variable that holds no array is replaced by an array of one element.
 void MiniTPUParser::assign_element(Symbol& symbol, const Value& index, Value value) {
     if (TPUArray* array = symbol.is_bound() ? symbol.value.array_here() : nullptr) {
-        Value keep = symbol.value;  // what is replaced may hold the last other share in it
         array->set(index, std::move(value));
         return;
     }

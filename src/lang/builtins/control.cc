@@ -47,7 +47,7 @@ Value execute_value(Call& call) {
     if (value.is(Value::Type::string)) {
         auto found = call.parser.procedures.find(ascii::upper(ascii::trim(value.text())));
         if (found != call.parser.procedures.end()) {
-            return call.parser.call(*found->second, {}, true);
+            return Value::adopt(call.parser.call(*found->second, {}, true));
         }
     }
     execute(call);
