@@ -25,6 +25,13 @@ namespace tpu {
 class TPUProcess;
 class UndoStep;
 
+// How far FILE_SEARCH has come.
+struct FileSearch {
+    std::string pattern;
+    std::vector<std::string> files;
+    std::size_t next = 0;
+};
+
 class TPUEditor {
   public:
     // The ports outlive the editor. A headless editor never uses the terminal.
@@ -72,6 +79,7 @@ class TPUEditor {
     bool in_set_message = false;
     std::uint64_t message_buffer_limit = 1000;  // lines; 0: no limit
     UndoStep* undo_step = nullptr;              // the outermost one under way
+    FileSearch file_search;
     bool search_succeeded = false;              // the last SEARCH
     bool match_succeeded = false;               // the last MATCH
     std::vector<std::string> test_report;       // lines of ASSERT and TEST

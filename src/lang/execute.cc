@@ -57,7 +57,9 @@ inline void run_one(MiniTPUParser& run, const Stmt& stmt) {
     const StmtCode& code = code_of(stmt, run.symbols);
     switch (stmt.kind) {
         case Stmt::kPlain: run.run_statement(code, stmt.text); break;
-        case Stmt::kAssignment: run.run_assignment(code); break;
+        case Stmt::kAssignment:
+            run.editor.learning ? run.record_assignment(stmt) : run.run_assignment(code);
+            break;
         case Stmt::kIf:
             run_nested(run, is_true(run, code.expression) ? stmt.body : stmt.else_body);
             break;
@@ -69,10 +71,7 @@ inline void run_one(MiniTPUParser& run, const Stmt& stmt) {
             run.control_signal = Signal::returning;
             run.returned = code.expression.get();
             break;
-        case Stmt::kAbort:
-            run.control_signal = Signal::aborting;
-            run.editor.set_message("ABORT");
-            break;
+        case Stmt::kAbort: run.abort(); break;
         case Stmt::kBreak: run.control_signal = Signal::breaking; break;
         case Stmt::kOnError: break;
     }
@@ -144,8 +143,19 @@ void MiniTPUParser::run_assignment(const StmtCode& code) {
     }
 }
 
+void MiniTPUParser::record_assignment(const Stmt& stmt) {
+    bool outermost = statement_depth == 0 && symbols.depth() == 0;
+    bool recorded = outermost && record_begin(stmt.text + " := " + stmt.expression);
+    run_assignment(*stmt.code);
+    if (recorded) record_end();
+}
+
 void MiniTPUParser::interrupt() {
     interrupted = true;
+    abort();
+}
+
+void MiniTPUParser::abort() {
     control_signal = Signal::aborting;
     record_error("TPU$_CONTROLC", "ABORT");
     editor.set_message("ABORT");

@@ -102,6 +102,7 @@ class MiniTPUParser {
     void execute_block(const std::vector<Stmt>& statements);
     void execute_stmt(const Stmt& stmt);
     void run_body(const std::vector<Stmt>& statements);  // of a procedure, in its scope
+    void abort();                                        // the statement ABORT
     // Ends all running code like ABORT, but for good: no handler catches it.
     void interrupt();
     // Does that when the user has pressed Ctrl-C. Cheap enough for every pass of a loop.
@@ -121,6 +122,9 @@ class MiniTPUParser {
     bool knows(std::string_view text) const;
     void run_statement(const StmtCode& code, const std::string& text);
     void run_assignment(const StmtCode& code);
+    void record_assignment(const Stmt& stmt);  // the same while a learn sequence is recorded
+    // Runs a learn sequence; one that comes to run itself ends with a recorded error.
+    void replay(const std::shared_ptr<std::vector<std::string>>& learned);
     void run_builtin(const Builtin& builtin, const CallSite& site);
 
     // procedures.cc
@@ -158,11 +162,14 @@ class MiniTPUParser {
 
     void define(Procedure procedure);
     Word call_here(const Procedure& procedure, std::span<const Word> arguments, bool value_wanted);
+    bool record_begin(const std::string& text);
+    void record_end();
     void call_statement(const Procedure& procedure, const CallSite& site);
     void run_plain(const StmtCode& code, const std::string& text);
     void report_unknown(const std::string& text);
 
     std::vector<std::unique_ptr<Procedure>> retired_;  // redefined while they may have run
+    std::vector<const void*> replaying_;               // the learn sequences that run
     unsigned steps_ = 0;
     std::chrono::steady_clock::time_point last_look_;  // at the keyboard
 };

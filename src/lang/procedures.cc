@@ -115,9 +115,7 @@ class SourceWalk {
 
 void MiniTPUParser::compile_text(const std::string& text) {
     SourceWalk walk(*this, text);
-    int outer_line = current_line;
     for (std::vector<Stmt> block; walk.next_run(block);) execute_block(block);
-    if (block_depth == 0) current_line = outer_line;
 }
 
 std::vector<Stmt> MiniTPUParser::compile_program(const std::string& text) {

@@ -1,4 +1,6 @@
 // Running one plain statement: an assignment, a declaration, a call.
+#include <algorithm>
+
 #include "core/ascii.h"
 #include "editor/editor.h"
 #include "editor/undo_step.h"
@@ -75,10 +77,44 @@ void MiniTPUParser::execute_text(const std::string& text) {
     }
 }
 
-void MiniTPUParser::run_statement(const StmtCode& code, const std::string& text) {
-    ++statement_depth;
-    run_plain(code, text);
+void MiniTPUParser::replay(const std::shared_ptr<std::vector<std::string>>& learned) {
+    constexpr std::size_t kDeepest = 100;
+    bool runs_itself =
+        std::find(replaying_.begin(), replaying_.end(), learned.get()) != replaying_.end();
+    if (runs_itself || replaying_.size() == kDeepest ||
+        (editor.learning && learned == editor.learn_keys)) {
+        record_error("TPU$_RECURLEARN", "A learn sequence cannot run itself");
+        editor.set_message(error_text);
+        return;
+    }
+    Nesting nesting(*this);
+    replaying_.push_back(learned.get());
+    ++statement_depth;  // what is replayed is not recorded anew
+    for (const std::string& statement : *learned) {
+        if (control_signal != Signal::none || !execute_statement(statement)) break;
+    }
     --statement_depth;
+    replaying_.pop_back();
+}
+
+void MiniTPUParser::run_statement(const StmtCode& code, const std::string& text) {
+    bool recorded = ++statement_depth == 1 && symbols.depth() == 0 && record_begin(text);
+    run_plain(code, text);
+    if (recorded) record_end();
+    --statement_depth;
+}
+
+// Keeps an outermost statement in the learn sequence that is being recorded. False
+// when there is none.
+bool MiniTPUParser::record_begin(const std::string& text) {
+    if (!editor.learning) return false;
+    editor.learn_keys->push_back(text);
+    return true;
+}
+
+// What ended the recording is no part of it.
+void MiniTPUParser::record_end() {
+    if (!editor.learning && editor.learn_keys) editor.learn_keys->pop_back();
 }
 
 void MiniTPUParser::run_plain(const StmtCode& code, const std::string& text) {

@@ -43,6 +43,7 @@ void MiniTPUParser::settle() {
     control_signal = Signal::none;
     interrupted = false;
     stack_limit = nullptr;
+    current_line = 0;
     retired_.clear();
 }
 

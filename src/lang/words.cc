@@ -4,7 +4,9 @@
 
 namespace tpu {
 
-const Value* constant_word(std::string_view word) {
+namespace {
+
+const std::map<std::string_view, Value>& words_with_values() {
     static const auto* const kWords = [] {
         auto* words = new std::map<std::string_view, Value>{
             {"TRUE", Value::make_int(1)},       {"ON", Value::make_int(1)},
@@ -18,8 +20,20 @@ const Value* constant_word(std::string_view word) {
         }
         return words;
     }();
-    auto found = kWords->find(word);
-    return found == kWords->end() ? nullptr : &found->second;
+    return *kWords;
+}
+
+}  // namespace
+
+const Value* constant_word(std::string_view word) {
+    auto found = words_with_values().find(word);
+    return found == words_with_values().end() ? nullptr : &found->second;
+}
+
+std::vector<std::string_view> constant_words() {
+    std::vector<std::string_view> words;
+    for (const auto& [word, value] : words_with_values()) words.push_back(word);
+    return words;
 }
 
 }  // namespace tpu

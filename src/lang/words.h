@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "core/value.h"
 
@@ -10,5 +11,6 @@ namespace tpu {
 // The value of TRUE, FORWARD, UNSPECIFIED and the like, given in upper case; null for
 // a word that is none of them.
 const Value* constant_word(std::string_view word);
+std::vector<std::string_view> constant_words();
 
 }  // namespace tpu

@@ -24,6 +24,8 @@ namespace {
 // leaves the editor time for keys.
 constexpr std::size_t kMostPerPoll = 1 << 20;
 
+constexpr std::size_t kMostUnsent = 16 << 20;
+
 struct Pipe {
     Descriptor read;
     Descriptor write;
@@ -149,10 +151,12 @@ bool TPUProcess::start(const std::string& command_line, Buffer* output_buffer) {
     return true;
 }
 
-void TPUProcess::send(std::string_view text) {
-    if (input_closed_ || !input_) return;
+bool TPUProcess::send(std::string_view text) {
+    if (input_closed_ || !input_) return true;
+    if (unsent_.size() + text.size() > kMostUnsent) return false;
     unsent_ += text;
     flush_input();
+    return true;
 }
 
 void TPUProcess::send_eof() {

@@ -36,8 +36,10 @@ class TPUProcess {
     pid_t pid() const { return pid_; }
 
     // Writes to the child's standard input; nothing is added to the text. Does nothing
-    // once the input is closed or when the child has closed its end.
-    void send(std::string_view text);
+    // once the input is closed or when the child has closed its end. What the child
+    // does not take yet waits, up to 16 megabytes: false when it would become more, and
+    // the text is dropped.
+    bool send(std::string_view text);
 
     // Closes the child's standard input, behind what has been sent.
     void send_eof();

@@ -20,16 +20,10 @@ bool is_source(const Value& value) {
     return value.is(Type::string) || buffer_of(value) != nullptr;
 }
 
-void replay(Call& call, const std::shared_ptr<Value::Learn>& learned) {
-    for (const std::string& statement : *learned) {
-        if (!call.parser.execute_statement(statement)) return;
-    }
-}
-
 void execute(Call& call) {
     const Value value = call.args.value(0);
     using Type = Value::Type;
-    if (value.is(Type::learn)) return replay(call, value.learn());
+    if (value.is(Type::learn)) return call.parser.replay(value.learn());
     if (value.is(Type::program)) {
         std::shared_ptr<Value::Program> program = value.program();
         return call.parser.execute_block(*program);
@@ -63,9 +57,7 @@ Value compile(Call& call) {
 }
 
 void abort_statement(Call& call) {
-    call.parser.control_signal = Signal::aborting;
-    call.parser.record_error("TPU$_CONTROLC", "ABORT");
-    call.editor.set_message("ABORT");
+    call.parser.abort();
 }
 
 void quit(Call& call) {

@@ -8,17 +8,22 @@
 
 namespace tpu::builtins {
 
+std::span<const Builtin> attributes();
+std::span<const Builtin> clipboard();
 std::span<const Builtin> control();
 std::span<const Builtin> display();
 std::span<const Builtin> editing();
-std::span<const Builtin> files();
 std::span<const Builtin> input();
+std::span<const Builtin> learn();
 std::span<const Builtin> movement();
+std::span<const Builtin> names();
 std::span<const Builtin> objects();
 std::span<const Builtin> patterns();
+std::span<const Builtin> processes();
 std::span<const Builtin> search();
-std::span<const Builtin> session();
 std::span<const Builtin> testing();
 std::span<const Builtin> texts();
+std::span<const Builtin> toolkit();
+std::span<const Builtin> windows();
 
 }  // namespace tpu::builtins

@@ -1,9 +1,9 @@
-// Names of files.
+// The system's clipboard.
 #include "lang/builtins/families.h"
 
 namespace tpu::builtins {
 
-std::span<const Builtin> files() {
+std::span<const Builtin> clipboard() {
     return {};
 }
 
