@@ -38,7 +38,7 @@ const Value* ArrayElements::find(std::string_view key) const {
     return element == strings_.end() ? nullptr : &element->second;
 }
 
-void ArrayElements::set(std::string_view key, Value value) {
+void ArrayElements::set(std::string_view key, Value&& value) {
     auto element = strings_.lower_bound(key);
     if (element != strings_.end() && element->first == key) {
         element->second = std::move(value);
@@ -48,16 +48,15 @@ void ArrayElements::set(std::string_view key, Value value) {
 }
 
 // An element that the run does not hold yet.
-void ArrayElements::insert(long long key, Value value) {
+void ArrayElements::insert(long long key, Value&& value) {
     if (!run_.touches(key)) return insert_sparse(key, std::move(value));
     if (run_.empty()) sparse_.erase(key);
     run_.insert(key, std::move(value));
-    if (sparse_.empty()) return;
     if (key == run_.last()) join_above();
     if (key == run_.first()) join_below();
 }
 
-void ArrayElements::insert_sparse(long long key, Value value) {
+void ArrayElements::insert_sparse(long long key, Value&& value) {
     bool is_new = sparse_.insert_or_assign(key, std::move(value)).second;
     if (!is_new) return;
     if (sparse_.size() == 1) look_at_ = kFewSparse;

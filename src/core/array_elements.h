@@ -36,14 +36,16 @@ class ArrayElements {
     }
 
     // Creates or replaces an element.
-    void set(long long key, Value value) {
+    void set(long long key, Value&& value) {
         if (Value* element = run_.find(key)) {
             *element = std::move(value);
+        } else if (sparse_.empty() && run_.ends_before(key)) {
+            run_.append(std::move(value));
         } else {
             insert(key, std::move(value));
         }
     }
-    void set(std::string_view key, Value value);
+    void set(std::string_view key, Value&& value);
     // Removes an element if it is there.
     void erase(long long key);
     void erase(std::string_view key);
@@ -76,8 +78,8 @@ class ArrayElements {
     static void visit_all(Self& self, Visit&& visit);
 
     const Value* find_sparse(long long key) const;
-    void insert(long long key, Value value);
-    void insert_sparse(long long key, Value value);
+    void insert(long long key, Value&& value);
+    void insert_sparse(long long key, Value&& value);
     void join_above();
     void join_below();
     void scatter_run();

@@ -1,8 +1,6 @@
 #include "core/dense_run.h"
 
-#include <algorithm>
 #include <cassert>
-#include <limits>
 
 namespace tpu {
 
@@ -13,19 +11,17 @@ bool DenseRun::touches(long long key) const {
     return true;
 }
 
-void DenseRun::insert(long long key, Value value) {
+void DenseRun::insert(long long key, Value&& value) {
     assert(touches(key) && !find(key) && !value.is(Value::Type::none));
     if (empty()) base_ = static_cast<unsigned long long>(key);
-    if (empty() || key > last()) {
-        slots_.push_back(std::move(value));
-    } else {
-        if (key < first()) {
-            if (head_ == 0) make_room_below();
-            --head_;
-        }
-        slots_[place_of(key)] = std::move(value);
+    if (empty() || key > last()) return append(std::move(value));
+    if (key < first()) {
+        if (head_ == 0) make_room_below();
+        --head_;
     }
-    if (in_gap(place_of(key))) gap_end_ = gap_begin_;
+    std::size_t place = place_of(key);
+    if (in_gap(place)) gap_end_ = gap_begin_;
+    slots_[place] = std::move(value);
     ++size_;
 }
 
@@ -62,14 +58,12 @@ void DenseRun::remember_gap(std::size_t begin, std::size_t end) {
     gap_end_ = end;
 }
 
-// As many free slots as there are taken ones, as far as there are subscripts for them.
+// As many free slots as there are taken ones. It does no harm when some of them are
+// for numbers below the lowest integer.
 void DenseRun::make_room_below() {
-    unsigned long long lowest =
-        static_cast<unsigned long long>(std::numeric_limits<long long>::min());
-    std::size_t room = std::min(slots_.size(), static_cast<std::size_t>(base_ - lowest));
-    slots_.insert(slots_.begin(), room, Value());
-    base_ -= room;
-    head_ = room;
+    head_ = slots_.size();
+    slots_.insert(slots_.begin(), head_, Value());
+    base_ -= head_;
     gap_begin_ = gap_end_ = 0;
 }
 

@@ -34,7 +34,16 @@ class DenseRun {
     // True when the subscript lies in the run or next to it, or the run is empty:
     // then insert can put a new element there.
     bool touches(long long key) const;
-    void insert(long long key, Value value);
+    void insert(long long key, Value&& value);
+    // The same for the place behind the last element.
+    bool ends_before(long long key) const {
+        return place_of(key) == slots_.size() && !empty() && key > last();
+    }
+    void append(Value&& value) {
+        if (in_gap(slots_.size())) gap_end_ = gap_begin_;
+        slots_.push_back(std::move(value));
+        ++size_;
+    }
     // Removes the element, which must be there, and gives it.
     Value take(long long key);
     void clear();
@@ -64,8 +73,7 @@ class DenseRun {
   private:
     static constexpr std::size_t kFewHoles = 16;
 
-    // Unsigned, so that a subscript below the first slot gives a place that is too
-    // high. No slot belongs to a number beyond the range of subscripts.
+    // Unsigned, so that a subscript below the first slot gives a place that is too high.
     std::size_t place_of(long long key) const {
         return static_cast<std::size_t>(static_cast<unsigned long long>(key) - base_);
     }

@@ -2,6 +2,7 @@
 #include "core/ascii.h"
 #include "editor/editor.h"
 #include "editor/undo_step.h"
+#include "lang/nesting.h"
 #include "proc/process.h"
 
 namespace tpu {
@@ -61,7 +62,8 @@ bool follow_mouse(TPUEditor& editor, int key) {
 
 // Procedures are run from a copy, since they may change their own setting.
 void run_procedure(TPUEditor& editor, std::string text) {
-    if (!text.empty()) editor.parser.execute_statement(text);
+    Unrecorded automatic(editor.parser);
+    if (!text.empty()) editor.parser.execute_text(text);
 }
 
 bool take_prefix(TPUEditor& editor, int key) {
@@ -81,15 +83,6 @@ const KeyMapList* key_map_list(const TPUEditor& editor) {
 }
 
 // The text of a key is a statement, or else a command line.
-void run_key_text(TPUEditor& editor, const std::string& text) {
-    if (editor.learning && editor.learn_keys) editor.learn_keys->push_back(text);
-    if (!editor.parser.knows(text) && TPUEditor::is_command(text)) {
-        editor.execute_command(text);
-    } else {
-        editor.parser.execute_text(text);
-    }
-}
-
 bool run_binding(TPUEditor& editor, int code) {
     const KeyMapList* list = key_map_list(editor);
     const KeyBinding* found = list ? list->lookup(code) : nullptr;
@@ -98,7 +91,7 @@ bool run_binding(TPUEditor& editor, int code) {
     if (binding.action) {
         binding.action();
     } else if (!binding.text.empty()) {
-        run_key_text(editor, binding.text);
+        editor.run_key_text(binding.text);
     } else {
         return false;
     }
@@ -161,6 +154,19 @@ void TPUEditor::handle_key(int key) {
         act_on_key(*this, key);
     }
     run_procedure(*this, post_key_procedure);
+}
+
+void TPUEditor::run_key_text(const std::string& text) {
+    bool recorded = parser.record_begin(text);
+    {
+        Unrecorded parts(parser);
+        if (!parser.knows(text) && is_command(text)) {
+            execute_command(text);
+        } else {
+            parser.execute_text(text);
+        }
+    }
+    if (recorded) parser.record_end();
 }
 
 void TPUEditor::insert_paste(const std::string& text) {

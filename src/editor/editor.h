@@ -80,9 +80,9 @@ class TPUEditor {
     std::uint64_t message_buffer_limit = 1000;  // lines; 0: no limit
     UndoStep* undo_step = nullptr;              // the outermost one under way
     FileSearch file_search;
-    bool search_succeeded = false;              // the last SEARCH
-    bool match_succeeded = false;               // the last MATCH
-    std::vector<std::string> test_report;       // lines of ASSERT and TEST
+    bool search_succeeded = false;         // the last SEARCH
+    bool match_succeeded = false;          // the last MATCH
+    std::vector<std::string> test_report;  // lines of ASSERT and TEST
     int assertions_passed = 0;
     int assertions_failed = 0;
 
@@ -128,6 +128,7 @@ class TPUEditor {
 
     // dispatch.cc
     void handle_key(int key);
+    void run_key_text(const std::string& text);  // statements, or a command
     void insert_paste(const std::string& text);
 
     // prompts.cc

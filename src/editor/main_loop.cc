@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "editor/editor.h"
+#include "lang/nesting.h"
 #include "proc/process.h"
 
 namespace tpu {
@@ -21,7 +22,8 @@ void run_timer(TPUEditor& editor) {
     Clock::time_point now = editor.ports.clock.now();
     if (now - editor.timer_start < std::chrono::milliseconds(editor.timer_interval)) return;
     editor.timer_start = now;
-    editor.parser.execute_statement(std::string(editor.timer_action));
+    Unrecorded automatic(editor.parser);
+    editor.parser.execute_text(std::string(editor.timer_action));
 }
 
 // What the terminal reports beside keys. True when `key` was such a report.

@@ -62,6 +62,7 @@ class MiniTPUParser {
     std::size_t stopped_at = 0;         // byte of the expression where reading stopped
     const Node* returned = nullptr;     // what the RETURN that set the signal returns
     bool interrupted = false;           // everything is to end, the outermost statement too
+    int unrecorded = 0;                 // see Unrecorded
     int block_depth = 0;                // blocks and statements under way
     const char* stack_limit = nullptr;  // where the running stack is nearly used up
     CodeCache code_cache;
@@ -123,6 +124,10 @@ class MiniTPUParser {
     void run_statement(const StmtCode& code, const std::string& text);
     void run_assignment(const StmtCode& code);
     void record_assignment(const Stmt& stmt);  // the same while a learn sequence is recorded
+    // Keeps a statement in the learn sequence that is being recorded, before it runs;
+    // false when none is. What ended the recording is taken out of it again.
+    bool record_begin(const std::string& text);
+    void record_end();
     // Runs a learn sequence; one that comes to run itself ends with a recorded error.
     void replay(const std::shared_ptr<std::vector<std::string>>& learned);
     void run_builtin(const Builtin& builtin, const CallSite& site);
@@ -162,8 +167,6 @@ class MiniTPUParser {
 
     void define(Procedure procedure);
     Word call_here(const Procedure& procedure, std::span<const Word> arguments, bool value_wanted);
-    bool record_begin(const std::string& text);
-    void record_end();
     void call_statement(const Procedure& procedure, const CallSite& site);
     void run_plain(const StmtCode& code, const std::string& text);
     void report_unknown(const std::string& text);

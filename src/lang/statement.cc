@@ -89,11 +89,11 @@ void MiniTPUParser::replay(const std::shared_ptr<std::vector<std::string>>& lear
     }
     Nesting nesting(*this);
     replaying_.push_back(learned.get());
-    ++statement_depth;  // what is replayed is not recorded anew
+    Unrecorded unrecorded_replay(*this);
     for (const std::string& statement : *learned) {
-        if (control_signal != Signal::none || !execute_statement(statement)) break;
+        if (control_signal != Signal::none) break;
+        editor.run_key_text(statement);
     }
-    --statement_depth;
     replaying_.pop_back();
 }
 
@@ -104,15 +104,12 @@ void MiniTPUParser::run_statement(const StmtCode& code, const std::string& text)
     --statement_depth;
 }
 
-// Keeps an outermost statement in the learn sequence that is being recorded. False
-// when there is none.
 bool MiniTPUParser::record_begin(const std::string& text) {
-    if (!editor.learning) return false;
+    if (!editor.learning || !editor.learn_keys || unrecorded > 0) return false;
     editor.learn_keys->push_back(text);
     return true;
 }
 
-// What ended the recording is no part of it.
 void MiniTPUParser::record_end() {
     if (!editor.learning && editor.learn_keys) editor.learn_keys->pop_back();
 }

@@ -198,6 +198,51 @@ TEST(ArrayDensity, neighbours_come_together_in_whatever_order_they_are_stored) {
     EXPECT_EQ(late.size(), 1001u);
 }
 
+TEST(ArrayDensity, longest_run_is_the_dense_one) {
+    TPUArray array;
+    auto remove = [&](long long key) { array.set(Value::make_int(key), Value()); };
+    for (long long i = 0; i < 101; ++i) fill(array, i * 37 % 101, i * 37 % 101);
+    for (long long i = 2000; i < 2100; i += 2) fill(array, i, i);
+    EXPECT_TRUE(is_dense(array, 0, 100));
+    fill(array, 4001, 5000);
+    EXPECT_TRUE(is_dense(array, 4001, 5000));
+    for (long long i = 4002; i < 5000; ++i) remove(i);
+    EXPECT_NE(array.find(Value::make_int(5000)), array.find(Value::make_int(4001)) + 999);
+    EXPECT_EQ(array.size(), 153u);
+    for (long long i = 0; i <= 5000; ++i) remove(i);
+    EXPECT_EQ(array.size(), 0u);
+    fill(array, -7, -7);
+    fill(array, 1, 100);
+    EXPECT_TRUE(is_dense(array, 1, 100));
+}
+
+int count_by_walk(TPUArray& array) {
+    int count = 0;
+    for (array.walk("FIRST"); array.walk_valid; array.walk("NEXT")) ++count;
+    return count;
+}
+
+// A walk remembers the hole that it passed.
+TEST(ArrayDensity, walk_finds_all_elements_when_a_hole_has_moved_or_was_filled) {
+    TPUArray moved, filled;
+    auto remove = [](TPUArray& array, long long from, long long to) {
+        for (; from <= to; ++from) array.set(Value::make_int(from), Value());
+    };
+    fill(moved, 0, 159);
+    remove(moved, 5, 29);
+    EXPECT_EQ(count_by_walk(moved), 135);
+    remove(moved, 0, 119);
+    remove(moved, 125, 129);
+    EXPECT_EQ(count_by_walk(moved), 35);
+    fill(filled, 0, 99);
+    remove(filled, 40, 69);
+    EXPECT_EQ(count_by_walk(filled), 70);
+    remove(filled, 70, 99);
+    fill(filled, 40, 60);
+    remove(filled, 50, 50);
+    EXPECT_EQ(count_by_walk(filled), 60);
+}
+
 TEST(ArrayDensity, ends_of_the_range_of_integers_are_places_like_others) {
     TPUArray low, high;
     fill(low, kLowest + 20, kLowest);
