@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -103,9 +104,16 @@ class TPUEditor {
     void split_window_vertical();
     void next_window();
     void enter_window(TPUWindow* window);  // makes it current, and its buffer
-    void delete_window(TPUWindow* window);
     void save_window_cursor(TPUWindow* window);
     void restore_window_cursor(TPUWindow* window);
+
+    // forgetting.cc
+    // False: it is the last one that people use. Windows on it show another one.
+    bool delete_buffer(Buffer* buffer);
+    void delete_window(TPUWindow* window);
+    // Makes unspecified the variables and elements of arrays of which `gone` is true.
+    void forget_values(const std::function<bool(const Value&)>& gone);
+    void free_deleted();  // what was deleted; for when no code runs
 
     // screen.cc
     void init_screen();  // ends the process with status 1 when the terminal cannot be used
@@ -167,6 +175,8 @@ class TPUEditor {
 
   private:
     std::deque<int> unread_keys_;
+    std::vector<std::unique_ptr<Buffer>> deleted_buffers_;  // until no code runs
+    std::vector<std::unique_ptr<TPUWindow>> deleted_windows_;
     std::vector<std::unique_ptr<KeyMap>> replaced_key_maps_;  // a list may still hold them
     std::vector<std::unique_ptr<KeyMapList>> replaced_key_map_lists_;
     ResizeMemory resize_memory_;

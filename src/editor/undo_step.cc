@@ -26,8 +26,11 @@ void UndoStep::watch_current_buffer() {
     if (!known) watched_.push_back({buffer, buffer->snap(), buffer->history_moves});
 }
 
+void UndoStep::forget(const Buffer* buffer) {
+    std::erase_if(watched_, [&](const Watched& watched) { return watched.buffer == buffer; });
+}
+
 void UndoStep::finish(const Watched& watched) const {
-    if (!editor_.owns(watched.buffer)) return;  // deleted meanwhile
     Buffer& buffer = *watched.buffer;
     Buffer::Snapshot now = buffer.snap();
     bool only_travelled = buffer.history_moves != watched.history_moves &&

@@ -19,6 +19,7 @@ class UndoStep {
     UndoStep(const UndoStep&) = delete;
     UndoStep& operator=(const UndoStep&) = delete;
 
+    void forget(const Buffer* buffer);  // it is being deleted
     // Watches the buffer that is current now as well.
     void watch_current_buffer();
 

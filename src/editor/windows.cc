@@ -74,15 +74,6 @@ void TPUEditor::enter_window(TPUWindow* window) {
     restore_window_cursor(window);
 }
 
-void TPUEditor::delete_window(TPUWindow* window) {
-    auto place = find_window(windows, window);
-    if (place == windows.end()) return;
-    windows.erase(place);
-    if (current_window == window) {
-        current_window = windows.empty() ? nullptr : windows.front().get();
-    }
-}
-
 void TPUEditor::save_window_cursor(TPUWindow* window) {
     if (!window || !window->buffer) return;
     window->saved_line = window->buffer->cursor_row;

@@ -130,6 +130,11 @@ int TPUEditor::key_name_to_code(std::string_view name) {
 }
 
 void TPUEditor::define_default_keys() {
+    // What start-up files have bound to texts stays bound.
+    std::map<int, KeyBinding> own;
+    if (auto earlier = key_maps.find("TPU$KEY_MAP"); earlier != key_maps.end()) {
+        own = earlier->second->bindings;
+    }
     KeyMap* map = create_key_map("TPU$KEY_MAP");
     current_key_map_list = create_key_map_list("TPU$KEY_MAP_LIST", map);
     for (const DefaultKey& key : kDefaultKeys) {
@@ -141,6 +146,9 @@ void TPUEditor::define_default_keys() {
             };
         }
         map->define_key(key.code, std::move(binding));
+    }
+    for (auto& [code, binding] : own) {
+        if (binding.action || !binding.text.empty()) map->define_key(code, std::move(binding));
     }
 }
 

@@ -155,6 +155,16 @@ void MiniTPUParser::interrupt() {
     abort();
 }
 
+// The outermost statement has ended.
+void MiniTPUParser::settle() {
+    control_signal = Signal::none;
+    interrupted = false;
+    stack_limit = nullptr;
+    current_line = 0;
+    retired_.clear();
+    editor.free_deleted();
+}
+
 void MiniTPUParser::abort() {
     control_signal = Signal::aborting;
     record_error("TPU$_CONTROLC", "ABORT");

@@ -38,13 +38,4 @@ void MiniTPUParser::record_error(const std::string& code, const std::string& tex
     if (current_line >= 1) error_line = current_line;
 }
 
-// The outermost statement has ended.
-void MiniTPUParser::settle() {
-    control_signal = Signal::none;
-    interrupted = false;
-    stack_limit = nullptr;
-    current_line = 0;
-    retired_.clear();
-}
-
 }  // namespace tpu

@@ -9,11 +9,13 @@
 namespace tpu::builtins {
 
 std::span<const Builtin> attributes();
+std::span<const Builtin> buffers();
 std::span<const Builtin> clipboard();
 std::span<const Builtin> control();
 std::span<const Builtin> display();
 std::span<const Builtin> editing();
 std::span<const Builtin> input();
+std::span<const Builtin> keys();
 std::span<const Builtin> learn();
 std::span<const Builtin> movement();
 std::span<const Builtin> names();

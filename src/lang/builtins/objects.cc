@@ -1,4 +1,4 @@
-// Making and finding buffers, ranges and arrays; windows that show nothing.
+// Making ranges and arrays.
 #include <cstdlib>
 
 #include "core/array.h"
@@ -43,29 +43,10 @@ Value modify_range(Call& call) {
     return value;
 }
 
-Value get_buffer(Call& call) {
-    Buffer* buffer = call.editor.find_buffer(call.args.text(0));
-    return buffer ? Value::make_buffer(buffer) : tpu_unspecified();
-}
-
-Value create_buffer(Call& call) {
-    std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
-    std::string file = call.args.count() > 1 ? call.args.text(1) : std::string();
-    if (name.empty()) name = "untitled";
-    Buffer* buffer = call.editor.find_buffer(name);
-    if (!buffer) buffer = call.editor.create_buffer(name, file);
-    return Value::make_buffer(buffer);
-}
-
 Value create_array(Call& call) {
     if (call.args.count() == 0) return Value::make_array();
     long long low = call.args.count() > 1 ? call.args.number(1) : 1;
     return Value::make_array(call.args.number(0), low);
-}
-
-void unmap(Call& call) {
-    const Value& window = call.args.value(0);
-    if (window.is(Type::window)) call.editor.unmap_window(window.window());
 }
 
 // clang-format off
@@ -74,15 +55,9 @@ constexpr Builtin kRows[] = {
      .help = "The range between two markers."},
     {.name = "MODIFY_RANGE", .function = modify_range, .least = 2, .most = 3, .form = "MODIFY_RANGE(range, marker [, marker])",
      .help = "Give a range another start, and another end."},
-    {.name = "GET_BUFFER", .function = get_buffer, .least = 1, .most = 1, .form = "GET_BUFFER(name)",
-     .help = "The buffer of that name; unspecified without one."},
-    {.name = "CREATE_BUFFER", .function = create_buffer, .most = 2, .form = "CREATE_BUFFER(name [, file])",
-     .help = "The buffer of that name, which is made when there is none."},
     {.name = "CREATE_ARRAY", .statement = [](Call&) {}, .function = create_array, .bare = true, .most = 2,
      .form = "CREATE_ARRAY[(count [, lowest])]",
      .help = "A new array, with that many elements from the lowest subscript on."},
-    {.name = "UNMAP", .statement = unmap, .least = 1, .most = 1, .form = "UNMAP(window)",
-     .help = "Let a window show nothing."},
 };
 // clang-format on
 

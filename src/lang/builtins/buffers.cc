@@ -1,0 +1,137 @@
+// Buffers and files, and deleting whatever there is.
+#include <algorithm>
+
+#include "core/array.h"
+#include "editor/editor.h"
+#include "lang/builtins/common.h"
+#include "lang/builtins/families.h"
+#include "proc/process.h"
+
+namespace tpu::builtins {
+
+namespace {
+
+using Type = Value::Type;
+
+Value get_buffer(Call& call) {
+    Buffer* buffer = call.editor.find_buffer(call.args.text(0));
+    return buffer ? Value::make_buffer(buffer) : tpu_unspecified();
+}
+
+// The file is loaded when there is one; in any case it is where the buffer is written.
+Value create_buffer(Call& call) {
+    std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
+    if (name.empty()) name = "untitled";
+    if (Buffer* buffer = call.editor.find_buffer(name)) return Value::make_buffer(buffer);
+    Buffer* buffer = call.editor.create_buffer(name, "");
+    if (call.args.count() > 1) {
+        std::string file = call.args.text(1);
+        if (!buffer->load_file(file)) buffer->file_name = file;
+    }
+    return Value::make_buffer(buffer);
+}
+
+void read_file(Call& call) {
+    std::string name = call.args.text(0);
+    Buffer file("", "");
+    if (call.args.count() == 0 || !file.load_file(name)) {
+        return call.editor.set_message("READ_FILE: cannot open " + name);
+    }
+    call.buffer().copy_lines(file.lines, call.editor.charset);
+}
+
+bool write_range(const Range& range, const std::string& name) {
+    Buffer part("", name);
+    part.lines = range.buffer()->lines_of_range(range);
+    return part.write_file(name);
+}
+
+// WRITE_FILE(buffer or range [, name])
+void write_file(Call& call) {
+    const Value& what = call.args.value(0);
+    std::string name = call.args.count() > 1 ? call.args.text(1) : std::string();
+    bool written = false;
+    if (what.is(Type::range) && buffer_of(what)) {
+        if (name.empty()) name = "tpu_range_out.txt";
+        written = write_range(*what.range(), name);
+    } else {
+        Buffer* buffer = call.args.count() == 0 ? &call.buffer() : what.buffer();
+        if (!buffer) {
+            wrong_type(call, "a buffer or a range");
+            return;
+        }
+        if (name.empty()) name = buffer->file_name;
+        written = buffer->write_file(name);
+    }
+    call.editor.set_message(written ? "Wrote " + name : "Write failed");
+}
+
+// After this no variable refers to the object that the value shares.
+template <class T>
+void forget_shared(Call& call, const std::shared_ptr<T>& object,
+                   std::shared_ptr<T> (Value::*share)() const) {
+    call.editor.forget_values([&](const Value& value) { return (value.*share)() == object; });
+}
+
+void delete_process(Call& call, const std::shared_ptr<TPUProcess>& process) {
+    std::erase(call.editor.processes, process);
+    if (call.editor.attached_process == process) call.editor.attached_process.reset();
+    forget_shared(call, process, &Value::process);
+}
+
+void delete_array(Call& call, const std::shared_ptr<TPUArray>& array) {
+    forget_shared(call, array, &Value::array);
+    array->deleted = true;
+}
+
+void delete_buffer(Call& call, Buffer* buffer) {
+    if (!buffer) return;
+    if (buffer->permanent) return call.editor.set_message("A permanent buffer cannot be deleted");
+    std::string name = buffer->name;
+    bool done = call.editor.delete_buffer(buffer);
+    call.editor.set_message(done ? "Deleted buffer " + name : "The last buffer cannot be deleted");
+}
+
+// Without an argument: what the command of that name does.
+void delete_object(Call& call) {
+    if (call.args.count() == 0) return call.editor.execute_command("DELETE");
+    const Value value = call.args.value(0);
+    switch (value.type()) {
+        case Type::buffer: return delete_buffer(call, value.buffer());
+        case Type::window: return call.editor.delete_window(value.window());
+        case Type::array: return delete_array(call, value.array());
+        case Type::process: return delete_process(call, value.process());
+        case Type::marker:
+            forget_shared(call, value.marker(), &Value::marker);
+            *value.marker() = Marker();
+            break;
+        case Type::range:
+            forget_shared(call, value.range(), &Value::range);
+            *value.range() = Range();
+            break;
+        default: wrong_type(call, "a buffer, window, array, marker, range or process");
+    }
+}
+
+// clang-format off
+constexpr Builtin kRows[] = {
+    {.name = "GET_BUFFER", .function = get_buffer, .least = 1, .most = 1, .form = "GET_BUFFER(name)",
+     .help = "The buffer of that name; unspecified without one."},
+    {.name = "CREATE_BUFFER", .function = create_buffer, .most = 2, .form = "CREATE_BUFFER(name [, file])",
+     .help = "The buffer of that name, which is made, and loaded from the file, when there is none."},
+    {.name = "READ_FILE", .statement = read_file, .least = 1, .most = 1, .form = "READ_FILE(file)",
+     .help = "Insert the text of a file at the cursor."},
+    {.name = "WRITE_FILE", .statement = write_file, .most = 2, .form = "WRITE_FILE(buffer or range [, file])",
+     .help = "Write a text to a file, a buffer's own without one."},
+    {.name = "DELETE", .statement = delete_object, .most = 1, .form = "DELETE[(object)]",
+     .help = "Delete a buffer, window, array, marker, range or process; without one, the selection or the character at the cursor."},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const Builtin> buffers() {
+    return kRows;
+}
+
+}  // namespace tpu::builtins
