@@ -1,0 +1,74 @@
+// Start-up files, keys bound to source text, and test scripts, seen from outside.
+#include <gtest/gtest.h>
+
+#include "pty/pty_session.h"
+
+namespace tpu {
+namespace {
+
+class Language : public testing::Test {
+  protected:
+    PtySession tty;
+};
+
+TEST_F(Language, start_up_files_run_before_the_first_key) {
+    tty.write(".tpurc", "COPY_TEXT(\"home\")\nDEFINE_KEY(\"COPY_TEXT(1 + 1); TOP\", \"F8\")\n");
+    tty.write("commands.tpu", "COPY_TEXT(\" command\")");
+    tty.start({"--command=commands.tpu", "a.txt"});
+    EXPECT_TRUE(tty.shows(0, "home command")) << tty.screen();
+    EXPECT_TRUE(tty.eventually([&] { return tty.row(23).starts_with("Ctrl-Z command"); }));
+    tty.type("\033[19~");
+    EXPECT_TRUE(tty.shows(0, "home command2")) << tty.screen();
+    EXPECT_TRUE(tty.has_cursor_at(0, 0));
+}
+
+TEST_F(Language, the_named_start_up_file_wins_when_it_can_be_read) {
+    tty.write(".tpurc", "COPY_TEXT(\"home\")");
+    tty.write("named.tpu", "COPY_TEXT(\"named\")");
+    tty.environment["TPU_STARTUP"] = "named.tpu";
+    tty.start({});
+    EXPECT_TRUE(tty.shows(0, "named")) << tty.screen();
+    tty.type("\030");
+    EXPECT_EQ(tty.exit_status(), 0);
+    PtySession other;
+    other.write(".tpurc", "COPY_TEXT(\"home\")\nbad(");
+    other.environment["TPU_STARTUP"] = "missing.tpu";
+    other.start({});
+    EXPECT_TRUE(other.shows(0, "home")) << other.screen();
+    EXPECT_TRUE(other.shows(23, "Unknown command: bad(  (line 2)")) << other.screen();
+}
+
+TEST_F(Language, control_c_stops_a_program_and_undo_takes_it_back) {
+    tty.write(".tpurc",
+              "PROCEDURE spin\nCOPY_TEXT(\"spun\")\nLOOP\nLOOP\nspin_on\nENDLOOP\nENDLOOP\n"
+              "ENDPROCEDURE\nPROCEDURE spin_on\nx := x + 1\nENDPROCEDURE\n");
+    tty.edit("a.txt", "one");
+    tty.type("\032spin\rtyped ahead\003");
+    EXPECT_TRUE(tty.shows(23, "ABORT")) << tty.screen();
+    EXPECT_TRUE(tty.shows(0, "spunone")) << tty.screen();
+    tty.type("\032UNDO\r");
+    EXPECT_TRUE(tty.shows(0, "one")) << tty.screen();
+    tty.type("\032EXIT(7)\r");
+    EXPECT_EQ(tty.exit_status(), 7);
+}
+
+TEST_F(Language, a_test_script_reports_and_its_faults_can_be_jumped_to) {
+    tty.write("t.tpu",
+              "TEST(\"title\")\nASSERT(1)\n\nnonsense here\nASSERT_EQ(2, 3, \"two\")\n"
+              "PROCEDURE unfinished\nx := 1\n");
+    tty.start({"--test", "t.tpu"});
+    EXPECT_EQ(tty.exit_status(), 1);
+    EXPECT_EQ(tty.output(),
+              "---- \"title\"\r\nPASS  1\r\nFAIL  two  (got=\"2\" expected=\"3\")\r\n"
+              "----------------------------------------\r\n1 passed, 1 failed\r\n");
+    EXPECT_EQ(
+        tty.errors(),
+        "t.tpu:4: Unknown command: nonsense here\nt.tpu:7: missing ENDPROCEDURE for unfinished\n");
+    PtySession other;
+    other.start({"--test", "missing.tpu"});
+    EXPECT_EQ(other.exit_status(), 2);
+    EXPECT_EQ(other.errors(), "tpu --test: cannot open missing.tpu\n");
+}
+
+}  // namespace
+}  // namespace tpu
