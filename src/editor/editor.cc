@@ -7,6 +7,9 @@ namespace tpu {
 TPUEditor::TPUEditor(Ports outside)
     : ports(outside), parser(*this), timer_start(outside.clock.now()) {}
 
-TPUEditor::~TPUEditor() = default;
+TPUEditor::~TPUEditor() {
+    constexpr std::chrono::milliseconds kPatience(800);
+    TPUProcess::end_all(processes, kPatience);
+}
 
 }  // namespace tpu

@@ -6,9 +6,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cerrno>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -214,6 +216,29 @@ bool TPUProcess::reap() {
     if (result == 0 || (result < 0 && errno == EINTR)) return false;
     pid_ = -1;  // an error says that there is no such child any more
     return true;
+}
+
+void TPUProcess::end_all(const std::vector<std::shared_ptr<TPUProcess>>& processes,
+                         std::chrono::milliseconds patience) {
+    using Clock = std::chrono::steady_clock;
+    for (const auto& process : processes) {
+        if (process->pid_ > 0) kill(process->pid_, SIGTERM);
+    }
+    auto all_ended = [&] {
+        return std::all_of(processes.begin(), processes.end(), [](const auto& process) {
+            return process->pid_ <= 0 || process->reap();
+        });
+    };
+    for (Clock::time_point end = Clock::now() + patience; !all_ended();) {
+        if (Clock::now() >= end) break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    for (const auto& process : processes) {
+        if (process->pid_ <= 0) continue;
+        kill(process->pid_, SIGKILL);
+        waitpid(process->pid_, nullptr, 0);
+        process->pid_ = -1;
+    }
 }
 
 bool TPUProcess::poll_output() {

@@ -7,8 +7,11 @@
 
 #include <sys/types.h>
 
+#include <chrono>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/descriptor.h"
 
@@ -43,6 +46,10 @@ class TPUProcess {
 
     // Closes the child's standard input, behind what has been sent.
     void send_eof();
+
+    // Asks all of them to end, and kills those that have not after `patience`.
+    static void end_all(const std::vector<std::shared_ptr<TPUProcess>>& processes,
+                        std::chrono::milliseconds patience);
 
     // Puts the output that has arrived into the buffer at its cursor, even into an
     // unmodifiable one. True while the child runs; when this becomes false all of

@@ -142,5 +142,24 @@ TEST_F(Process, child_is_ended_with_its_object) {
     EXPECT_TRUE(eventually([&] { return waitpid(pid, nullptr, WNOHANG) != 0; }));
 }
 
+TEST_F(Process, child_that_will_not_end_is_killed_in_the_end) {
+    auto stubborn = std::make_shared<TPUProcess>();
+    ASSERT_TRUE(stubborn->start("trap '' TERM; echo ready; while :; do sleep 1; done", &buffer));
+    pid_t pid = stubborn->pid();
+    ASSERT_TRUE(eventually([&] { return stubborn->poll_output() && contents() == "ready\n"; }));
+    TPUProcess::end_all({stubborn}, std::chrono::milliseconds(50));
+    EXPECT_EQ(stubborn->pid(), -1);
+    EXPECT_EQ(kill(pid, 0), -1);
+}
+
+TEST_F(Process, child_that_does_not_read_is_not_sent_without_limit) {
+    ASSERT_TRUE(start("exec sleep 1000"));
+    std::string megabyte(1 << 20, 'x');
+    int taken = 0;
+    while (taken < 100 && process.send(megabyte)) ++taken;
+    EXPECT_GE(taken, 16);
+    EXPECT_LT(taken, 18);
+}
+
 }  // namespace
 }  // namespace tpu
