@@ -38,6 +38,7 @@ class Buffer {
         Attr attr = Attr::none;
     };
     enum class Case { upper = 0, lower = 1, invert = 2 };
+    static constexpr std::uint64_t kTabInterval = 8;
     enum class Loading { at_once, in_steps };
 
     Buffer(std::string buffer_name, std::string file)
@@ -63,7 +64,8 @@ class Buffer {
     std::uint64_t left_margin = 1;    // one-based columns
     std::uint64_t right_margin = 80;
     std::uint64_t max_lines = 0;
-    std::vector<std::uint64_t> tab_stops;  // one-based columns, ascending; empty: every 8
+    std::vector<std::uint64_t> tab_stops;       // one-based columns, ascending
+    std::uint64_t tab_interval = kTabInterval;  // columns between stops behind the last of them
     bool auto_wrap = false;
     bool backup_on_write = true;
     std::string eob_text = "[End of file]";

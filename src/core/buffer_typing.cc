@@ -9,7 +9,6 @@ namespace tpu {
 
 namespace {
 
-constexpr std::uint64_t kTabWidth = 8;
 // Margins and stops may be any number; no blank goes further than this at once.
 constexpr std::uint64_t kMostBlanks = 65'535;
 
@@ -18,7 +17,8 @@ std::uint64_t tab_target(const Buffer& buffer, std::uint64_t column) {
     for (std::uint64_t stop : buffer.tab_stops) {
         if (stop > column + 1) return std::min(stop - 1, column + kMostBlanks);
     }
-    return (column / kTabWidth + 1) * kTabWidth;
+    std::uint64_t interval = std::clamp<std::uint64_t>(buffer.tab_interval, 1, kMostBlanks);
+    return (column / interval + 1) * interval;
 }
 
 bool wraps(const Buffer& buffer) {

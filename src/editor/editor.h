@@ -58,6 +58,8 @@ class TPUEditor {
     int gold_key = kKeyF0 + 1;
     bool gold_pending = false;
     bool show_line_numbers = false;
+    bool bell = true;    // the terminal may beep
+    bool mouse = false;  // the terminal is to report the mouse
     bool headless = false;
     Charset charset = Charset::bytes;  // of what people see and type
     int last_key = 0;
@@ -86,6 +88,9 @@ class TPUEditor {
     std::vector<std::string> test_report;  // lines of ASSERT and TEST
     int assertions_passed = 0;
     int assertions_failed = 0;
+    // Where GET_INFO's walks are; only compared, since they may be gone by now.
+    const Buffer* walked_buffer = nullptr;
+    const TPUWindow* walked_window = nullptr;
 
     // buffers.cc
     Buffer* create_buffer(const std::string& name, const std::string& file);

@@ -45,6 +45,8 @@ class Terminal {
     virtual bool interrupt_waiting() = 0;
     virtual std::string take_paste() = 0;
     virtual std::optional<MouseEvent> mouse() = 0;
+    // Whether the mouse is reported, from start() on too; at first it is not.
+    virtual void set_mouse(bool on) = 0;
 
     virtual void beep() = 0;
     // Gives the terminal back for a while, and takes it over again.

@@ -31,7 +31,8 @@ class FakeTerminal : public Terminal {
     }
     std::string take_paste() override { return std::exchange(pasted, {}); }
     std::optional<MouseEvent> mouse() override { return clicked; }
-    void beep() override {}
+    void set_mouse(bool on) override { reports_mouse = on; }
+    void beep() override { ++beeps; }
     void leave() override {}
     void enter() override {}
 
@@ -39,6 +40,8 @@ class FakeTerminal : public Terminal {
     std::deque<int> keys;  // once they are used up, the terminal hangs up
     std::string pasted;
     std::optional<MouseEvent> clicked;
+    bool reports_mouse = false;
+    int beeps = 0;
     Frame shown;
     int frames = 0;
     std::vector<int> waits;            // milliseconds that each key was waited for

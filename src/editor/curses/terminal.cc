@@ -19,12 +19,8 @@ namespace tpu {
 
 namespace {
 
-constexpr std::string_view kPasteOn = "\033[?2004h";
-constexpr std::string_view kPasteOff = "\033[?2004l";
-
 // What the signal handler needs to give the screen back.
 int output_descriptor = STDOUT_FILENO;
-volatile sig_atomic_t paste_is_on = 0;
 
 // Past curses, so that the signal handler can do it too.
 void write_all(std::string_view bytes) {
@@ -35,15 +31,28 @@ void write_all(std::string_view bytes) {
     }
 }
 
-void switch_paste(bool on) {
-    write_all(on ? kPasteOn : kPasteOff);
-    paste_is_on = on;
-}
+// A mode of the terminal that curses does not know.
+struct Mode {
+    std::string_view on, off;
+    volatile sig_atomic_t is_on = 0;
+
+    void set(bool wanted) {
+        if (wanted == (is_on != 0)) return;
+        is_on = true;  // before it is, lest a signal leaves it on
+        write_all(wanted ? on : off);
+        is_on = wanted;
+    }
+};
+
+Mode bracketed_paste{"\033[?2004h", "\033[?2004l"};
+// Buttons, reported with decimal numbers where the terminal can do that.
+Mode mouse_reports{"\033[?1000h\033[?1006h", "\033[?1006l\033[?1000l"};
 
 // Curses takes these calls before it is started and after it has ended.
 void end_screen() {
     if (!isendwin()) endwin();
-    if (paste_is_on) switch_paste(false);
+    mouse_reports.set(false);
+    bracketed_paste.set(false);
 }
 
 std::string terminal_type() {
@@ -56,13 +65,13 @@ const char* capability(const char* name) {
     return value == reinterpret_cast<char*>(-1) ? nullptr : value;
 }
 
-// Descriptions are often older than the terminal: these families have it anyway.
-bool has_bracketed_paste(std::string_view type) {
+// Descriptions are often older than the terminal: these families can bracket pastes
+// and report the mouse anyway.
+bool is_of_modern_family(std::string_view type) {
     constexpr std::string_view kFamilies[] = {
         "alacritty", "foot", "kitty", "konsole", "rxvt",  "screen",
         "st",        "tmux", "vte",   "wezterm", "xterm",
     };
-    if (capability("BE")) return true;
     std::string_view family = type.substr(0, type.find_first_of("-."));
     for (std::string_view name : kFamilies) {
         if (family == name) return true;
@@ -148,8 +157,9 @@ std::string CursesTerminal::start() {
     setenv("TERM", type.c_str(), 1);  // for children
     getmaxyx(stdscr, size_.rows, size_.cols);
     painter_.open(size_.rows, size_.cols);
-    brackets_pastes_ = has_bracketed_paste(type);
-    if (brackets_pastes_) switch_paste(true);
+    brackets_pastes_ = capability("BE") || is_of_modern_family(type);
+    has_mouse_ = capability("kmous") || is_of_modern_family(type);
+    switch_modes();
     return {};
 }
 
@@ -201,7 +211,17 @@ void CursesTerminal::enter() {
     if (!screen_) return;
     reset_prog_mode();
     wrefresh(curscr);
-    if (brackets_pastes_) switch_paste(true);
+    switch_modes();
+}
+
+void CursesTerminal::set_mouse(bool on) {
+    mouse_wanted_ = on;
+    if (screen_) switch_modes();
+}
+
+void CursesTerminal::switch_modes() {
+    bracketed_paste.set(brackets_pastes_);
+    mouse_reports.set(mouse_wanted_ && has_mouse_);
 }
 
 }  // namespace tpu

@@ -27,6 +27,7 @@ class CursesTerminal : public Terminal {
     bool interrupt_waiting() override { return screen_ && keyboard_.interrupt_waiting(); }
     std::string take_paste() override { return keyboard_.take_paste(); }
     std::optional<MouseEvent> mouse() override { return keyboard_.mouse(); }
+    void set_mouse(bool on) override;
     void beep() override;
     void leave() override;
     void enter() override;
@@ -34,10 +35,13 @@ class CursesTerminal : public Terminal {
   private:
     std::string start_curses(const std::string& type, TerminalStreams streams);
     void resize();
+    void switch_modes();
 
     screen* screen_ = nullptr;  // null until started
     ScreenSize size_;
     bool brackets_pastes_ = false;  // the terminal can
+    bool has_mouse_ = false;        // it can report one
+    bool mouse_wanted_ = false;
     Painter painter_;
     Keyboard keyboard_;
 };

@@ -24,7 +24,7 @@ Value message_text_value(Call& call) {
 }
 
 void bell(Call& call) {
-    if (!call.editor.headless) call.editor.ports.terminal.beep();
+    if (call.editor.bell && !call.editor.headless) call.editor.ports.terminal.beep();
 }
 
 void show(Call& call, const Value& value) {
