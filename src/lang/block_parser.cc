@@ -134,7 +134,7 @@ class BlockParser {
     std::string read(const Statement& s, int line) {
         Stmt stmt;
         stmt.line = line;
-        if (s.starts("LOCAL ") || s.starts("CONSTANT ") || s.starts("VARIABLE ")) {
+        if (declares(s)) {
             stmt.text = s.text;
         } else if (is_on_error(s)) {
             stmt.kind = Stmt::kOnError;
@@ -153,9 +153,17 @@ class BlockParser {
         return {};
     }
 
+    static bool declares(const Statement& s) {
+        for (std::string_view word : {"LOCAL", "CONSTANT", "VARIABLE"}) {
+            if (s.begins_with_word(word) && !s.is(word)) return true;
+        }
+        return false;
+    }
+
     std::string open_if(const Statement& s, Stmt stmt) {
         constexpr std::string_view kThen = " THEN";
-        std::size_t then = s.upper.find(kThen);
+        // The blank behind IF does not count: the condition may begin with those letters.
+        std::size_t then = s.upper.find(kThen, ascii::is_space(s.upper[2]) ? 3 : 2);
         bool has_then = then != std::string::npos;
         stmt.kind = Stmt::kIf;
         stmt.text = ascii::trim(s.text.substr(0, then).substr(2));

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/ascii.h"
+#include "core/fresh_stack.h"
 #include "lang/builtin.h"
 #include "lang/nodes.h"
 #include "lang/source.h"
@@ -42,7 +43,8 @@ class Compiler {
     // The expression from here on, wrapped for where it is nested deeply.
     NodePtr whole(Level level) {
         NodePtr node = read(level);
-        return deepest_ > kNestedDeeply ? std::make_unique<Deep>(std::move(node)) : std::move(node);
+        return deepest_ >= kNestedDeeply ? std::make_unique<Deep>(std::move(node))
+                                         : std::move(node);
     }
 
     std::vector<Argument> arguments() {
@@ -77,16 +79,31 @@ class Compiler {
         return none();
     }
 
-    // A whole expression inside of another one.
+    // A whole expression inside of another one. From some depth on it is read where
+    // there is stack for what may follow.
     NodePtr nested() {
-        if (depth_ == kDeepestExpression) {
-            at_ = text_.size();
-            return std::make_unique<TooDeep>();
-        }
+        if (depth_ == kDeepestExpression) return too_deep();
         deepest_ = std::max(deepest_, ++depth_);
-        NodePtr node = read(Level::or_);
+        NodePtr node = depth_ == kNestedDeeply ? nested_on_fresh_stack() : read(Level::or_);
         --depth_;
         return node;
+    }
+
+    NodePtr nested_on_fresh_stack() {
+        struct Errand {
+            Compiler& compiler;
+            NodePtr node;
+        } errand{*this, nullptr};
+        auto go = [](void* pointer, const char*) {
+            auto* self = static_cast<Errand*>(pointer);
+            self->node = self->compiler.read(Level::or_);
+        };
+        return fresh_stack::run(go, &errand) ? std::move(errand.node) : too_deep();
+    }
+
+    NodePtr too_deep() {
+        at_ = text_.size();
+        return std::make_unique<TooDeep>();
     }
 
     template <class Kind>

@@ -120,6 +120,11 @@ void MiniTPUParser::execute_block(const std::vector<Stmt>& statements) {
     nesting.is_outermost() ? run_outermost(*this, statements) : run_nested(*this, statements);
 }
 
+void MiniTPUParser::execute_shared(const std::shared_ptr<const std::vector<Stmt>>& statements) {
+    execute_block(*statements);
+    if (control_signal == Signal::returning) returned_from_.push_back(statements);
+}
+
 void MiniTPUParser::run_body(const std::vector<Stmt>& statements) {
     run_nested(*this, statements);
 }
@@ -162,6 +167,8 @@ void MiniTPUParser::settle() {
     stack_limit = nullptr;
     current_line = 0;
     retired_.clear();
+    returned_from_.clear();
+    returned = nullptr;
     editor.free_deleted();
 }
 

@@ -166,6 +166,8 @@ class Deep : public Node {
   public:
     explicit Deep(NodePtr expression) : inner(std::move(expression)) { may_stop = inner->may_stop; }
 
+    ~Deep() override;
+
     NodePtr inner;
 
   private:

@@ -102,6 +102,8 @@ class MiniTPUParser {
     // execute.cc
     void execute_block(const std::vector<Stmt>& statements);
     void execute_stmt(const Stmt& stmt);
+    // Runs statements that may go afterwards: a RETURN among them may still be needed.
+    void execute_shared(const std::shared_ptr<const std::vector<Stmt>>& statements);
     void run_body(const std::vector<Stmt>& statements);  // of a procedure, in its scope
     void abort();                                        // the statement ABORT
     // Ends all running code like ABORT, but for good: no handler catches it.
@@ -172,7 +174,9 @@ class MiniTPUParser {
     void report_unknown(const std::string& text);
 
     std::vector<std::unique_ptr<Procedure>> retired_;  // redefined while they may have run
-    std::vector<const void*> replaying_;               // the learn sequences that run
+    std::vector<std::shared_ptr<const std::vector<Stmt>>>
+        returned_from_;                   // what `returned` may be a part of
+    std::vector<const void*> replaying_;  // the learn sequences that run
     unsigned steps_ = 0;
     std::chrono::steady_clock::time_point last_look_;  // at the keyboard
 };

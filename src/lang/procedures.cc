@@ -115,7 +115,9 @@ class SourceWalk {
 
 void MiniTPUParser::compile_text(const std::string& text) {
     SourceWalk walk(*this, text);
-    for (std::vector<Stmt> block; walk.next_run(block);) execute_block(block);
+    for (std::vector<Stmt> block; walk.next_run(block);) {
+        execute_shared(std::make_shared<const std::vector<Stmt>>(std::move(block)));
+    }
 }
 
 std::vector<Stmt> MiniTPUParser::compile_program(const std::string& text) {

@@ -142,7 +142,8 @@ void Sum::assign_in_place(MiniTPUParser& run, Symbol& target) const {
         std::array<Value, kMost> operands;
         for (std::size_t i = 0; i < links.size(); ++i) {
             operands[i] = Value::adopt(links[i].operand.eval(run));
-            if (operands[i].is(Value::Type::range)) {
+            // A range speaks of text that what follows may change.
+            if (operands[i].is(Value::Type::range) && links[i].op != '-') {
                 operands[i] = Value::make_str(operands[i].as_string());
             }
         }
@@ -265,6 +266,11 @@ Word ProcedureCall::call_with_args(MiniTPUParser& run) const {
     }
     run.record_error("TPU$_UNDEFINEDPROC", "Undefined procedure " + symbol.name);
     return tpu_unspecified().release();
+}
+
+Deep::~Deep() {
+    auto drop = [](void* expression, const char*) { static_cast<NodePtr*>(expression)->reset(); };
+    fresh_stack::run(drop, &inner);
 }
 
 Word Deep::compute(MiniTPUParser& run) const {

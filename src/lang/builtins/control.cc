@@ -25,8 +25,7 @@ void execute(Call& call) {
     using Type = Value::Type;
     if (value.is(Type::learn)) return call.parser.replay(value.learn());
     if (value.is(Type::program)) {
-        std::shared_ptr<Value::Program> program = value.program();
-        return call.parser.execute_block(*program);
+        return call.parser.execute_shared(value.program());
     }
     if (value.is(Type::buffer) || value.is(Type::range)) {
         return call.parser.compile_text(source_text(value));
@@ -102,6 +101,7 @@ void shown(Call& call) {
 template <Signal signal>
 void give(Call& call) {
     call.parser.control_signal = signal;
+    call.parser.returned = nullptr;
 }
 
 // clang-format off
