@@ -1,4 +1,5 @@
 // Running statements and blocks of them.
+#include "core/array.h"
 #include "editor/editor.h"
 #include "editor/undo_step.h"
 #include "lang/compile.h"
@@ -141,6 +142,10 @@ void MiniTPUParser::run_assignment(const StmtCode& code) {
     }
     Value value = value_of(*this, *code.expression);
     if (code.target.subscript) {
+        // An index that need not be computed is not copied either.
+        const Value* there = code.target.subscript->in_place();
+        TPUArray* array = there ? code.target.symbol->value.array_here() : nullptr;
+        if (array) return array->set(*there, std::move(value));
         Value index = value_of(*this, *code.target.subscript);
         assign_element(*code.target.symbol, index, std::move(value));
     } else {

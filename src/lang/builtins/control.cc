@@ -84,6 +84,10 @@ Value error_line(Call& call) {
     return Value::make_int(call.parser.error_line);
 }
 
+Value debug_line(Call& call) {
+    return Value::make_int(call.parser.current_line);
+}
+
 Value status(Call& call) {
     return Value::make_int(call.editor.search_succeeded);
 }
@@ -134,6 +138,11 @@ constexpr Builtin kRows[] = {
      .help = "The text of the last recorded error."},
     {.name = "ERROR_LINE", .statement = shown<error_line>, .function = error_line, .bare = true, .form = "ERROR_LINE",
      .help = "The source line of the last recorded error."},
+    {.name = "DEBUG_LINE",
+     .statement = shown<debug_line>,
+     .function = debug_line,
+     .form = "DEBUG_LINE",
+     .help = "The source line that is running."},
     {.name = "STATUS", .statement = shown<status>, .function = status, .form = "STATUS()",
      .help = "1 when the last search found something, else 0."},
     {.name = "CALL_USER", .function = call_user, .most = 2, .form = "CALL_USER(number, text)",
