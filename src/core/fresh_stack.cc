@@ -6,7 +6,7 @@ namespace tpu::fresh_stack {
 
 namespace {
 
-constexpr std::size_t kStackSize = std::size_t{64} << 20;
+constexpr std::size_t kStackSize = kFrameFactor * (std::size_t{64} << 20);
 // What is left when a stack counts as nearly used up: enough for the deepest run of
 // calls between two looks at the limit, with room for the frames of sanitizers.
 constexpr std::size_t kReserve = std::size_t{2} << 20;

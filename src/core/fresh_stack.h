@@ -5,6 +5,13 @@
 
 namespace tpu::fresh_stack {
 
+// How much more stack code needs here than it does without sanitizers.
+#ifdef TPU_SANITIZE
+inline constexpr std::size_t kFrameFactor = 8;
+#else
+inline constexpr std::size_t kFrameFactor = 1;
+#endif
+
 // Bytes that code may use of the stack on which it was entered before it looks for
 // another one. A program that knows its own stack's size may raise it.
 void set_first_share(std::size_t bytes);

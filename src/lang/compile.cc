@@ -1,5 +1,6 @@
 #include "lang/compile.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/ascii.h"
@@ -42,9 +43,41 @@ class Compiler {
 
     // The expression from here on, wrapped for where it is nested deeply.
     NodePtr whole(Level level) {
-        NodePtr node = read(level);
-        return deepest_ >= kNestedDeeply ? std::make_unique<Deep>(std::move(node))
-                                         : std::move(node);
+        NodePtr node;
+        auto work = [&] { node = read(level); };
+        if (!with_stack_for_it(work)) node = too_deep();
+        return wrapped(std::move(node));
+    }
+
+    // The same for the arguments of a call.
+    std::vector<Argument> whole_arguments() {
+        std::vector<Argument> all;
+        auto work = [&] { all = arguments(); };
+        if (!with_stack_for_it(work)) all.push_back({"", too_deep()});
+        for (Argument& argument : all) argument.code = wrapped(std::move(argument.code));
+        return all;
+    }
+
+  private:
+    // Reading goes as deep as there are parentheses and braces, at most.
+    template <class Work>
+    bool with_stack_for_it(Work& work) {
+        auto opens = [](char c) { return c == '(' || c == '{'; };
+        if (std::count_if(text_.begin(), text_.end(), opens) > kNestedDeeply) {
+            return fresh_stack::run([](void* it, const char*) { (*static_cast<Work*>(it))(); },
+                                    &work);
+        }
+        work();
+        return true;
+    }
+
+    NodePtr wrapped(NodePtr node) const {
+        return deepest_ > kNestedDeeply ? std::make_unique<Deep>(std::move(node)) : std::move(node);
+    }
+
+    NodePtr too_deep() {
+        at_ = text_.size();
+        return std::make_unique<TooDeep>();
     }
 
     std::vector<Argument> arguments() {
@@ -65,7 +98,6 @@ class Compiler {
         return all;
     }
 
-  private:
     NodePtr read(Level level) {
         switch (level) {
             case Level::or_: return words<Disjunction>("OR", Level::and_);
@@ -79,31 +111,13 @@ class Compiler {
         return none();
     }
 
-    // A whole expression inside of another one. From some depth on it is read where
-    // there is stack for what may follow.
+    // A whole expression inside of another one.
     NodePtr nested() {
         if (depth_ == kDeepestExpression) return too_deep();
         deepest_ = std::max(deepest_, ++depth_);
-        NodePtr node = depth_ == kNestedDeeply ? nested_on_fresh_stack() : read(Level::or_);
+        NodePtr node = read(Level::or_);
         --depth_;
         return node;
-    }
-
-    NodePtr nested_on_fresh_stack() {
-        struct Errand {
-            Compiler& compiler;
-            NodePtr node;
-        } errand{*this, nullptr};
-        auto go = [](void* pointer, const char*) {
-            auto* self = static_cast<Errand*>(pointer);
-            self->node = self->compiler.read(Level::or_);
-        };
-        return fresh_stack::run(go, &errand) ? std::move(errand.node) : too_deep();
-    }
-
-    NodePtr too_deep() {
-        at_ = text_.size();
-        return std::make_unique<TooDeep>();
     }
 
     template <class Kind>
@@ -316,7 +330,7 @@ NodePtr compile_level(std::string_view text, std::size_t& position, Level level,
 std::vector<Argument> compile_arguments(std::string_view text, std::size_t& position,
                                         SymbolTable& symbols) {
     Compiler compiler(text, position, symbols);
-    std::vector<Argument> arguments = compiler.arguments();
+    std::vector<Argument> arguments = compiler.whole_arguments();
     position = compiler.position();
     return arguments;
 }

@@ -26,7 +26,7 @@ bool on_fresh_stack(MiniTPUParser& run, Work& work) {
 // for it. Without memory for one an error is recorded instead.
 template <class Work>
 void on_roomy_stack(MiniTPUParser& run, Work work) {
-    constexpr std::size_t kRoom = std::size_t{16} << 20;
+    constexpr std::size_t kRoom = fresh_stack::kFrameFactor * (std::size_t{16} << 20);
     if (run.stack_limit && fresh_stack::here() > run.stack_limit + kRoom) {
         work();
     } else if (!on_fresh_stack(run, work)) {

@@ -71,6 +71,7 @@ inline void run_one(MiniTPUParser& run, const Stmt& stmt) {
         case Stmt::kReturn:
             run.control_signal = Signal::returning;
             run.returned = code.expression.get();
+            if (run.returned_from) run.returned_from.reset();
             break;
         case Stmt::kAbort: run.abort(); break;
         case Stmt::kBreak: run.control_signal = Signal::breaking; break;
@@ -121,9 +122,17 @@ void MiniTPUParser::execute_block(const std::vector<Stmt>& statements) {
     nesting.is_outermost() ? run_outermost(*this, statements) : run_nested(*this, statements);
 }
 
-void MiniTPUParser::execute_shared(const std::shared_ptr<const std::vector<Stmt>>& statements) {
-    execute_block(*statements);
-    if (control_signal == Signal::returning) returned_from_.push_back(statements);
+void MiniTPUParser::execute_program(std::shared_ptr<const std::vector<Stmt>> program) {
+    look_for_interrupt();
+    if (control_signal != Signal::none) return;
+    if (program_depth == kDeepestProgram) {
+        return record_error("TPU$_STACKOVER", "Texts that execute texts are nested too deeply");
+    }
+    ++program_depth;
+    execute_block(*program);
+    --program_depth;
+    bool is_pending = control_signal == Signal::returning && returned;
+    if (is_pending && !returned_from) returned_from = std::move(program);
 }
 
 void MiniTPUParser::run_body(const std::vector<Stmt>& statements) {
@@ -172,8 +181,7 @@ void MiniTPUParser::settle() {
     stack_limit = nullptr;
     current_line = 0;
     retired_.clear();
-    returned_from_.clear();
-    returned = nullptr;
+    returned_from.reset();
     editor.free_deleted();
 }
 

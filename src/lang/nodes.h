@@ -161,11 +161,11 @@ class ProcedureCall : public Node {
     Word call_with_args(MiniTPUParser& run) const;
 };
 
-// Evaluates an expression that is nested deeply where there is stack for it.
+// Evaluates an expression that is nested deeply, and ends it, where there is stack
+// for that.
 class Deep : public Node {
   public:
     explicit Deep(NodePtr expression) : inner(std::move(expression)) { may_stop = inner->may_stop; }
-
     ~Deep() override;
 
     NodePtr inner;

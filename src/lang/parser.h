@@ -39,6 +39,10 @@ class MiniTPUParser {
     // Calls may be nested so deeply; one that is nested deeper fails.
     static constexpr int kDeepestCall = 100'000;
 
+    // Programs and texts that are executed by others may be nested so deeply. Each holds
+    // its whole source and code.
+    static constexpr int kDeepestProgram = 1'000;
+
     explicit MiniTPUParser(TPUEditor& owner) : editor(owner) {}
     MiniTPUParser(const MiniTPUParser&) = delete;
     MiniTPUParser& operator=(const MiniTPUParser&) = delete;
@@ -58,14 +62,19 @@ class MiniTPUParser {
     const std::vector<int>* current_lines = nullptr;  // of the source being compiled
 
     // State of the code that runs; nodes and built-ins read and set it.
-    bool stopped = false;               // see Node::may_stop
-    std::size_t stopped_at = 0;         // byte of the expression where reading stopped
-    const Node* returned = nullptr;     // what the RETURN that set the signal returns
+    bool stopped = false;            // see Node::may_stop
+    std::size_t stopped_at = 0;      // byte of the expression where reading stopped
+    const Node* returned = nullptr;  // what the RETURN that set the signal returns
+    std::shared_ptr<const std::vector<Stmt>> returned_from;  // its code, if nobody else keeps it
     bool interrupted = false;           // everything is to end, the outermost statement too
     int unrecorded = 0;                 // see Unrecorded
     int block_depth = 0;                // blocks and statements under way
+    int program_depth = 0;              // programs and texts among them
     const char* stack_limit = nullptr;  // where the running stack is nearly used up
     CodeCache code_cache;
+
+    // Bytes; an expression whose text would be longer fails.
+    std::size_t longest_text = std::size_t{1} << 30;
 
     // source.cc, block_parser.cc: reading source text
     static std::string trim(const std::string& text);
@@ -102,8 +111,8 @@ class MiniTPUParser {
     // execute.cc
     void execute_block(const std::vector<Stmt>& statements);
     void execute_stmt(const Stmt& stmt);
-    // Runs statements that may go afterwards: a RETURN among them may still be needed.
-    void execute_shared(const std::shared_ptr<const std::vector<Stmt>>& statements);
+    // The same for code that may be gone afterwards, while its RETURN is still pending.
+    void execute_program(std::shared_ptr<const std::vector<Stmt>> program);
     void run_body(const std::vector<Stmt>& statements);  // of a procedure, in its scope
     void abort();                                        // the statement ABORT
     // Ends all running code like ABORT, but for good: no handler catches it.
@@ -174,9 +183,7 @@ class MiniTPUParser {
     void report_unknown(const std::string& text);
 
     std::vector<std::unique_ptr<Procedure>> retired_;  // redefined while they may have run
-    std::vector<std::shared_ptr<const std::vector<Stmt>>>
-        returned_from_;                   // what `returned` may be a part of
-    std::vector<const void*> replaying_;  // the learn sequences that run
+    std::vector<const void*> replaying_;               // the learn sequences that run
     unsigned steps_ = 0;
     std::chrono::steady_clock::time_point last_look_;  // at the keyboard
 };

@@ -116,7 +116,7 @@ class SourceWalk {
 void MiniTPUParser::compile_text(const std::string& text) {
     SourceWalk walk(*this, text);
     for (std::vector<Stmt> block; walk.next_run(block);) {
-        execute_shared(std::make_shared<const std::vector<Stmt>>(std::move(block)));
+        execute_program(std::make_shared<std::vector<Stmt>>(std::move(block)));
     }
 }
 
@@ -185,10 +185,11 @@ Word MiniTPUParser::call_here(const Procedure& procedure, std::span<const Word> 
     for (; bound < arguments.size(); ++bound) Value::adopt(arguments[bound]);
     Signal outer = std::exchange(control_signal, Signal::none);
     look_for_interrupt();
-    run_body(procedure.body);
+    if (!interrupted) run_body(procedure.body);
     Value result;
     if (value_wanted && control_signal == Signal::returning && returned) {
         control_signal = Signal::none;
+        auto code = std::move(returned_from);  // the expression may run another RETURN
         result = eval_root(*returned);
     }
     control_signal = interrupted ? Signal::aborting : outer;

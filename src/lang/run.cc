@@ -33,31 +33,50 @@ std::uint64_t bits_of(Word word) {
     return static_cast<std::uint64_t>(number_of(word));
 }
 
-Value join_texts(Value left, const Value& right) {
-    if (left.is(Value::Type::string) && right.is(Value::Type::string)) {
+// Whether a result of so many bytes may be; if not, an error is recorded.
+bool fits(MiniTPUParser& run, std::size_t bytes) {
+    if (bytes <= run.longest_text) return true;
+    run.record_error("TPU$_STRTOOLARGE", "The result is longer than any text may be");
+    return false;
+}
+
+Value join_texts(MiniTPUParser& run, Value left, const Value& right) {
+    using Type = Value::Type;
+    if (left.is(Type::string) && right.is(Type::string)) {
+        if (!fits(run, left.text().size() + right.text().size())) return tpu_unspecified();
         left.append(right.text());
         return left;
     }
-    return Value::make_joined(left.as_string(), right.as_string());
+    const std::string first = left.as_string(), second = right.as_string();
+    if (!fits(run, first.size() + second.size())) return tpu_unspecified();
+    return Value::make_joined(first, second);
 }
 
-Value add_values(Value left, char op, const Value& right) {
+Value join_patterns(MiniTPUParser& run, const Value& left, const Value& right, char op) {
+    if (!fits(run, pattern_bytes(left) + pattern_bytes(right))) return tpu_unspecified();
+    return concat_patterns(left, right, op);
+}
+
+Value add_values(MiniTPUParser& run, Value left, char op, const Value& right) {
     using Type = Value::Type;
     if (op == '-')
         return Value::adopt(
             {0, bits_of(std::move(left).release()) - static_cast<std::uint64_t>(right.as_int())});
-    if (left.is(Type::pattern) || right.is(Type::pattern)) return concat_patterns(left, right, op);
-    if (left.is(Type::string) || right.is(Type::string)) return join_texts(std::move(left), right);
+    if (left.is(Type::pattern) || right.is(Type::pattern))
+        return join_patterns(run, left, right, op);
+    if (left.is(Type::string) || right.is(Type::string)) {
+        return join_texts(run, std::move(left), right);
+    }
     return Value::adopt({0, static_cast<std::uint64_t>(left.as_int()) +
                                 static_cast<std::uint64_t>(right.as_int())});
 }
 
-Word add_words(Word left, char op, Word right) {
+Word add_words(MiniTPUParser& run, Word left, char op, Word right) {
     if (both_integers(left, right)) {
         return {0, op == '-' ? left.tail - right.tail : left.tail + right.tail};
     }
     Value b = Value::adopt(right);
-    return add_values(Value::adopt(left), op, b).release();
+    return add_values(run, Value::adopt(left), op, b).release();
 }
 
 Word multiply(Word left, char op, Word right) {
@@ -127,7 +146,7 @@ Word Sum::compute(MiniTPUParser& run) const {
     Word left = first.eval(run);
     for (const Link& link : links) {
         if (may_stop && run.stopped) break;
-        left = add_words(left, link.op, link.operand.eval(run));
+        left = add_words(run, left, link.op, link.operand.eval(run));
     }
     return left;
 }
@@ -149,7 +168,7 @@ void Sum::assign_in_place(MiniTPUParser& run, Symbol& target) const {
         }
         if (sum.only_shares_with(target.value) && !target.constant) target.value = Value();
         for (std::size_t i = 0; i < links.size(); ++i) {
-            sum = add_values(std::move(sum), links[i].op, operands[i]);
+            sum = add_values(run, std::move(sum), links[i].op, operands[i]);
         }
     }
     run.assign(target, std::move(sum));
@@ -270,7 +289,7 @@ Word ProcedureCall::call_with_args(MiniTPUParser& run) const {
 
 Deep::~Deep() {
     auto drop = [](void* expression, const char*) { static_cast<NodePtr*>(expression)->reset(); };
-    fresh_stack::run(drop, &inner);
+    if (!fresh_stack::run(drop, &inner)) inner.reset();
 }
 
 Word Deep::compute(MiniTPUParser& run) const {

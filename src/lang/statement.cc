@@ -91,6 +91,7 @@ void MiniTPUParser::replay(const std::shared_ptr<std::vector<std::string>>& lear
     replaying_.push_back(learned.get());
     Unrecorded unrecorded_replay(*this);
     for (const std::string& statement : *learned) {
+        look_for_interrupt();
         if (control_signal != Signal::none) break;
         editor.run_key_text(statement);
     }

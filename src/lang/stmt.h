@@ -13,6 +13,14 @@ struct Symbol;
 struct Stmt {
     enum Kind : int { kPlain, kAssignment, kIf, kLoop, kExitIf, kReturn, kAbort, kBreak, kOnError };
 
+    Stmt() = default;
+    Stmt(Stmt&&) = default;
+    Stmt(const Stmt&) = default;
+    Stmt& operator=(Stmt&&) = default;
+    Stmt& operator=(const Stmt&) = default;
+    // Takes apart blocks within blocks without nesting calls as deeply.
+    ~Stmt();
+
     Kind kind = kPlain;
     std::string text;        // by kind: the statement, target, condition or RETURN's expression
     std::string expression;  // an assignment's right-hand side

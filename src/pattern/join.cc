@@ -16,6 +16,14 @@ TPUPattern value_to_pattern(const Value& value) {
     return pattern;
 }
 
+std::size_t pattern_bytes(const Value& value) {
+    auto held = value.pattern();
+    if (!held) return value.text().size();
+    std::size_t bytes = held->tokens.size() * sizeof(TPUPatternToken);
+    for (const TPUPatternToken& token : held->tokens) bytes += token.text.size();
+    return bytes;
+}
+
 Value concat_patterns(const Value& a, const Value& b, char op) {
     TPUPattern joined = value_to_pattern(a), next = value_to_pattern(b);
     joined.anchored = joined.anchored || next.anchored;

@@ -10,6 +10,9 @@ namespace tpu {
 // one too), the empty pattern for any other.
 TPUPattern value_to_pattern(const Value& value);
 
+// The memory that value_to_pattern(value) takes, about.
+std::size_t pattern_bytes(const Value& value);
+
 // The pattern value that matches `a` and then `b`, anchored if either is. `op` is '+'
 // or '&'; the latter leaves its mark on the first token of `b`, which no matcher reads.
 Value concat_patterns(const Value& a, const Value& b, char op);

@@ -1,8 +1,6 @@
 #include "proc/process.h"
 
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,11 +10,9 @@
 #include <cerrno>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include "core/buffer.h"
-
-extern char** environ;
+#include "proc/child.h"
 
 namespace tpu {
 
@@ -27,109 +23,6 @@ namespace {
 constexpr std::size_t kMostPerPoll = 1 << 20;
 
 constexpr std::size_t kMostUnsent = 16 << 20;
-
-struct Pipe {
-    Descriptor read;
-    Descriptor write;
-
-    bool open();
-};
-
-// The file behind `fd`, which is closed, under a number that children do not inherit
-// and that is none of the standard three, as a pipe made without them would have.
-Descriptor lifted(int fd) {
-    Descriptor low(fd);
-    return Descriptor(fcntl(fd, F_DUPFD_CLOEXEC, 3));
-}
-
-bool Pipe::open() {
-    int ends[2];
-    if (pipe(ends) != 0) return false;
-    read = lifted(ends[0]);
-    write = lifted(ends[1]);
-    return read && write;
-}
-
-bool set_nonblocking(const Descriptor& descriptor) {
-    int flags = fcntl(descriptor.get(), F_GETFL);
-    return flags >= 0 && fcntl(descriptor.get(), F_SETFL, flags | O_NONBLOCK) == 0;
-}
-
-// The editor's environment, but for a terminal that can do nothing: pipes are none.
-std::vector<std::string> child_environment() {
-    std::vector<std::string> variables{"TERM=dumb"};
-    for (char** variable = environ; *variable; ++variable) {
-        if (!std::string_view(*variable).starts_with("TERM=")) variables.emplace_back(*variable);
-    }
-    return variables;
-}
-
-// Signals as a program expects them, whatever the editor ignores or blocks.
-void set_default_signals(posix_spawnattr_t& attributes) {
-    sigset_t all, none;
-    sigfillset(&all);
-    sigdelset(&all, SIGKILL);
-    sigdelset(&all, SIGSTOP);
-    sigemptyset(&none);
-    posix_spawnattr_setsigdefault(&attributes, &all);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-}
-
-// Starts the shell on a command line; its process id, or -1.
-pid_t spawn_shell(std::string command, const Descriptor& in, const Descriptor& out) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, in.get(), STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, out.get(), STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, out.get(), STDERR_FILENO);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    set_default_signals(attributes);
-
-    std::string name = "sh", option = "-c";
-    char* arguments[] = {name.data(), option.data(), command.data(), nullptr};
-    std::vector<std::string> variables = child_environment();
-    std::vector<char*> environment;
-    for (std::string& variable : variables) environment.push_back(variable.data());
-    environment.push_back(nullptr);
-
-    pid_t pid = -1;
-    int failure =
-        posix_spawn(&pid, "/bin/sh", &actions, &attributes, arguments, environment.data());
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&actions);
-    return failure == 0 ? pid : -1;
-}
-
-// Holds SIGPIPE back from this thread, and takes it away if it came meanwhile.
-class PipeSignalHeld {
-  public:
-    PipeSignalHeld() {
-        sigemptyset(&pipe_signal_);
-        sigaddset(&pipe_signal_, SIGPIPE);
-        was_pending_ = is_pending();
-        pthread_sigmask(SIG_BLOCK, &pipe_signal_, &old_mask_);
-    }
-    ~PipeSignalHeld() {
-        int taken;
-        if (!was_pending_ && is_pending()) sigwait(&pipe_signal_, &taken);
-        pthread_sigmask(SIG_SETMASK, &old_mask_, nullptr);
-    }
-    PipeSignalHeld(const PipeSignalHeld&) = delete;
-    PipeSignalHeld& operator=(const PipeSignalHeld&) = delete;
-
-  private:
-    static bool is_pending() {
-        sigset_t pending;
-        sigpending(&pending);
-        return sigismember(&pending, SIGPIPE) == 1;
-    }
-
-    sigset_t pipe_signal_;
-    sigset_t old_mask_;
-    bool was_pending_;
-};
 
 }  // namespace
 
@@ -146,7 +39,8 @@ bool TPUProcess::start(const std::string& command_line, Buffer* output_buffer) {
     Pipe to_child, from_child;
     if (!to_child.open() || !from_child.open()) return false;
     if (!set_nonblocking(to_child.write) || !set_nonblocking(from_child.read)) return false;
-    pid_ = spawn_shell(command, to_child.read, from_child.write);
+    const Descriptor& out = from_child.write;
+    pid_ = spawn_shell(command, {to_child.read, out, out}, ProcessGroup::ours);
     if (pid_ < 0) return false;
     input_ = std::move(to_child.write);
     output_ = std::move(from_child.read);

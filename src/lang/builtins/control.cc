@@ -24,9 +24,7 @@ void execute(Call& call) {
     const Value value = call.args.value(0);
     using Type = Value::Type;
     if (value.is(Type::learn)) return call.parser.replay(value.learn());
-    if (value.is(Type::program)) {
-        return call.parser.execute_shared(value.program());
-    }
+    if (value.is(Type::program)) return call.parser.execute_program(value.program());
     if (value.is(Type::buffer) || value.is(Type::range)) {
         return call.parser.compile_text(source_text(value));
     }
@@ -104,8 +102,8 @@ void shown(Call& call) {
 
 template <Signal signal>
 void give(Call& call) {
+    if (signal == Signal::returning) call.parser.returned = nullptr;
     call.parser.control_signal = signal;
-    call.parser.returned = nullptr;
 }
 
 // clang-format off
@@ -138,10 +136,7 @@ constexpr Builtin kRows[] = {
      .help = "The text of the last recorded error."},
     {.name = "ERROR_LINE", .statement = shown<error_line>, .function = error_line, .bare = true, .form = "ERROR_LINE",
      .help = "The source line of the last recorded error."},
-    {.name = "DEBUG_LINE",
-     .statement = shown<debug_line>,
-     .function = debug_line,
-     .form = "DEBUG_LINE",
+    {.name = "DEBUG_LINE", .statement = shown<debug_line>, .function = debug_line, .form = "DEBUG_LINE",
      .help = "The source line that is running."},
     {.name = "STATUS", .statement = shown<status>, .function = status, .form = "STATUS()",
      .help = "1 when the last search found something, else 0."},

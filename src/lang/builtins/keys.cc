@@ -73,7 +73,7 @@ KeyBinding binding_of(Call& call, const Value& what) {
     TPUEditor* editor = &call.editor;
     if (what.is(Type::program)) {
         binding.action = [editor, program = what.program()] {
-            editor->parser.execute_shared(program);
+            editor->parser.execute_program(program);
         };
     } else if (what.is(Type::learn)) {
         binding.action = [editor, learned = what.learn()] { editor->parser.replay(learned); };

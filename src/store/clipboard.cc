@@ -1,0 +1,163 @@
+#include "store/clipboard.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <thread>
+
+#include "proc/child.h"
+#include "store/file_io.h"
+
+namespace tpu {
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr const char* kWriters[] = {"pbcopy", "wl-copy", "xclip -selection clipboard",
+                                    "xsel  --clipboard --input"};
+constexpr const char* kReaders[] = {"pbpaste", "wl-paste --no-newline",
+                                    "xclip -selection clipboard -o", "xsel  --clipboard --output"};
+
+class Deadline {
+  public:
+    explicit Deadline(milliseconds wait) : end_(steady_clock::now() + wait) {}
+    bool is_over() const { return steady_clock::now() >= end_; }
+    // Waits until the descriptor is ready for `events`, or has an error to report.
+    // False: time is over.
+    bool wait_for(const Descriptor& descriptor, short events) const {
+        pollfd wanted{descriptor.get(), events, 0};
+        while (true) {
+            auto left = std::chrono::ceil<milliseconds>(end_ - steady_clock::now());
+            if (left.count() <= 0) return false;
+            int ready = poll(&wanted, 1, static_cast<int>(left.count()));
+            if (ready != 0 && (ready > 0 || errno != EINTR)) return ready > 0;
+        }
+    }
+
+  private:
+    steady_clock::time_point end_;
+};
+
+// A command of the shell. Its complaints, most often that there is no such command,
+// are no business of the user's. It has a process group of its own, so that it can be
+// ended with all that it has started, and does not end with the terminal: many a
+// command leaves a process behind that holds the selection.
+class Command {
+  public:
+    Command() = default;
+    ~Command() { end(); }
+    Command(const Command&) = delete;
+    Command& operator=(const Command&) = delete;
+
+    bool start(const char* line, const Descriptor& in, const Descriptor& out) {
+        Descriptor nowhere = open_null_device();
+        if (!nowhere) return false;
+        const ChildStreams streams{in ? in : nowhere, out ? out : nowhere, nowhere};
+        pid_ = spawn_shell(line, streams, ProcessGroup::its_own);
+        return pid_ > 0;
+    }
+
+    // Waits until it has ended; true when that was with exit status zero.
+    bool succeeds(const Deadline& deadline) {
+        // What it leaves behind may hold the pipe, which therefore says nothing.
+        while (!has_ended()) {
+            if (deadline.is_over()) return false;
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+        return WIFEXITED(status_) && WEXITSTATUS(status_) == 0;
+    }
+
+  private:
+    bool has_ended() {
+        if (pid_ <= 0) return true;
+        pid_t result = waitpid(pid_, &status_, WNOHANG);
+        if (result == 0 || (result < 0 && errno == EINTR)) return false;
+        if (result < 0) status_ = -1;  // no child of that number: nobody knows how it ended
+        pid_ = -1;
+        return true;
+    }
+
+    void end() {
+        constexpr milliseconds kToDie{100};  // more than enough, unless the system is stuck
+        if (has_ended()) return;
+        kill(-pid_, SIGKILL);
+        succeeds(Deadline(kToDie));
+    }
+
+    pid_t pid_ = -1;
+    int status_ = -1;
+};
+
+bool send_all(const Descriptor& pipe, std::string_view text, const Deadline& deadline) {
+    PipeSignalHeld held;
+    while (!text.empty()) {
+        ssize_t written = write(pipe.get(), text.data(), text.size());
+        if (written >= 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN) {
+            if (!deadline.wait_for(pipe, POLLOUT)) return false;
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool receive_all(const Descriptor& pipe, std::string& text, const Deadline& deadline) {
+    std::array<char, 65536> chunk;
+    while (deadline.wait_for(pipe, POLLIN)) {
+        ssize_t count = read_some(pipe.get(), chunk.data(), chunk.size());
+        if (count <= 0) return count == 0;
+        text.append(chunk.data(), static_cast<std::size_t>(count));
+    }
+    return false;
+}
+
+bool write_through(const char* line, std::string_view text, const Deadline& deadline) {
+    Pipe pipe;
+    Command command;
+    if (!pipe.open() || !set_nonblocking(pipe.write)) return false;
+    if (!command.start(line, pipe.read, {})) return false;
+    pipe.read.close();
+    if (!send_all(pipe.write, text, deadline)) return false;
+    pipe.write.close();
+    return command.succeeds(deadline);
+}
+
+bool read_through(const char* line, std::string& text, const Deadline& deadline) {
+    Pipe pipe;
+    Command command;
+    text.clear();
+    if (!pipe.open() || !command.start(line, {}, pipe.write)) return false;
+    pipe.write.close();
+    return receive_all(pipe.read, text, deadline) && command.succeeds(deadline) && !text.empty();
+}
+
+}  // namespace
+
+bool clipboard_write_system(std::string_view text, milliseconds wait) {
+    const Deadline deadline(wait);
+    for (const char* line : kWriters) {
+        if (write_through(line, text, deadline)) return true;
+        if (deadline.is_over()) break;
+    }
+    return false;
+}
+
+bool clipboard_read_system(std::string& text, milliseconds wait) {
+    const Deadline deadline(wait);
+    for (const char* line : kReaders) {
+        if (read_through(line, text, deadline)) return true;
+        if (deadline.is_over()) break;
+    }
+    text.clear();
+    return false;
+}
+
+}  // namespace tpu
