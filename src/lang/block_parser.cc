@@ -161,9 +161,12 @@ class BlockParser {
     }
 
     std::string open_if(const Statement& s, Stmt stmt) {
-        constexpr std::string_view kThen = " THEN";
+        constexpr std::string_view kThen = "THEN";
         // The blank behind IF does not count: the condition may begin with those letters.
-        std::size_t then = s.upper.find(kThen, ascii::is_space(s.upper[2]) ? 3 : 2);
+        std::size_t then = s.upper.find(kThen, ascii::is_space(s.upper[2]) ? 4 : 3);
+        while (then != std::string::npos && !ascii::is_space(s.upper[then - 1])) {
+            then = s.upper.find(kThen, then + 1);
+        }
         bool has_then = then != std::string::npos;
         stmt.kind = Stmt::kIf;
         stmt.text = ascii::trim(s.text.substr(0, then).substr(2));

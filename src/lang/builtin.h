@@ -27,8 +27,7 @@ class Args {
     std::size_t count() const { return count_; }
     // As written, trimmed; empty beyond the last one.
     std::string_view raw(std::size_t i) const {
-        return i < site_.arguments.size() ? std::string_view(site_.arguments[i].text)
-                                          : std::string_view();
+        return i < site_.arguments.size() ? site_.arguments[i].text : std::string_view();
     }
     // All of them as written, trimmed.
     std::string_view whole() const { return site_.text; }

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/value.h"
@@ -69,13 +70,14 @@ class Operand {
 
 // One argument of a call: as written, trimmed, and what it says.
 struct Argument {
-    std::string text;
+    std::string_view text;
     mutable NodePtr code;  // null: not needed yet
 };
 
-// The arguments of a call.
+// The arguments of a call. Their texts are parts of a text that calls within calls share.
 struct CallSite {
-    std::string text;  // all of them as written, trimmed
+    std::shared_ptr<const std::string> source;
+    std::string_view text;  // all of them as written, trimmed
     std::vector<Argument> arguments;
 };
 

@@ -50,12 +50,14 @@ class Compiler {
     }
 
     // The same for the arguments of a call.
-    std::vector<Argument> whole_arguments() {
-        std::vector<Argument> all;
-        auto work = [&] { all = arguments(); };
-        if (!with_stack_for_it(work)) all.push_back({"", too_deep()});
-        for (Argument& argument : all) argument.code = wrapped(std::move(argument.code));
-        return all;
+    CallSite whole_arguments() {
+        CallSite site;
+        auto work = [&] { site = arguments(); };
+        if (!with_stack_for_it(work)) site.arguments.push_back({"", too_deep()});
+        for (Argument& argument : site.arguments) {
+            argument.code = wrapped(std::move(argument.code));
+        }
+        return site;
     }
 
   private:
@@ -80,22 +82,29 @@ class Compiler {
         return std::make_unique<TooDeep>();
     }
 
-    std::vector<Argument> arguments() {
-        std::vector<Argument> all;
-        ++at_;
+    CallSite arguments() {
+        CallSite site;
+        if (!source_) source_ = std::make_shared<const std::string>(text_);
+        site.source = source_;
+        std::size_t open = at_++;
         skip_blanks(text_, at_);
-        if (take(')')) return all;
+        if (take(')')) return site;
         for (;;) {
             std::size_t start = at_;
             NodePtr code = nested();
-            std::size_t end = at_;
-            all.push_back(
-                {std::string(ascii::trim(text_.substr(start, end - start))), std::move(code)});
+            site.arguments.push_back({kept(start, at_), std::move(code)});
             skip_blanks(text_, at_);
             if (!take(',')) break;
         }
+        std::size_t end = at_;
         take(')');
-        return all;
+        site.text = kept(open + 1, end);
+        return site;
+    }
+
+    // What stands there, trimmed, as long as the source is kept.
+    std::string_view kept(std::size_t from, std::size_t to) const {
+        return ascii::trim(std::string_view(*source_).substr(from, to - from));
     }
 
     NodePtr read(Level level) {
@@ -233,20 +242,11 @@ class Compiler {
     }
 
     NodePtr call(const std::string& name) {
-        CallSite site;
-        std::size_t open = at_;
-        site.arguments = arguments();
-        site.text = ascii::trim(inside(text_.substr(open, at_ - open)));
+        CallSite site = arguments();
         if (const Builtin* row = find_builtin(name)) {
             return std::make_unique<BuiltinCall>(*row, std::move(site));
         }
         return std::make_unique<ProcedureCall>(symbols_.intern(name), std::move(site));
-    }
-
-    static std::string_view inside(std::string_view parenthesised) {
-        parenthesised.remove_prefix(1);
-        if (parenthesised.ends_with(')')) parenthesised.remove_suffix(1);
-        return parenthesised;
     }
 
     NodePtr subscripted(NodePtr base, Symbol* symbol, std::size_t name_end) {
@@ -287,6 +287,7 @@ class Compiler {
 
     std::string_view text_;
     std::size_t at_;
+    std::shared_ptr<const std::string> source_;  // a copy of the text, once a call needs it
     SymbolTable& symbols_;
     int depth_ = 0;
     int deepest_ = 0;
@@ -327,12 +328,11 @@ NodePtr compile_level(std::string_view text, std::size_t& position, Level level,
     return node;
 }
 
-std::vector<Argument> compile_arguments(std::string_view text, std::size_t& position,
-                                        SymbolTable& symbols) {
+CallSite compile_arguments(std::string_view text, std::size_t& position, SymbolTable& symbols) {
     Compiler compiler(text, position, symbols);
-    std::vector<Argument> arguments = compiler.whole_arguments();
+    CallSite site = compiler.whole_arguments();
     position = compiler.position();
-    return arguments;
+    return site;
 }
 
 std::vector<std::string_view> split_top_args(std::string_view text) {

@@ -26,8 +26,7 @@ NodePtr compile_expression(std::string_view text, SymbolTable& symbols);
 NodePtr compile_level(std::string_view text, std::size_t& position, Level level,
                       SymbolTable& symbols);
 // The arguments of a call from its "(" on; `position` is left behind the ")".
-std::vector<Argument> compile_arguments(std::string_view text, std::size_t& position,
-                                        SymbolTable& symbols);
+CallSite compile_arguments(std::string_view text, std::size_t& position, SymbolTable& symbols);
 
 // What a statement says.
 std::shared_ptr<const StmtCode> compile_statement(const Stmt& stmt, SymbolTable& symbols);

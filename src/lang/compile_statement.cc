@@ -57,9 +57,12 @@ void compile_declaration(StmtCode& code, std::string_view names, SymbolTable& sy
 }
 
 void read_arguments(CallSite& site, std::string_view text) {
-    site.text = ascii::trim(between_parentheses(text).value_or(""));
+    std::string_view inside = ascii::trim(between_parentheses(text).value_or(""));
+    if (inside.empty()) return;
+    site.source = std::make_shared<const std::string>(inside);
+    site.text = *site.source;
     for (std::string_view piece : split_top_args(site.text)) {
-        site.arguments.push_back({std::string(ascii::trim(piece)), nullptr});
+        site.arguments.push_back({ascii::trim(piece), nullptr});
     }
 }
 

@@ -177,7 +177,7 @@ void MiniTPUParser::interrupt() {
 // The outermost statement has ended.
 void MiniTPUParser::settle() {
     control_signal = Signal::none;
-    interrupted = false;
+    was_interrupted = std::exchange(interrupted, false);
     stack_limit = nullptr;
     current_line = 0;
     retired_.clear();

@@ -76,8 +76,7 @@ bool MiniTPUParser::match_word(const std::string& text, std::size_t& position,
 }
 
 std::vector<Value> MiniTPUParser::parse_args(const std::string& text, std::size_t& position) {
-    CallSite site;
-    site.arguments = compile_arguments(text, position, symbols);
+    CallSite site = compile_arguments(text, position, symbols);
     stopped = false;
     Nesting nesting(*this);
     Args args(*this, site);
@@ -90,7 +89,7 @@ std::vector<Value> MiniTPUParser::parse_args(const std::string& text, std::size_
 Value MiniTPUParser::eval_function(const std::string& name, const std::vector<Value>& arguments) {
     CallSite site;
     for (const Value& value : arguments) {
-        site.arguments.push_back({value.as_string(), std::make_unique<Constant>(value)});
+        site.arguments.push_back({"", std::make_unique<Constant>(value)});
     }
     Nesting nesting(*this);
     if (const Builtin* row = find_builtin(name)) {

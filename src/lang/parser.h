@@ -66,6 +66,7 @@ class MiniTPUParser {
     std::size_t stopped_at = 0;      // byte of the expression where reading stopped
     const Node* returned = nullptr;  // what the RETURN that set the signal returns
     std::shared_ptr<const std::vector<Stmt>> returned_from;  // its code, if nobody else keeps it
+    bool was_interrupted = false;       // the outermost statement that ended last
     bool interrupted = false;           // everything is to end, the outermost statement too
     int unrecorded = 0;                 // see Unrecorded
     int block_depth = 0;                // blocks and statements under way
@@ -141,6 +142,7 @@ class MiniTPUParser {
     void record_end();
     // Runs a learn sequence; one that comes to run itself ends with a recorded error.
     void replay(const std::shared_ptr<std::vector<std::string>>& learned);
+    bool can_run(const Builtin& builtin) const;  // most need a current buffer
     void run_builtin(const Builtin& builtin, const CallSite& site);
 
     // procedures.cc

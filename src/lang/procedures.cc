@@ -117,6 +117,7 @@ void MiniTPUParser::compile_text(const std::string& text) {
     SourceWalk walk(*this, text);
     for (std::vector<Stmt> block; walk.next_run(block);) {
         execute_program(std::make_shared<std::vector<Stmt>>(std::move(block)));
+        if (block_depth == 0 && was_interrupted) break;
     }
 }
 

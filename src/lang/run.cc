@@ -254,6 +254,7 @@ BuiltinCall::BuiltinCall(const Builtin& row, CallSite arguments)
 Word BuiltinCall::compute(MiniTPUParser& run) const {
     Args args(run, site);
     args.evaluate_all();
+    if (!run.can_run(builtin)) return tpu_unspecified().release();
     Call call{run.editor, run, builtin.name, args};
     if (builtin.function) return builtin.function(call).release();
     builtin.statement(call);

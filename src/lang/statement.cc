@@ -136,8 +136,12 @@ void MiniTPUParser::call_statement(const Procedure& procedure, const CallSite& s
     Value::adopt(call(procedure, words, false));
 }
 
+bool MiniTPUParser::can_run(const Builtin& builtin) const {
+    return editor.current_buffer || builtin.without_buffer;
+}
+
 void MiniTPUParser::run_builtin(const Builtin& builtin, const CallSite& site) {
-    if (!editor.current_buffer && !builtin.without_buffer) return;
+    if (!can_run(builtin)) return;
     Args args(*this, site);
     Call call{editor, *this, builtin.name, args};
     if (builtin.statement) {

@@ -16,7 +16,7 @@ std::string message_text(const std::string& text) {
 }
 
 void message(Call& call) {
-    call.editor.set_message(message_text(call.args.count() == 0 ? "" : call.args.text(0)));
+    call.editor.set_message(message_text(call.args.text(0)));
 }
 
 Value message_text_value(Call& call) {

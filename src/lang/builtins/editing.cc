@@ -20,7 +20,7 @@ void shift(Call& call) {
         bool names_one = where.is(Value::Type::window) || where.is(Value::Type::buffer);
         if (names_one && buffer_of(where)) target = buffer_of(where);
     }
-    if (args.count() > 0) target->shift_columns(bounded(args.number(args.count() - 1)));
+    target->shift_columns(args.count() > 0 ? bounded(args.number(args.count() - 1)) : 0);
 }
 
 void fill(Call& call) {

@@ -1,6 +1,7 @@
 // Moving the cursor and what is shown.
 #include <cmath>
 
+#include "core/ascii.h"
 #include "editor/editor.h"
 #include "lang/builtins/common.h"
 #include "lang/builtins/families.h"
@@ -109,7 +110,7 @@ void position(Call& call) {
         {"BUFFER_END", go_to_end},
     };
     for (const Place& place : kPlaces) {
-        if (call.args.whole() == place.word) return place.go(call);
+        if (ascii::upper(call.args.whole()) == place.word) return place.go(call);
     }
     const Value& target = call.args.value(0);
     using Type = Value::Type;

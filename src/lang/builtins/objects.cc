@@ -36,7 +36,8 @@ Value modify_range(Call& call) {
     std::optional<Marker> start = marker_of(call.args.value(1)),
                           end = marker_of(call.args.value(2));
     Range range = *value.range();
-    if (!start && !end) return wrong_type(call, "a marker");
+    bool all_markers = start && (end || call.args.count() < 3);
+    if (!all_markers) return wrong_type(call, "markers");
     Range changed(start.value_or(range.start), end.value_or(range.end));
     if (!changed.valid) return wrong_type(call, "markers of one buffer");
     *value.range() = changed;

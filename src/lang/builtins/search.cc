@@ -52,7 +52,8 @@ void match(Call& call) {
     TPUPattern pattern = pattern_argument(call.args, 0, call.args.whole());
     Buffer& buffer = call.buffer();
     std::size_t end = 0;
-    bool matched = pattern.match_at(buffer.current_line(), buffer.cursor_column, end);
+    std::string line = buffer.current_line();  // which puts the cursor into the text
+    bool matched = pattern.match_at(line, buffer.cursor_column, end);
     call.editor.match_succeeded = matched;
     call.editor.set_message(matched ? "MATCH succeeded" : "MATCH failed");
 }

@@ -11,16 +11,21 @@ void keep(TPUEditor& editor, bool passed, const std::string& line) {
     editor.test_report.push_back((passed ? "PASS  " : "FAIL  ") + line);
 }
 
+// What an assertion is called in the report.
+std::string label(Args& args) {
+    return args.count() > 2 ? args.text(2) : std::string(args.whole());
+}
+
 void test(Call& call) {
     call.editor.test_report.push_back("---- " + std::string(call.args.whole()));
 }
 
 void assert_true(Call& call) {
-    keep(call.editor, call.args.value(0).truthy(), std::string(call.args.whole()));
+    keep(call.editor, call.args.value(0).truthy(), label(call.args));
 }
 
 void assert_false(Call& call) {
-    keep(call.editor, !call.args.value(0).truthy(), std::string(call.args.whole()));
+    keep(call.editor, !call.args.value(0).truthy(), label(call.args));
 }
 
 bool equal(const Value& got, const Value& expected) {
@@ -35,7 +40,7 @@ void assert_eq(Call& call) {
     Args& args = call.args;
     std::span<Value> values = args.values();
     bool passed = values.size() >= 2 && equal(values[0], values[1]);
-    std::string line = values.size() > 2 ? values[2].as_string() : std::string(args.whole());
+    std::string line = label(args);
     if (!passed) {
         auto shown = [&](std::size_t i) {
             return i < values.size() ? values[i].as_string() : std::string();
@@ -47,7 +52,7 @@ void assert_eq(Call& call) {
 
 Value assert_value(Call& call) {
     bool passed = call.args.value(0).truthy();
-    keep(call.editor, passed, std::string(call.args.whole()));
+    keep(call.editor, passed, label(call.args));
     return Value::make_int(passed);
 }
 
