@@ -56,7 +56,7 @@ int main(int argc, char** argv) {
     }
     tpu::Options options = tpu::Options::parse(arguments);
     if (options.mode == tpu::Options::Mode::version) {
-        std::printf("tpu %s\n", tpu::kVersion);
+        std::printf("tpu %s\n", tpu::tpu_version_string().c_str());
         return flushed();
     }
     if (options.mode == tpu::Options::Mode::help) {

@@ -22,12 +22,21 @@ void write(TPUEditor& editor, Line line, std::size_t i) {
     }
 }
 
-void find(TPUEditor& editor, Line line) {
-    if (line.words.size() < 2) return editor.prompt_find();
+bool search(TPUEditor& editor, Line line) {
     std::string_view text = ascii::trim(line.from_word(1));
     bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
     if (quoted) text = text.substr(1, text.size() - 2);
-    editor.set_message(editor.current_buffer->search_forward(text) ? "Found" : "Not found");
+    return editor.current_buffer->search_forward(text);
+}
+
+void find(TPUEditor& editor, Line line) {
+    if (line.words.size() < 2) return editor.prompt_find();
+    editor.set_message(search(editor, line) ? "Found" : "Not found");
+}
+
+void find_quietly(TPUEditor& editor, Line line) {
+    if (line.words.size() < 2) return editor.prompt_find();
+    search(editor, line);
 }
 
 void remove(TPUEditor& editor, Line) {
@@ -86,6 +95,8 @@ constexpr Command kCommands[] = {
      "FIND [text]", "Search forward for the text, or as you type it."},
     {"SEARCH", "", find,
      "SEARCH [text]", "Search forward for the text, or as you type it."},
+    {"SEARCH_QUIETLY", "", find_quietly,
+     "SEARCH_QUIETLY <pat>", "Search without status message."},
     {"TOP", "", [](TPUEditor& e, Line) { e.current_buffer->beginning_of_buffer(); },
      "TOP", "Go to the beginning of the buffer."},
     {"BOTTOM", "", [](TPUEditor& e, Line) { e.current_buffer->end_of_buffer(); },
@@ -102,6 +113,10 @@ constexpr Command kCommands[] = {
      "OVERSTRIKE", "Type in overstrike mode."},
     {"BUFFER", "", switch_buffer,
      "BUFFER name", "Go to the buffer of that name; it is made if there is none."},
+    {"SHOW", "", [](TPUEditor& e, Line l) { e.show_command(l.words); },
+     "SHOW item [name]", "Show the state of the editor; SHOW alone lists the items."},
+    {"HELP", "", [](TPUEditor& e, Line l) { e.show_help(l.words.size() > 1 ? l.words[1] : ""); },
+     "HELP [topic]", "Show the documentation of a topic, a command or a built-in."},
 };
 // clang-format on
 

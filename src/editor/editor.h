@@ -178,6 +178,19 @@ class TPUEditor {
     void execute_command(const std::string& line);
     static bool is_command(const std::string& line);  // its first words name a command
 
+    // commands/show.cc
+    // Fills the editor's own buffer of that name, made when there is none, and goes there.
+    void open_show_buffer(const std::string& name, const std::string& text);
+    // The words of the command; the first is SHOW itself.
+    void show_command(const std::vector<std::string>& words);
+
+    // commands/help.cc
+    static std::vector<std::string> help_topics();
+    // Of a topic, or of a command, built-in or attribute; for any other name what comes
+    // close to it. In any case of letters. Without a topic the overview.
+    static std::string help_text(const std::string& topic);
+    void show_help(const std::string& topic);
+
   private:
     std::deque<int> unread_keys_;
     std::vector<std::unique_ptr<Buffer>> deleted_buffers_;  // until no code runs

@@ -1,4 +1,6 @@
 // Key maps and lists of the session, and the bindings it starts with.
+#include "keys/default_keys.h"
+
 #include <algorithm>
 
 #include "editor/editor.h"
@@ -57,13 +59,6 @@ int page(const TPUEditor& editor) {
     return std::max(editor.rows - 3, 1);
 }
 
-struct DefaultKey {
-    int code;
-    void (*action)(TPUEditor&);  // null: the text is run
-    const char* text;
-    const char* comment;
-};
-
 constexpr int kGold = kGoldOffset;
 
 // clang-format off
@@ -107,6 +102,10 @@ constexpr DefaultKey kDefaultKeys[] = {
 // clang-format on
 
 }  // namespace
+
+std::span<const DefaultKey> default_keys() {
+    return kDefaultKeys;
+}
 
 KeyMap* TPUEditor::create_key_map(const std::string& name) {
     std::unique_ptr<KeyMap>& place = key_maps[name];

@@ -1,7 +1,5 @@
 #include "keys/key_names.h"
 
-#include <string>
-
 #include "core/ascii.h"
 #include "keys/key_code.h"
 
@@ -68,6 +66,19 @@ int key_code_of(std::string_view name) {
     }
     if (rest.size() == 1) return static_cast<unsigned char>(rest[0]) + offset;
     return kNoKey;
+}
+
+std::string key_name_of(int code) {
+    if (code > kGoldOffset) return "GOLD_" + key_name_of(code - kGoldOffset);
+    for (const KeyName& key : kKeyNames) {
+        if (key.code == code) return std::string(key.name);
+    }
+    bool letter = code >= control('A') && code <= control('Z');
+    if (letter) return {'C', 'T', 'R', 'L', '_', static_cast<char>(code + 'A' - 1)};
+    if (code > ' ' && code <= '~') return {static_cast<char>(code)};
+    if (code > kKeyF0 && code <= kKeyF0 + 12)
+        return std::string("F").append(std::to_string(code - kKeyF0));
+    return std::to_string(code);
 }
 
 }  // namespace tpu

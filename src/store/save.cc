@@ -32,6 +32,7 @@ bool write_lines(int fd, const LineStore& lines) {
 }  // namespace
 
 bool Buffer::write_file(const std::string& path) {
+    if (no_write) return false;
     std::string target = path.empty() ? file_name : path;
     if (target.empty()) return false;
     // The file may be one that a text still shows.

@@ -46,8 +46,8 @@ Value system_info(std::string_view item) {
 
 // Deliberate: the version is a text here, and an integer for SYSTEM.
 std::optional<Value> release_info(std::string_view item) {
-    if (item == "VERSION") return Value::make_str(kVersion);
-    if (item == "RELEASE_DATE") return Value::make_str("2026-07-17");
+    if (item == "VERSION") return Value::make_str(tpu_version_string());
+    if (item == "RELEASE_DATE") return Value::make_str(kReleaseDate);
     if (item == "PLATFORM") return Value::make_str(kPlatform);
     return {};
 }

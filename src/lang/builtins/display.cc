@@ -1,4 +1,7 @@
-// Telling the user: messages, the bell, the screen, and values shown as messages.
+// Telling the user: messages, the bell, the screen, the editor's state, and values shown
+// as messages.
+#include <algorithm>
+
 #include "app/messages.h"
 #include "core/ascii.h"
 #include "editor/editor.h"
@@ -21,6 +24,22 @@ void message(Call& call) {
 
 Value message_text_value(Call& call) {
     return Value::make_str(tpu_message_text_for(call.args.text(0)));
+}
+
+bool is_name(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) {
+        return ascii::is_letter(c) || ascii::is_digit(c) || c == '_' || c == '$';
+    });
+}
+
+// Names are taken as written, all else is a value.
+void show_item(Call& call) {
+    std::vector<std::string> words{"SHOW"};
+    for (std::size_t i = 0; i < call.args.count(); ++i) {
+        std::string_view written = call.args.raw(i);
+        words.push_back(is_name(written) ? std::string(written) : call.args.text(i));
+    }
+    call.editor.show_command(words);
 }
 
 void bell(Call& call) {
@@ -77,6 +96,8 @@ constexpr Builtin kRows[] = {
      .form = "MESSAGE(text)", .help = "Show a text, or the text of a status name, as a message."},
     {.name = "MESSAGE_TEXT", .statement = message, .function = message_text_value, .without_buffer = true, .least = 1, .most = 1,
      .form = "MESSAGE_TEXT(text)", .help = "The text that a status name stands for; as a statement, shown as a message."},
+    {.name = "SHOW", .statement = show_item, .most = 2, .form = "SHOW(item [, name])",
+     .help = "Show the state of the editor, as the command SHOW does."},
     {.name = "BELL", .statement = bell, .form = "BELL", .help = "Ring the terminal's bell."},
     {.name = "REFRESH", .statement = [](Call& c) { c.editor.draw(); },
      .form = "REFRESH", .help = "Draw the screen."},

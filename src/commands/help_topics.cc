@@ -1,0 +1,273 @@
+// What HELP says on each topic, before the lists that commands/help.cc makes. Lines have at
+// most 78 columns.
+#include "commands/help.h"
+
+namespace tpu::prose {
+
+const std::string_view kKeys = R"help(KEYS
+
+The arrows, Home, End, Page Up and Page Down move. What is typed is inserted,
+or replaces what stands there in overstrike mode; the Insert key changes that.
+
+Ctrl-F or F3 finds text while it is typed: Ctrl-F again goes to the next
+place, Return ends the search, Escape goes back. Ctrl-V starts a selection,
+Ctrl-W cuts it, Ctrl-Y pastes. F4 deletes the selection, or else a character.
+Ctrl-S saves, Ctrl-Z asks for a command, Ctrl-C stops a program that runs.
+Ctrl-X ends the editor and asks no question: what is not saved is lost.
+
+F1 (PF1) is the GOLD key: a key pressed after it has a meaning of its own.
+The letters after GOLD are capitals, so GOLD and Shift-U is one step back.
+
+The list has the keys as the editor starts, and what they do. CTRL_M is
+Return, CTRL_I is Tab, CTRL_J a line feed, and 127 the code of a key that some
+keyboards have for Backspace. SHOW KEYS lists what is bound just now, and HELP
+KEYMAPS tells how to bind keys.
+)help";
+
+const std::string_view kCommands = R"help(COMMANDS
+
+Ctrl-Z asks for a command. Upper and lower case are the same; blanks stand
+between the words. A line that is none of the commands below is run as a
+statement of the language, so procedures and built-ins are commands as well.
+For example:
+
+  UNDO                      Undo the last step.
+  MOVE_VERTICAL(100)        Go down by 100 lines.
+  x := 5                    Assign a value to a variable.
+
+What may be left out stands in square brackets.
+)help";
+
+const std::string_view kMovement = R"help(MOVEMENT
+
+Arrows move by a character or a line, Home and End to the ends of the line,
+Page Up and Page Down by a screenful. GOLD T and the command TOP go to the
+beginning of the buffer, GOLD E and BOTTOM to its end. With the mouse
+switched on, SET(MOUSE, ON), a click moves the cursor. FREE_CURSOR lets it
+stand past the end of a line: SET(FREE_CURSOR, ON).
+
+Programs move with these built-ins. Lines and columns count bytes from 1
+where they are shown or asked for.
+)help";
+
+const std::string_view kEditing = R"help(EDITING
+
+Typing inserts, or overstrikes: the commands INSERT and OVERSTRIKE, or the
+Insert key. Return splits the line, Backspace and Delete erase a character.
+
+A selection begins at the cursor with Ctrl-V or SELECT and reaches to where
+the cursor goes. Ctrl-W cuts it, MOVE_TEXT does the same, and
+COPY_TEXT(SELECT_RANGE) copies it. Ctrl-Y or PASTE inserts what was cut or
+copied last in this buffer. PASTE PREVIOUS goes back from text to text through
+the last 32. STORE_PASTE("NAME") keeps a text under a name, and
+RECALL_PASTE("NAME") inserts it; SHOW PASTES lists them.
+
+GOLD U or UNDO undoes the last step, GOLD R or REDO does it again. A key is
+one step, and so is a command or a procedure. Each buffer keeps 200 steps.
+)help";
+
+const std::string_view kSearch = R"help(SEARCH
+
+Ctrl-F, F3, GOLD F or FIND alone search while the text is typed, from the
+cursor on and then from the top. FIND text goes to the next place of the text
+after the cursor, up to the end of the buffer. The case of letters counts.
+
+SEARCH is a built-in too. It takes a text or a pattern (HELP PATTERNS) and
+searches in the direction of the buffer, which SET(FORWARD) and SET(REVERSE)
+change, or in the one that is given. As a function it gives the range that
+was found, and the cursor stays:
+
+  found := SEARCH("needle");
+  IF found THEN POSITION(found); ENDIF;
+)help";
+
+const std::string_view kPatterns = R"help(PATTERNS
+
+A pattern is made of the elements below and of texts, joined with + or &. They
+are matched one behind the other, from left to right, without going back.
+
+  number := SPAN("0123456789");
+  SEARCH(LINE_BEGIN + "#" + number)
+
+LINE_BEGIN and LINE_END match the beginning and the end of a line.
+)help";
+
+const std::string_view kBuffers = R"help(BUFFERS
+
+A buffer is a text with a name, a cursor, attributes (HELP SET), steps to undo
+and a paste register: what was cut or copied last in it. BUFFER name goes to a
+buffer and makes it when there is none; NEXT BUFFER and PREVIOUS BUFFER go
+round all of them, and SHOW BUFFERS lists them. SHOW DEFAULTS has the
+attributes of the current one. The editor's own buffers, such as this one, the
+list of messages in $MESSAGE_BUFFER and what SHOW makes, take part in this;
+they cannot be written.
+
+Ctrl-S or WRITE saves a buffer to its file, WRITE name to another one, which
+is the buffer's file from then on. The previous file is kept with .bak behind
+its name, unless SET(BACKUP, OFF) says otherwise. A save that fails leaves the
+file as it was. The last line of a file gets no line end. Nothing is saved by
+itself, and nothing is asked when the editor ends.
+)help";
+
+const std::string_view kWindows = R"help(WINDOWS
+
+Ctrl-O splits the current window into an upper and a lower one, Ctrl-N goes to
+the next window; SPLIT_WINDOW_VERTICAL puts two side by side. A window shows
+one buffer and keeps its own place in it. DELETE_WINDOW removes the current
+window.
+
+A status line tells the buffer's name, whether it was modified, the mode, the
+line, the number of lines and the column. SET(STATUS_LINE, window, ON, text)
+gives it another text, in which these stand for what they name:
+
+  %n  buffer    %f  file      %m  Modified or Saved      %d  direction
+  %l  line      %t  lines     %i  INSERT or OVERSTRIKE   %c  column
+  %%  a percent sign
+)help";
+
+const std::string_view kKeymaps = R"help(KEYMAPS
+
+A key map binds keys to what they do. A list of key maps is searched from its
+front, and the first map that binds a key decides. At first there is one map,
+TPU$KEY_MAP, in the list TPU$KEY_MAP_LIST. A buffer may use another list:
+SET(KEY_MAP_LIST, "NAME"). SHOW KEYS, SHOW KEYMAPS and SHOW KEY_MAP_LISTS show
+what there is, and SHOW KEY name what one key does.
+
+  DEFINE_KEY("quote_lines(1)", "F8")
+  DEFINE_KEY("WRITE FILE", "GOLD_S", "GOLD-S write")
+  DEFINE_KEY("BOTTOM", KEY_NAME("CTRL_B"))
+
+The text is a statement or a command; a command that is also the name of a
+built-in, such as SHOW, is written like a call: SHOW(BUFFERS). Keys are named
+LEFT, RIGHT, UP, DOWN, HOME, END, INSERT, DELETE, BACKSPACE, NEXT_SCREEN or
+PAGEDOWN, PREVIOUS_SCREEN or PAGEUP, PF1 (or GOLD) to PF4, F6 to F12, CTRL_Z,
+CTRL_X, CTRL_S, CTRL_F, CTRL_V, CTRL_W and CTRL_Y. A single letter stands for
+its capital, and GOLD_ before a name for the key after GOLD. KEY_NAME knows
+all of CTRL_A to CTRL_Z and F1 to F12, and takes characters as they are.
+
+A learn sequence holds the statements that ran between LEARN_BEGIN and
+LEARN_END; it can be bound to a key as well, or run with EXECUTE.
+)help";
+
+const std::string_view kSet = R"help(SET
+
+SET(keyword, value, ...) changes an attribute of the current buffer, of a
+window or of the session. SET(keyword, buffer, value, ...) is for another
+buffer, where the list says so. The keyword is a plain word. A switch is ON or
+OFF, TRUE or FALSE, 1 or 0, and on without a value.
+
+  SET(RIGHT_MARGIN, 72)
+  SET(TAB_STOPS, 4)
+  SET(VIDEO, BOLD, UNDERLINE)
+
+GET_INFO(object, item) reads an attribute of a buffer, window, marker, range
+or array, for example GET_INFO(CURRENT_BUFFER, "LINES").
+)help";
+
+const std::string_view kBuiltins = R"help(BUILTINS
+
+These are the built-in procedures of the language, in alphabetical order. What
+may be left out stands in square brackets. Those that give a value stand in
+expressions, the others are statements, and many are both.
+)help";
+
+const std::string_view kTypes = R"help(TYPES
+
+  integer     64 bits, wraps around; 31, %X1F, %O37 and %B11111 are the same
+  string      a text in double quotes, of any bytes but a double quote
+  keyword     a plain name that nothing was assigned to
+  pattern     what SEARCH looks for; see HELP PATTERNS
+  range       the text between two markers; CREATE_RANGE gives one
+  marker      a place in a buffer; MARK gives that of the cursor
+  buffer      CURRENT_BUFFER, GET_BUFFER and CREATE_BUFFER give one
+  window      CURRENT_WINDOW and CREATE_WINDOW give one
+  array       elements under integers and texts: a{"key"} := 5
+  program     what COMPILE gives and EXECUTE runs
+  learn       a sequence of statements that LEARN_END gives
+  process     a command of the shell that CREATE_PROCESS has started
+  none        nothing
+
+UNSPECIFIED is what functions give that have nothing to give. True are all
+integers but 0, texts but the empty one, and objects that are there. TRUE and
+ON are 1, FALSE and OFF are 0.
+
+Assigning an array shares it. Assigning UNSPECIFIED to an element removes it.
+SHOW VARIABLES lists the global variables with their types.
+)help";
+
+const std::string_view kLanguage = R"help(LANGUAGE
+
+A line end or a semicolon ends a statement, - at the end of a line continues
+it, and ! begins a comment. Case does not count in names.
+
+  x := 5                     assignment; a{"key"} := 5 stores an element
+  NAME(a, b)                 call of a built-in or a procedure
+  IF x > 3 THEN ... ELSE ... ENDIF
+  LOOP ... EXITIF x > 3 ... ENDLOOP
+  ON_ERROR ... ENDON_ERROR   what to do after an ABORT in the same block
+
+  PROCEDURE triangle(n)
+    IF n < 1 THEN RETURN 0; ENDIF;
+    RETURN n + triangle(n - 1);
+  ENDPROCEDURE;
+
+A missing argument has no value, one too many is ignored. A name that is not
+declared LOCAL is the caller's, or else global. A loop ends by itself after
+100,000 passes; calls nest 100,000 deep.
+
+Operators from loose to tight: OR; AND; = <> < <= > >=; + - &; * /; - and NOT
+before a value. Comparisons are of texts when one side is a string. + and &
+join texts and patterns.
+
+A built-in that fails records an error: see ERROR, ERROR_TEXT and ERROR_LINE.
+
+The start-up file is the one that the environment variable TPU_STARTUP names,
+or else .tpurc in the home directory. The option --command=FILE runs one more,
+and --test FILE runs a file without a terminal and prints what ASSERT found.
+)help";
+
+const std::string_view kEve = R"help(EVE
+
+Some commands are two words, to be read like a sentence. They are typed on the
+command line (Ctrl-Z) or bound to keys, and go before commands of one word.
+The words cannot be shortened.
+)help";
+
+const std::string_view kEvents = R"help(EVENTS
+
+Statements can run when something happens:
+
+  SET(TIMER, 1000, "tick")             every 1000 milliseconds; 0 ends it
+  SET(PRE_KEY_PROCEDURE, "before")     before each key
+  SET(POST_KEY_PROCEDURE, "after")     after each key
+  SET(UNDEFINED_KEY, "unknown")        for keys that mean nothing
+
+SET(MOUSE, ON) lets the terminal report the mouse. A click moves the cursor;
+LOCATE_MOUSE and GET_INFO(SCREEN, "MOUSE_ROW") tell where it was. SHOW SYSTEM
+shows what is set.
+
+A process runs beside the editor, and what it writes goes into a buffer.
+ATTACH sends what is typed to it: Ctrl-D ends its input, Ctrl-Z comes back.
+)help";
+
+const std::string_view kWrap = R"help(WRAP
+
+Each buffer has margins: the column where filled and wrapped lines begin, and
+the one up to which they reach; 1 and 80 at first.
+
+  SET(WRAP)                  a blank typed past the right margin wraps
+  SET(NO_WRAP)               lines stay as they are typed
+  SET(LEFT_MARGIN, 5)        one margin
+  SET(MARGINS, 5, 72)        both
+  FILL                       fills the selected lines between the margins
+  SHIFT(4)                   moves all lines of the buffer right by 4 columns
+
+The Tab key inserts blanks up to the next tab stop, every 8 columns at first.
+
+  SET(TAB_STOPS, 4)          every 4 columns
+  SET(TAB_STOPS, "5 10 20")  at these columns
+
+SHOW DEFAULTS has the margins and tab stops of the current buffer.
+)help";
+
+}  // namespace tpu::prose

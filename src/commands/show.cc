@@ -1,0 +1,312 @@
+// SHOW: the state of the editor, as a message or in a buffer of its own.
+#include "commands/show.h"
+
+#include <algorithm>
+
+#include "app/version.h"
+#include "core/ascii.h"
+#include "editor/editor.h"
+#include "keys/key_names.h"
+
+namespace tpu {
+
+namespace {
+
+constexpr std::size_t kWidth = 78;  // of the lines in show buffers
+constexpr const char* kNothing = "  (none)\n";
+
+std::string header(const std::string& title) {
+    return title + '\n' + std::string(60, '-') + '\n';
+}
+
+// A line with a label; a label that fills its columns still gets a blank.
+std::string row(std::string label, std::size_t width, const std::string& value) {
+    label.resize(std::max(label.size(), width), ' ');
+    if (label.back() != ' ') label += ' ';
+    return "  " + label + value + '\n';
+}
+
+std::string or_none(const std::string& text) {
+    return text.empty() ? "<none>" : text;
+}
+
+std::string yes_no(bool yes) {
+    return yes ? "yes" : "no";
+}
+
+std::string on_off(bool on) {
+    return on ? "on" : "off";
+}
+
+// What fits of `text` into a line that holds `used` bytes already: its characters but for
+// control characters, or a beginning of them and dots.
+std::string shortened(std::string text, std::size_t used) {
+    constexpr std::size_t kLeast = 20;
+    constexpr std::string_view kDots = "...";
+    std::size_t room = std::max(kLeast, kWidth - std::min(kWidth, used));
+    if (text.size() > room) {
+        std::size_t end = room - kDots.size();
+        while (end > 0 && (text[end] & 0xc0) == 0x80) --end;
+        text.resize(end);
+        text += kDots;
+    }
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
+    return text;
+}
+
+// The names of what `owned` holds, each after a blank.
+template <class Map>
+std::string names(std::string list, const Map& owned) {
+    for (const auto& [name, object] : owned) list += ' ' + name;
+    return list;
+}
+
+std::string version(TPUEditor&, const std::string&) {
+    return tpu_version_banner();
+}
+
+std::string pastes(TPUEditor& editor, const std::string&) {
+    constexpr std::uint64_t kBeginning = kWidth + 1;  // bytes that suffice for a line
+    std::string text = header("SHOW PASTES  (named paste buffers)");
+    if (editor.named_pastes.empty()) text += kNothing;
+    for (const auto& [name, lines] : editor.named_pastes) {
+        std::string size = "  (" + std::to_string(lines.bytes()) + " chars)";
+        if (name.empty()) {
+            text += "  [unnamed slot]" + size + '\n';
+            continue;
+        }
+        std::string line = "  \"" + name + '"' + size + "  ";
+        std::string beginning = lines.text(0, std::min(lines.bytes(), kBeginning));
+        text += line + shortened(beginning, line.size()) + '\n';
+    }
+    return text;
+}
+
+std::string buffers(TPUEditor& editor, const std::string&) {
+    std::string list = "Buffers:";
+    for (const auto& buffer : editor.buffers) {
+        list += ' ' + buffer->name;
+        if (buffer.get() == editor.current_buffer) list += '*';
+    }
+    return list;
+}
+
+std::string key_maps(TPUEditor& editor, const std::string&) {
+    return names("Keymaps:", editor.key_maps);
+}
+
+std::string key_map_lists(TPUEditor& editor, const std::string&) {
+    return names("Key map lists:", editor.key_map_lists);
+}
+
+std::string procedures(TPUEditor& editor, const std::string&) {
+    return names("Procedures:", editor.parser.procedures);
+}
+
+// Calls visit(name, value) for each global variable.
+template <class Visit>
+void for_each_global(const SymbolTable& symbols, Visit visit) {
+    for (const auto& [name, symbol] : symbols.all()) {
+        if (const Value* value = symbols.global(symbol)) visit(name, *value);
+    }
+}
+
+std::string variables(TPUEditor& editor, const std::string&) {
+    std::string text = header("SHOW VARIABLES"), list;
+    for_each_global(editor.parser.symbols, [&](const std::string& name, const Value& value) {
+        std::string line = "  " + name + " (" + std::string(type_name(value.type())) + ")  =  ";
+        list += line + shortened(value.as_string(), line.size()) + '\n';
+    });
+    return text + (list.empty() ? kNothing : list);
+}
+
+std::string tab_stops(const Buffer& buffer) {
+    if (buffer.tab_stops.empty()) {
+        std::string every = "every " + std::to_string(buffer.tab_interval);
+        return buffer.tab_interval == Buffer::kTabInterval ? "default (" + every + ")" : every;
+    }
+    std::string list;
+    for (std::uint64_t stop : buffer.tab_stops) {
+        if (!list.empty()) list += ' ';
+        list += std::to_string(stop);
+    }
+    return list;
+}
+
+std::string journal(const Buffer& buffer) {
+    if (!buffer.journaling) return "off";
+    return buffer.journal_file.empty() ? "on" : buffer.journal_file;
+}
+
+std::string defaults(TPUEditor& editor, const std::string&) {
+    std::string text = header("SHOW DEFAULTS  (current buffer)");
+    if (!editor.current_buffer) return text + kNothing;
+    const Buffer& b = *editor.current_buffer;
+    auto add = [&](const char* label, const std::string& value) { text += row(label, 15, value); };
+    add("Name", b.name);
+    add("File", or_none(b.file_name));
+    add("Modified", yes_no(b.modified));
+    add("Modifiable", yes_no(b.modifiable));
+    add("Direction", b.reverse ? "REVERSE" : "FORWARD");
+    add("Insert mode", b.insert_mode ? "INSERT" : "OVERSTRIKE");
+    add("Margins", std::to_string(b.left_margin) + " ... " + std::to_string(b.right_margin));
+    add("Wrap", on_off(b.auto_wrap));
+    add("Line numbers", on_off(editor.show_line_numbers));
+    add("EOB text", b.eob_text);
+    add("Tab stops", tab_stops(b));
+    add("Journaling", journal(b));
+    add("Key map list", b.key_map_list.empty() ? "(default)" : b.key_map_list);
+    return text;
+}
+
+std::string summary(TPUEditor& editor, const std::string&) {
+    std::size_t globals = 0;
+    for_each_global(editor.parser.symbols, [&](const std::string&, const Value&) { ++globals; });
+    std::string text = header("SHOW SUMMARY");
+    auto add = [&](const char* label, const std::string& value) { text += row(label, 18, value); };
+    add("Buffers", std::to_string(editor.buffers.size()));
+    add("Windows", std::to_string(editor.windows.size()));
+    add("Keymaps", std::to_string(editor.key_maps.size()));
+    add("Keymap lists", std::to_string(editor.key_map_lists.size()));
+    add("Procedures", std::to_string(editor.parser.procedures.size()));
+    add("Variables", std::to_string(globals));
+    add("Processes", std::to_string(editor.processes.size()));
+    add("Tests passed/fail", std::to_string(editor.assertions_passed) + " / " +
+                                 std::to_string(editor.assertions_failed));
+    return text;
+}
+
+std::string code_and_name(int code) {
+    std::string number = std::to_string(code), name = key_name_of(code);
+    return name == number || code <= 0 ? number : number + " (" + name + ")";
+}
+
+std::string timer(const TPUEditor& editor) {
+    std::string interval = std::to_string(editor.timer_interval) + " ms";
+    return editor.timer_action.empty() ? interval : interval + "  -> " + editor.timer_action;
+}
+
+std::string system(TPUEditor& editor, const std::string&) {
+    std::string text = header("SHOW SYSTEM");
+    auto add = [&](const char* label, const std::string& value) { text += row(label, 14, value); };
+    add("Screen", std::to_string(editor.rows) + " x " + std::to_string(editor.cols));
+    add("Headless", yes_no(editor.headless));
+    add("Bell", on_off(editor.bell));
+    add("Mouse", on_off(editor.mouse));
+    add("Timer", timer(editor));
+    add("Pre-key proc", or_none(editor.pre_key_procedure));
+    add("Post-key proc", or_none(editor.post_key_procedure));
+    add("Undef-key proc", or_none(editor.undefined_key_procedure));
+    add("GOLD key", code_and_name(editor.gold_key));
+    add("Last key", code_and_name(editor.last_key));
+    return text;
+}
+
+std::string binding_text(const KeyBinding& binding) {
+    return binding.action ? "<native>" : binding.text;
+}
+
+std::string one_key(const TPUEditor& editor, const std::string& name) {
+    int code = key_code_of(name);
+    if (code == kNoKey) return "Unknown key " + name;
+    const KeyMapList* list = editor.current_key_map_list;
+    const KeyBinding* binding = list ? list->lookup(code) : nullptr;
+    return "Key " + name + (binding ? " = " + binding_text(*binding) : " is undefined");
+}
+
+std::string map_rows(const KeyMap& map) {
+    std::string rows = '[' + map.name + "]\n";
+    for (const auto& [code, binding] : map.bindings) {
+        std::string text = binding_text(binding);
+        rows += "  " + key_name_of(code) + "  ->  " + text;
+        bool tells_more = !binding.comment.empty() && binding.comment != text;
+        rows += (tells_more ? "  (" + binding.comment + ")" : "") + '\n';
+    }
+    return rows;
+}
+
+std::string keys(TPUEditor& editor, const std::string& name) {
+    if (!name.empty()) return one_key(editor, name);
+    std::string rows;
+    if (const KeyMapList* list = editor.current_key_map_list) {
+        for (const KeyMap* map : list->maps) {
+            if (map) rows += map_rows(*map);
+        }
+    }
+    return header("SHOW KEYS  (active key map list)") + (rows.empty() ? kNothing : rows);
+}
+
+// clang-format off
+constexpr ShowItem kItems[] = {
+    {{"BUFFERS"}, "", buffers, "The names of the buffers; a star marks the current one."},
+    {{"KEYMAPS"}, "", key_maps, "The names of the key maps."},
+    {{"KEY_MAP_LISTS", "KEYMAPLISTS"}, "", key_map_lists, "The names of the key-map lists."},
+    {{"PROCEDURES"}, "", procedures, "The names of the procedures that programs have defined."},
+    {{"DEFAULTS"}, "$SHOW_DEFAULTS", defaults, "The attributes of the current buffer."},
+    {{"SUMMARY"}, "$SHOW_SUMMARY", summary, "How many there are of buffers, windows and so on."},
+    {{"VARIABLES"}, "$SHOW_VARIABLES", variables, "The global variables and their values."},
+    {{"KEY", "KEYS"}, "$SHOW_KEYS", keys, "What the keys do, or what one key of that name does."},
+    {{"SYSTEM"}, "$SHOW_SYSTEM", system, "The screen, the timer, and what keys do besides."},
+    {{"VERSION"}, "$SHOW_VERSION", version, "The version of the editor."},
+    {{"PASTES", "PASTE"}, "$SHOW_PASTES", pastes, "The texts kept under names."},
+};
+// clang-format on
+
+const ShowItem* find_item(std::string_view name) {
+    if (name.empty()) return nullptr;
+    for (const ShowItem& item : kItems) {
+        if (std::find(item.names.begin(), item.names.end(), name) != item.names.end()) return &item;
+    }
+    return nullptr;
+}
+
+// The editor's own buffer of that name. One that a person made is left alone.
+Buffer& own_buffer(TPUEditor& editor, const std::string& name) {
+    for (const auto& buffer : editor.buffers) {
+        if (buffer->system && buffer->name == name) return *buffer;
+    }
+    return *editor.create_buffer(name, "");
+}
+
+}  // namespace
+
+std::span<const ShowItem> show_items() {
+    return kItems;
+}
+
+void TPUEditor::open_show_buffer(const std::string& name, const std::string& text) {
+    std::string_view lines = text;
+    if (lines.ends_with('\n')) lines.remove_suffix(1);
+    Buffer& buffer = own_buffer(*this, name);
+    buffer.modifiable = true;
+    buffer.lines = LineStore::from_text(lines);
+    buffer.cursor_row = buffer.cursor_column = buffer.view_line = 0;
+    buffer.select_anchor.reset();
+    buffer.video_regions.clear();
+    buffer.modified = false;
+    buffer.no_write = true;
+    buffer.system = true;
+    buffer.eob_text = "[End of " + name + "]";
+    position(&buffer);
+}
+
+void TPUEditor::show_command(const std::vector<std::string>& words) {
+    if (words.size() < 2) {
+        return set_message(
+            "SHOW what? BUFFERS, KEYMAPS, PROCEDURES, DEFAULTS, SUMMARY, VARIABLES, KEY <name>, "
+            "SYSTEM, VERSION, PASTES");
+    }
+    std::string word = ascii::upper(words[1]);
+    const ShowItem* item = find_item(word);
+    if (!item) return set_message("Unknown SHOW item: " + word);
+    bool names_one = item->text == keys && words.size() > 2;
+    std::string text = item->text(*this, names_one ? words[2] : "");
+    if (item->buffer.empty() || names_one) {
+        set_message(text);
+    } else {
+        open_show_buffer(std::string(item->buffer), text);
+    }
+}
+
+}  // namespace tpu
