@@ -150,6 +150,7 @@ void MiniTPUParser::run_builtin(const Builtin& builtin, const CallSite& site) {
         args.values();
         builtin.function(call);
     }
+    look_for_interrupt();  // some take long, and many may follow each other
 }
 
 void MiniTPUParser::report_unknown(const std::string& text) {
