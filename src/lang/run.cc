@@ -257,7 +257,7 @@ Word BuiltinCall::compute(MiniTPUParser& run) const {
     if (!run.can_run(builtin)) return tpu_unspecified().release();
     Call call{run.editor, run, builtin.name, args};
     if (builtin.function) return builtin.function(call).release();
-    builtin.statement(call);
+    if (builtin.statement) builtin.statement(call);  // else it declares names, and is no call
     return tpu_unspecified().release();
 }
 
