@@ -1,15 +1,12 @@
 #include "app/startup.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include "app/source_file.h"
 #include "editor/editor.h"
 #include "editor/glyphs.h"
+#include "store/file_names.h"
 
 namespace tpu {
 
@@ -17,18 +14,6 @@ namespace {
 
 constexpr const char* kGreeting =
     "Ctrl-Z command, Ctrl-X EXIT, F2 or `HELP` for help, `HELP <topic>` for a section";
-
-// What to tell about a file that is there but could not be read; else empty.
-std::string load_file(Buffer& buffer, const std::string& file) {
-    buffer.name = file;
-    if (buffer.load_file(file, Buffer::Loading::in_steps)) return {};
-    int error = errno;
-    buffer.file_name = file;
-    struct stat status;
-    if (stat(file.c_str(), &status) != 0 && errno == ENOENT) return {};
-    if (S_ISDIR(status.st_mode)) error = EISDIR;
-    return "Cannot read " + file + ": " + std::strerror(error);
-}
 
 void go_to_line(Buffer& buffer, std::uint64_t line) {
     if (line == 0) return;
@@ -66,7 +51,10 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     editor.charset = charset;
     Buffer* main = editor.create_buffer("MAIN", "");
     std::string trouble;
-    if (!options.file.empty()) trouble = load_file(*main, options.file);
+    if (!options.file.empty()) {
+        main->name = options.file;
+        trouble = load_or_begin(*main, options.file).trouble;
+    }
     go_to_line(*main, options.line);
     editor.init_screen();
     if (!options.section_file.empty()) {

@@ -1,29 +1,133 @@
 #include "commands/command_words.h"
 
-#include <sstream>
+#include <charconv>
+#include <cstdlib>
+#include <set>
 
 #include "core/ascii.h"
+#include "editor/editor.h"
 
 namespace tpu {
 
+namespace {
+
+std::string with_home(std::string_view name) {
+    const char* home = std::getenv("HOME");
+    bool in_home = name == "~" || name.starts_with("~/");
+    return in_home && home ? home + std::string(name.substr(1)) : std::string(name);
+}
+
+bool begins_with(const CommandLine& line, std::string_view words) {
+    for (std::size_t i = 0; !words.empty(); ++i) {
+        std::string_view word = words.substr(0, words.find(' '));
+        if (line.upper(i) != word) return false;
+        words.remove_prefix(std::min(words.size(), word.size() + 1));
+    }
+    return true;
+}
+
+}  // namespace
+
 CommandLine::CommandLine(std::string text) : line(std::move(text)) {
-    std::istringstream stream(line);
-    for (std::string word; stream >> word;) words.push_back(word);
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (ascii::is_space(line[i])) continue;
+        std::size_t begin = i;
+        while (i < line.size() && !ascii::is_space(line[i])) ++i;
+        words.push_back(line.substr(begin, i - begin));
+        places.push_back(begin);
+    }
+}
+
+CommandLine::CommandLine(std::string text, std::vector<std::string> given)
+    : CommandLine(std::move(text)) {
+    words = std::move(given);
+    places.resize(words.size(), line.size());
+}
+
+std::string CommandLine::upper(std::size_t i) const {
+    return ascii::upper(word(i));
 }
 
 std::string_view CommandLine::from_word(std::size_t i) const {
-    return i < words.size() ? std::string_view(line).substr(line.find(words[i])) : "";
+    if (i >= words.size()) return "";
+    std::size_t place = line.find(words[i]);
+    return place == std::string::npos ? words[i] : std::string_view(line).substr(place);
 }
 
-const Command* find_command(const CommandLine& line) {
-    if (line.words.empty()) return nullptr;
-    std::string name = ascii::upper(line.words[0]);
-    std::string second = line.words.size() > 1 ? ascii::upper(line.words[1]) : "";
-    for (const Command& command : commands()) {
-        if (command.name != name) continue;
-        if (command.second.empty() || command.second == second) return &command;
+std::string_view CommandLine::rest(std::size_t i) const {
+    return i < words.size() ? ascii::trim(std::string_view(line).substr(places[i])) : "";
+}
+
+std::string CommandLine::file(std::size_t i) const {
+    std::string_view text = rest(i);
+    if (!text.starts_with('"')) return i < words.size() ? with_home(words[i]) : "";
+    text.remove_prefix(1);
+    return with_home(text.substr(0, text.find('"')));
+}
+
+std::optional<std::uint64_t> CommandLine::number(std::size_t i) const {
+    if (i >= words.size()) return std::nullopt;
+    const std::string& word = words[i];
+    std::uint64_t number = 0;
+    auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+    if (error == std::errc::result_out_of_range) number = UINT64_MAX;
+    if (error == std::errc::invalid_argument || end != word.data() + word.size() || number == 0) {
+        return std::nullopt;
+    }
+    return number;
+}
+
+namespace {
+
+using Family = std::span<const Command> (*)();
+
+std::vector<const Command*> gather(std::initializer_list<Family> families) {
+    std::vector<const Command*> rows;
+    for (Family family : families) {
+        for (const Command& command : family()) rows.push_back(&command);
+    }
+    return rows;
+}
+
+}  // namespace
+
+const std::vector<const Command*>& commands_of(Layer layer) {
+    using namespace commands;
+    static const std::vector<const Command*> kLayers[] = {
+        gather({eve_files, eve_texts, eve_places, eve_settings}),
+        gather({editor, keys}),
+        gather({statements}),
+    };
+    return kLayers[static_cast<std::size_t>(layer)];
+}
+
+const std::vector<const Command*>& all_commands() {
+    using namespace commands;
+    static const std::vector<const Command*> kAll =
+        gather({eve_files, eve_texts, eve_places, eve_settings, editor, keys, statements});
+    return kAll;
+}
+
+const Command* find_command(Layer layer, const CommandLine& line) {
+    for (const Command* command : commands_of(layer)) {
+        if (begins_with(line, command->words)) return command;
     }
     return nullptr;
+}
+
+std::vector<std::string> TPUEditor::split_words(const std::string& line) {
+    return CommandLine(line).words;
+}
+
+// A word that begins several names, or none, stays what it is.
+std::string TPUEditor::resolve_command(const std::string& word) {
+    std::set<std::string_view> completed;
+    for (const Command* command : all_commands()) {
+        std::string_view name = command->first_word();
+        if (name == word) return word;
+        if (!command->in_full && name.starts_with(word)) completed.insert(name);
+    }
+    return completed.size() == 1 ? std::string(*completed.begin()) : word;
 }
 
 }  // namespace tpu

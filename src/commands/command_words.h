@@ -1,6 +1,8 @@
 // The commands of the command line.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,24 +16,67 @@ class TPUEditor;
 struct CommandLine {
     std::string line;
     std::vector<std::string> words;
+    std::vector<std::size_t> places;  // of the words in the line
 
     explicit CommandLine(std::string text);
-    // The rest of the line from the first place where word `i` occurs in it.
+    // The same with words that somebody else has made of the line.
+    CommandLine(std::string text, std::vector<std::string> given);
+
+    // Word `i`, as it is or in upper case; empty when there are fewer.
+    std::string word(std::size_t i) const { return i < words.size() ? words[i] : ""; }
+    std::string upper(std::size_t i) const;
+    // The rest of the line from the first place where word `i` occurs in it, be that
+    // within an earlier word.
     std::string_view from_word(std::size_t i) const;
+    // The rest of the line from word `i` on, without blanks at its end.
+    std::string_view rest(std::size_t i) const;
+    // The name of a file: word `i`, or several in double quotes; ~ is the home directory.
+    std::string file(std::size_t i) const;
+    // Word `i` as a number above 0.
+    std::optional<std::uint64_t> number(std::size_t i) const;
 };
+
+// What a command is about, for those who complete what is typed.
+enum class About { other, file, buffer, paste, topic, show_item, procedure, key_map_list };
 
 struct Command {
-    std::string_view name;    // first word, upper case
-    std::string_view second;  // second word of a two-word command, else empty
+    std::string_view words;  // that it begins with, upper case, separated by blanks
     void (*run)(TPUEditor&, const CommandLine&);
-    std::string_view form;  // how it is written
-    std::string_view help;  // one sentence
+    std::string_view form;        // how it is written
+    std::string_view help;        // one sentence
+    std::size_t least = 0;        // words; with fewer the form is shown
+    bool edits = false;           // needs a buffer whose text can be changed
+    bool without_buffer = false;  // runs even when no buffer is current
+    bool in_full = false;         // its first word cannot be shortened
+    About about = About::other;
+
+    std::string_view first_word() const { return words.substr(0, words.find(' ')); }
 };
 
-// All commands; of two that match a line the first is meant.
-std::span<const Command> commands();
+// Whose turn comes when: the procedures of the user are tried after the first layer,
+// the statements of the language after the second.
+enum class Layer { eve, editor, statement };
 
-// The command that a line calls, or null.
-const Command* find_command(const CommandLine& line);
+// The commands of a layer; of two that match a line the first is meant.
+const std::vector<const Command*>& commands_of(Layer layer);
+// Those of all layers, in their order.
+const std::vector<const Command*>& all_commands();
+
+// The command of a layer that a line calls, or null.
+const Command* find_command(Layer layer, const CommandLine& line);
+
+namespace commands {
+
+std::span<const Command> eve_files();
+std::span<const Command> eve_texts();
+std::span<const Command> eve_places();
+std::span<const Command> eve_settings();
+std::span<const Command> editor();
+std::span<const Command> keys();
+std::span<const Command> statements();
+
+void set_insert_mode(TPUEditor& editor, bool insert);
+
+}  // namespace commands
 
 }  // namespace tpu

@@ -1,9 +1,32 @@
-// The commands and what they do.
+// The commands of one word that come after the user's procedures.
+#include <algorithm>
+
 #include "commands/command_words.h"
 #include "core/ascii.h"
 #include "editor/editor.h"
 
 namespace tpu {
+
+void TPUEditor::buffer_command(const std::vector<std::string>& words) {
+    if (words.size() < 2) return set_message("BUFFER requires name");
+    const std::string& name = words[1];
+    Buffer* buffer = find_buffer(name);
+    position(buffer ? buffer : create_buffer(name, ""));
+    set_message("Current buffer: " + name);
+}
+
+// Of faults in the source the last one stays on the message line, with their number.
+void TPUEditor::compile_current_buffer() {
+    if (!current_buffer) return;
+    int before = parser.error_count;
+    parser.compile_text(current_buffer->lines.text());
+    int faults = parser.error_count - before;
+    if (faults == 0) return set_message("Compiled current buffer");
+    set_message("Compiled current buffer, faults: " + std::to_string(faults) +
+                "; the last: " + parser.error_list.back());
+}
+
+namespace commands {
 
 namespace {
 
@@ -13,20 +36,32 @@ void leave(TPUEditor& editor, Line) {
     editor.running = false;
 }
 
-// Word `i` names the file; without it the buffer's own file is meant.
-void write(TPUEditor& editor, Line line, std::size_t i) {
-    if (line.words.size() > i) {
-        editor.save_as(line.words[i]);
-    } else {
-        editor.save_current();
-    }
+void write(TPUEditor& editor, Line line) {
+    line.words.size() > 1 ? editor.save_as(line.file(1)) : editor.save_current();
+}
+
+bool is_pattern(std::string_view text) {
+    std::string upper = ascii::upper(text);
+    constexpr std::string_view kParts[] = {"ANY(",  "NOTANY(", "ARB(",       "SCAN(",
+                                           "SPAN(", "ANCHOR",  "LINE_BEGIN", "LINE_END"};
+    return std::any_of(std::begin(kParts), std::end(kParts), [&](std::string_view part) {
+        return upper.find(part) != std::string::npos;
+    });
+}
+
+// Without the quotes around it, of either kind.
+std::string unquoted(const std::string& text) {
+    std::string bare = MiniTPUParser::strip_quotes(text);
+    bool single = bare.size() >= 2 && bare.front() == '\'' && bare.back() == '\'';
+    return single ? bare.substr(1, bare.size() - 2) : bare;
 }
 
 bool search(TPUEditor& editor, Line line) {
-    std::string_view text = ascii::trim(line.from_word(1));
-    bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
-    if (quoted) text = text.substr(1, text.size() - 2);
-    return editor.current_buffer->search_forward(text);
+    std::string text(line.from_word(1));
+    Buffer& buffer = *editor.current_buffer;
+    if (!is_pattern(text)) return buffer.search_forward(unquoted(text));
+    TPUPattern pattern = MiniTPUParser::parse_pattern_expression(text);
+    return buffer.search_pattern_forward(pattern, true, false).has_value();
 }
 
 void find(TPUEditor& editor, Line line) {
@@ -39,14 +74,12 @@ void find_quietly(TPUEditor& editor, Line line) {
     search(editor, line);
 }
 
-void remove(TPUEditor& editor, Line) {
-    Buffer& buffer = *editor.current_buffer;
-    std::optional<Range> selection = buffer.select_range();
-    if (!selection) return buffer.erase_character_at_cursor();
-    editor.push_kill_ring(buffer.lines_of_range(*selection));
-    buffer.erase_range(*selection);
-    buffer.select_anchor.reset();
-    editor.set_message("Deleted selection");
+void erase_line(TPUEditor& editor, Line) {
+    editor.current_buffer->erase_line();
+}
+
+void go_to_end(TPUEditor& editor, Line) {
+    editor.current_buffer->end_of_buffer();
 }
 
 void select(TPUEditor& editor, Line) {
@@ -54,76 +87,92 @@ void select(TPUEditor& editor, Line) {
     editor.set_message("SELECT");
 }
 
-void switch_buffer(TPUEditor& editor, Line line) {
-    if (line.words.size() < 2) return editor.set_message("BUFFER requires name");
-    const std::string& name = line.words[1];
-    Buffer* buffer = editor.find_buffer(name);
-    editor.position(buffer ? buffer : editor.create_buffer(name, ""));
-    editor.set_message("Current buffer: " + name);
+void select_range(TPUEditor& editor, Line) {
+    bool active = editor.current_buffer->select_range().has_value();
+    editor.set_message(active ? "SELECT_RANGE active" : "No SELECT active");
 }
 
-void set_insert(TPUEditor& editor, bool insert) {
-    editor.current_buffer->insert_mode = insert;
-    editor.set_message(insert ? "INSERT mode" : "OVERSTRIKE mode");
+void execute(TPUEditor& editor, Line line) {
+    std::string name = line.word(1);
+    if (!editor.parser.execute_procedure(name)) editor.set_message("No such procedure: " + name);
+}
+
+void help(TPUEditor& editor, Line line) {
+    editor.show_help(line.upper(1));
 }
 
 // clang-format off
-constexpr Command kCommands[] = {
-    {"SAVE", "FILE", [](TPUEditor& e, Line l) { write(e, l, 2); },
-     "SAVE FILE [name]", "Write the buffer to its file, or to the file named."},
-    {"WRITE", "FILE", [](TPUEditor& e, Line l) { write(e, l, 2); },
-     "WRITE FILE [name]", "Write the buffer to its file, or to the file named."},
-    {"NEXT", "BUFFER", [](TPUEditor& e, Line) { e.next_buffer(); },
-     "NEXT BUFFER", "Go to the next buffer."},
-    {"PREVIOUS", "BUFFER", [](TPUEditor& e, Line) { e.previous_buffer(); },
-     "PREVIOUS BUFFER", "Go to the previous buffer."},
-    {"PASTE", "PREVIOUS", [](TPUEditor& e, Line) { e.paste_previous(); },
-     "PASTE PREVIOUS", "Paste the text that was cut or copied before."},
-    {"PASTE", "", [](TPUEditor& e, Line) { e.paste(); },
-     "PASTE", "Paste what was cut or copied last in this buffer."},
-    {"DELETE", "", remove,
-     "DELETE", "Delete the selection, or else the character at the cursor."},
-    {"EXIT", "", leave,
-     "EXIT", "Leave the editor; nothing is saved."},
-    {"QUIT", "", leave,
-     "QUIT", "Leave the editor; nothing is saved."},
-    {"WRITE", "", [](TPUEditor& e, Line l) { write(e, l, 1); },
-     "WRITE [name]", "Write the buffer to its file, or to the file named."},
-    {"SAVE", "", [](TPUEditor& e, Line l) { write(e, l, 1); },
-     "SAVE [name]", "Write the buffer to its file, or to the file named."},
-    {"FIND", "", find,
-     "FIND [text]", "Search forward for the text, or as you type it."},
-    {"SEARCH", "", find,
-     "SEARCH [text]", "Search forward for the text, or as you type it."},
-    {"SEARCH_QUIETLY", "", find_quietly,
-     "SEARCH_QUIETLY <pat>", "Search without status message."},
-    {"TOP", "", [](TPUEditor& e, Line) { e.current_buffer->beginning_of_buffer(); },
-     "TOP", "Go to the beginning of the buffer."},
-    {"BOTTOM", "", [](TPUEditor& e, Line) { e.current_buffer->end_of_buffer(); },
-     "BOTTOM", "Go to the end of the buffer."},
-    {"END", "", [](TPUEditor& e, Line) { e.current_buffer->end_of_buffer(); },
-     "END", "Go to the end of the buffer."},
-    {"ERASE_LINE", "", [](TPUEditor& e, Line) { e.current_buffer->erase_line(); },
-     "ERASE_LINE", "Erase the current line."},
-    {"SELECT", "", select,
-     "SELECT", "Start a selection at the cursor."},
-    {"INSERT", "", [](TPUEditor& e, Line) { set_insert(e, true); },
-     "INSERT", "Type in insert mode."},
-    {"OVERSTRIKE", "", [](TPUEditor& e, Line) { set_insert(e, false); },
-     "OVERSTRIKE", "Type in overstrike mode."},
-    {"BUFFER", "", switch_buffer,
-     "BUFFER name", "Go to the buffer of that name; it is made if there is none."},
-    {"SHOW", "", [](TPUEditor& e, Line l) { e.show_command(l.words); },
-     "SHOW item [name]", "Show the state of the editor; SHOW alone lists the items."},
-    {"HELP", "", [](TPUEditor& e, Line l) { e.show_help(l.words.size() > 1 ? l.words[1] : ""); },
-     "HELP [topic]", "Show the documentation of a topic, a command or a built-in."},
+constexpr Command kRows[] = {
+    {.words = "EXIT", .run = leave, .form = "EXIT",
+     .help = "Leave the editor at once; nothing is saved.", .without_buffer = true},
+    {.words = "QUIT", .run = leave, .form = "QUIT",
+     .help = "Leave the editor at once; nothing is saved.", .without_buffer = true},
+    {.words = "WRITE", .run = write, .form = "WRITE [name]",
+     .help = "Write the buffer to its file, or to the file named.", .about = About::file},
+    {.words = "SAVE", .run = write, .form = "SAVE [name]",
+     .help = "Write the buffer to its file, or to the file named.", .about = About::file},
+    {.words = "FIND", .run = find, .form = "FIND [text or pattern]",
+     .help = "Search forward, or search while the text is typed."},
+    {.words = "SEARCH", .run = find, .form = "SEARCH [text or pattern]",
+     .help = "Search forward, or search while the text is typed."},
+    {.words = "SEARCH_QUIETLY", .run = find_quietly, .form = "SEARCH_QUIETLY <pat>",
+     .help = "Search without status message."},
+    {.words = "TOP", .run = [](TPUEditor& e, Line) { e.current_buffer->beginning_of_buffer(); }, .form = "TOP",
+     .help = "Go to the beginning of the buffer."},
+    {.words = "BOTTOM", .run = go_to_end, .form = "BOTTOM",
+     .help = "Go to the end of the buffer."},
+    {.words = "END", .run = go_to_end, .form = "END",
+     .help = "Go to the end of the buffer."},
+    {.words = "ERASE_LINE", .run = erase_line, .form = "ERASE_LINE",
+     .help = "Erase the current line.", .edits = true},
+    {.words = "SELECT", .run = select, .form = "SELECT",
+     .help = "Start a selection at the cursor."},
+    {.words = "SELECT_RANGE", .run = select_range, .form = "SELECT_RANGE",
+     .help = "Tell whether there is a selection."},
+    {.words = "MOVE_TEXT", .run = [](TPUEditor& e, Line) { e.cut_selection(); }, .form = "MOVE_TEXT",
+     .help = "Cut the selection.", .edits = true},
+    {.words = "COPY_TEXT", .run = [](TPUEditor& e, Line) { e.copy_selection(); }, .form = "COPY_TEXT",
+     .help = "Copy the selection."},
+    {.words = "INSERT", .run = [](TPUEditor& e, Line) { set_insert_mode(e, true); }, .form = "INSERT",
+     .help = "Type in insert mode."},
+    {.words = "OVERSTRIKE", .run = [](TPUEditor& e, Line) { set_insert_mode(e, false); }, .form = "OVERSTRIKE",
+     .help = "Type in overstrike mode."},
+    {.words = "SHOW", .run = [](TPUEditor& e, Line l) { e.show_command(l.words); }, .form = "SHOW item [name]",
+     .help = "Show the state of the editor; SHOW alone lists the items.",
+     .without_buffer = true, .about = About::show_item},
+    {.words = "BUFFER", .run = [](TPUEditor& e, Line l) { e.buffer_command(l.words); }, .form = "BUFFER name",
+     .help = "Go to the buffer of that name; it is made if there is none.",
+     .without_buffer = true, .about = About::buffer},
+    {.words = "COMPILE", .run = [](TPUEditor& e, Line) { e.compile_current_buffer(); }, .form = "COMPILE",
+     .help = "Run the buffer as a program: its procedures can be called from then on."},
+    {.words = "EXECUTE", .run = execute, .form = "EXECUTE name",
+     .help = "Call a procedure.", .without_buffer = true, .about = About::procedure},
+    {.words = "HELP", .run = help, .form = "HELP [topic]",
+     .help = "Show the documentation of a topic, a command or a built-in.",
+     .without_buffer = true, .about = About::topic},
+};
+
+// Commands that are statements of the language, and can be shortened all the same.
+constexpr Command kStatements[] = {
+    {.words = "MATCH", .run = nullptr, .form = "MATCH(pattern)",
+     .help = "Tell whether a pattern matches at the cursor."},
+    {.words = "UNDO", .run = nullptr, .form = "UNDO",
+     .help = "Undo the last step."},
+    {.words = "REDO", .run = nullptr, .form = "REDO",
+     .help = "Do again what was undone last."},
 };
 // clang-format on
 
 }  // namespace
 
-std::span<const Command> commands() {
-    return kCommands;
+std::span<const Command> editor() {
+    return kRows;
 }
+
+std::span<const Command> statements() {
+    return kStatements;
+}
+
+}  // namespace commands
 
 }  // namespace tpu

@@ -1,20 +1,89 @@
+// Running a command line.
 #include "commands/command_words.h"
+#include "core/ascii.h"
 #include "editor/editor.h"
+#include "editor/undo_step.h"
 
 namespace tpu {
 
-void TPUEditor::execute_command(const std::string& line) {
-    CommandLine words(line);
-    if (words.words.empty()) return;
-    if (const Command* command = find_command(words)) {
-        if (current_buffer) command->run(*this, words);
-    } else {
-        parser.execute_statement(line);
+namespace {
+
+void run(TPUEditor& editor, const Command& command, const CommandLine& line) {
+    const Buffer* buffer = editor.current_buffer;
+    if (!buffer && !command.without_buffer) return editor.set_message("There is no buffer");
+    if (line.words.size() < command.least) return editor.set_message(std::string(command.form));
+    if (command.edits && !buffer->modifiable) {
+        return editor.set_message("Buffer " + buffer->name + " is not modifiable");
     }
+    command.run(editor, line);
 }
 
-bool TPUEditor::is_command(const std::string& line) {
-    return find_command(CommandLine(line)) != nullptr;
+bool run_in_layer(TPUEditor& editor, Layer layer, const CommandLine& line) {
+    const Command* command = find_command(layer, line);
+    if (command) run(editor, *command, line);
+    return command;
+}
+
+// Calls the user's procedure with the arguments that stand in parentheses behind its name.
+bool run_procedure(TPUEditor& editor, const CommandLine& line) {
+    const std::string& name = line.words[0];
+    if (!editor.parser.procedures.contains(name)) return false;
+    std::string_view arguments = line.rest(1);
+    bool called = arguments.starts_with('(');
+    return called ? editor.parser.execute_statement(name + std::string(arguments))
+                  : editor.parser.execute_procedure(name);
+}
+
+// An abbreviation that several commands share may still be meant for the one of them
+// that is a statement.
+std::string completed_statement(const std::string& word) {
+    constexpr std::size_t kShortest = 3;
+    std::string completed = word;
+    if (word.size() < kShortest) return completed;
+    for (const Command& command : commands::statements()) {
+        if (!command.words.starts_with(word)) continue;
+        if (completed != word) return word;
+        completed = command.words;
+    }
+    return completed;
+}
+
+void run_statement(TPUEditor& editor, const CommandLine& line) {
+    std::string typed = line.line;
+    std::size_t begin = line.places[0];
+    std::size_t end = std::min(typed.find_first_of(" \t\r\n\v\f", begin), typed.size());
+    std::string as_typed = ascii::upper(std::string_view(typed).substr(begin, end - begin));
+    std::string name = line.words[0];
+    if (name == as_typed && !editor.parser.knows(typed)) name = completed_statement(name);
+    if (name != as_typed) typed.replace(begin, end - begin, name);
+    editor.parser.execute_text(typed);
+}
+
+}  // namespace
+
+void TPUEditor::execute_command(const std::string& text) {
+    CommandLine line(text);
+    if (line.words.empty()) return;
+    UndoStep step(*this);
+    // A variable may have any name: q := 1 is no QUIT.
+    if (line.word(1).starts_with(":=")) return parser.execute_text(text);
+    line.words[0] = resolve_command(ascii::upper(line.words[0]));
+    if (run_in_layer(*this, Layer::eve, line)) return;
+    if (run_procedure(*this, line)) return;
+    if (run_in_layer(*this, Layer::editor, line)) return;
+    run_statement(*this, line);
+}
+
+bool TPUEditor::execute_eve_command(const std::vector<std::string>& words,
+                                    const std::string& line) {
+    return !words.empty() && run_in_layer(*this, Layer::eve, CommandLine(line, words));
+}
+
+bool TPUEditor::is_command(const std::string& text) {
+    CommandLine line(text);
+    if (line.words.empty()) return false;
+    line.words[0] = resolve_command(ascii::upper(line.words[0]));
+    return find_command(Layer::eve, line) || find_command(Layer::editor, line);
 }
 
 }  // namespace tpu

@@ -29,7 +29,7 @@ void add_words(std::string& text, std::string_view words, std::size_t indent) {
     while (!words.empty()) {
         std::string_view word = words.substr(0, words.find(' '));
         words.remove_prefix(std::min(words.size(), word.size() + 1));
-        bool at_start = column <= indent;
+        bool at_start = text.empty() || text.back() == ' ' || text.back() == '\n';
         if (!at_start && column + 1 + word.size() > kWidth) {
             text.append(1, '\n').append(indent, ' ');
             column = indent;
@@ -82,8 +82,9 @@ void add_keys(std::string& text) {
 // All commands, or only those of several words.
 void add_commands(std::string& text, bool of_several_words) {
     text += '\n';
-    for (const Command& command : commands()) {
-        if (!of_several_words || !command.second.empty()) add_row(text, command.form, command.help);
+    for (const Command* command : all_commands()) {
+        bool of_several = command->words != command->first_word();
+        if (of_several || !of_several_words) add_row(text, command->form, command->help);
     }
 }
 
@@ -176,9 +177,9 @@ std::string overview() {
 // What the tables say on a name; empty when none has it.
 std::string rows_named(std::string_view name) {
     std::string text;
-    for (const Command& command : commands()) {
-        if (command.name == name)
-            add_row(text, command.form, "Command: " + std::string(command.help));
+    for (const Command* command : all_commands()) {
+        if (command->run && command->first_word() == name)
+            add_row(text, command->form, "Command: " + std::string(command->help));
     }
     if (const Builtin* row = find_builtin(name)) {
         add_row(text, row->form, "Built-in: " + std::string(row->help));
@@ -196,7 +197,7 @@ std::string rows_named(std::string_view name) {
 std::set<std::string_view> known_names() {
     std::set<std::string_view> names;
     for (const HelpTopic& topic : kTopics) names.insert(topic.name);
-    for (const Command& command : commands()) names.insert(command.name);
+    for (const Command* command : all_commands()) names.insert(command->first_word());
     for (const Builtin* row : sorted_builtins()) names.insert(row->name);
     for (const SetKeyword& keyword : set_keywords()) names.insert(keyword.name);
     for (const InfoItem& item : info_items()) names.insert(item.names.begin(), item.names.end());

@@ -27,15 +27,22 @@ KEYMAPS tells how to bind keys.
 const std::string_view kCommands = R"help(COMMANDS
 
 Ctrl-Z asks for a command. Upper and lower case are the same; blanks stand
-between the words. A line that is none of the commands below is run as a
-statement of the language, so procedures and built-ins are commands as well.
-For example:
+between the words. The first word may be shortened as long as it fits only one
+command, so EXI is EXIT; commands of several words that have no short form are
+typed in full. A line that is none of the commands below is run as a statement
+of the language, so procedures and built-ins are commands as well:
 
   UNDO                      Undo the last step.
   MOVE_VERTICAL(100)        Go down by 100 lines.
   x := 5                    Assign a value to a variable.
 
-What may be left out stands in square brackets.
+Left, Right, Home and End move in the line, Ctrl-U empties it, Up and Down
+bring back earlier lines. Tab completes the names of commands, files, buffers
+and topics; pressed again it goes through all that fit. Ctrl-G gives up.
+
+A procedure of yours goes before a command of the same name, but for the forms
+that HELP EVE lists. A file name with blanks stands in double quotes, and ~/
+is your home directory. What may be left out stands in square brackets.
 )help";
 
 const std::string_view kMovement = R"help(MOVEMENT
@@ -229,8 +236,8 @@ and --test FILE runs a file without a terminal and prints what ASSERT found.
 const std::string_view kEve = R"help(EVE
 
 Some commands are two words, to be read like a sentence. They are typed on the
-command line (Ctrl-Z) or bound to keys, and go before commands of one word.
-The words cannot be shortened.
+command line (Ctrl-Z) or bound to keys, and go before commands of one word and
+before procedures. Only their first word can be shortened, and not in all.
 )help";
 
 const std::string_view kEvents = R"help(EVENTS

@@ -128,7 +128,7 @@ class Buffer {
     void insert_tab(Charset charset = Charset::bytes);
     void wrap_current_line();
 
-    // buffer_transform.cc; guarded but for shift_columns
+    // buffer_transform.cc; guarded but for shifting
     void fill_range(const Range& range, std::uint64_t left, std::uint64_t right);
     static char xform_case(char c, Case mode);
     void change_case_buffer(Case mode);
@@ -136,14 +136,20 @@ class Buffer {
     void change_case_word(Case mode);
     void translate(std::string_view from, std::string_view to);
     void translate_range(const Range& range, std::string_view from, std::string_view to);
-    void shift_columns(int n);
+    void shift_columns(int n);  // of all rows
+    void shift_rows(std::uint64_t first, std::uint64_t last, int n);
 
-    // buffer_ranges.cc; guarded but for text_of_range
+    // buffer_ranges.cc; what changes the text is guarded
     void erase_range(const Range& range);
     std::string text_of_range(const Range& range) const;
     LineStore lines_of_range(const Range& range) const;  // the same, sharing memory
     void box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1, std::uint64_t col2);
+    // The same without taking the rectangle out of the text.
+    void box_copy(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1, std::uint64_t col2);
     void box_paste(std::uint64_t row, std::uint64_t col);
+    // Replaces bytes of one line, given by their offset in the text, and leaves the cursor
+    // behind what replaced them.
+    void replace_bytes(std::uint64_t offset, std::uint64_t size, std::string_view text);
 
     // buffer_characters.cc: what keys do where a character may have several bytes.
     // A cursor inside a character counts as standing before it.

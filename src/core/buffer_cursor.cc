@@ -112,6 +112,7 @@ Marker Buffer::mark(bool free) {
 
 void Buffer::select() {
     select_anchor = mark(false);
+    box_select = false;
 }
 
 std::optional<Range> Buffer::select_range() {

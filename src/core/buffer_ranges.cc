@@ -36,16 +36,36 @@ LineStore Buffer::lines_of_range(const Range& range) const {
     return lines.part(clipped_offset(lines, range.start), clipped_offset(lines, range.end));
 }
 
-void Buffer::box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1,
-                     std::uint64_t col2) {
+void Buffer::replace_bytes(std::uint64_t offset, std::uint64_t size, std::string_view text) {
     if (!modifiable) return;
+    lines.erase(offset, offset + size);
+    lines.insert(offset, text);
+    Position end = lines.position(offset + text.size());
+    cursor_row = end.row;
+    cursor_column = end.column;
+    modified = true;
+}
+
+void Buffer::box_copy(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1,
+                      std::uint64_t col2) {
     if (col1 > col2) std::swap(col1, col2);
     if (row1 > row2) std::swap(row1, row2);
     box_register.clear();
     for (std::uint64_t row = row1; row <= row2 && row < lines.size(); ++row) {
         box_register.push_back(lines.slice({row, col1}, col2 - col1));
+    }
+}
+
+void Buffer::box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1,
+                     std::uint64_t col2) {
+    if (!modifiable) return;
+    box_copy(row1, row2, col1, col2);
+    if (col1 > col2) std::swap(col1, col2);
+    if (row1 > row2) std::swap(row1, row2);
+    for (std::size_t i = 0; i < box_register.size(); ++i) {
+        std::uint64_t row = row1 + i;
         std::uint64_t from = lines.offset({row, std::min(col1, lines.length(row))});
-        lines.erase(from, from + box_register.back().size());
+        lines.erase(from, from + box_register[i].size());
     }
     cursor_row = std::min(row1, lines.size() - 1);
     cursor_column = std::min(col1, lines.length(cursor_row));

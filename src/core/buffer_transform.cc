@@ -167,16 +167,21 @@ void Buffer::translate_range(const Range& range, std::string_view from, std::str
 
 // Deliberate: works on an unmodifiable buffer too, and on every line of it.
 void Buffer::shift_columns(int n) {
+    shift_rows(0, lines.size() - 1, n);
+}
+
+void Buffer::shift_rows(std::uint64_t first, std::uint64_t last, int n) {
     modified = true;
     if (n == 0) return;
     TextBuilder shifted;
     const std::string spaces(static_cast<std::size_t>(std::max(n, 0)), ' ');
     const std::uint64_t dropped = n < 0 ? -static_cast<std::uint64_t>(n) : 0;
-    std::uint64_t start = 0;
-    for (std::uint64_t row = 0; row < lines.size(); ++row) {
-        if (row > 0) shifted.append_break();
+    const std::uint64_t begin = lines.row_start(first);
+    std::uint64_t start = begin, end = begin;
+    for (std::uint64_t row = first; row <= last && row < lines.size(); ++row) {
+        if (row > first) shifted.append_break();
         shifted.append(spaces);
-        std::uint64_t end = start + lines.length(row);
+        end = start + lines.length(row);
         std::uint64_t kept = std::min(start + dropped, end);
         lines.for_each_span(kept, end, [&](std::string_view span) {
             shifted.append(span);
@@ -184,7 +189,7 @@ void Buffer::shift_columns(int n) {
         });
         start = end + 1;
     }
-    lines = shifted.take();
+    lines.replace(begin, end, shifted.take());
 }
 
 }  // namespace tpu

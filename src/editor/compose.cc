@@ -184,26 +184,33 @@ Frame compose(const TPUEditor& editor, const Plan& plan) {
     return frame;
 }
 
-void compose_prompt(const TPUEditor& editor, const std::string& line, Frame& frame) {
-    // Drop characters from the front until the rest and the cursor fit.
+namespace {
+
+int cells_of(std::string_view text, Charset charset) {
+    int cells = 0;
+    while (!text.empty()) {
+        Glyph glyph = glyph_at(text, charset);
+        cells += glyph.cells;
+        text.remove_prefix(static_cast<std::size_t>(glyph.bytes));
+    }
+    return cells;
+}
+
+}  // namespace
+
+void compose_prompt(const TPUEditor& editor, std::string_view line, std::size_t cursor,
+                    Frame& frame) {
+    // Drop characters from the front until what stands before the cursor, and it, fit.
     std::string_view shown = line;
-    auto width = [&](std::string_view text) {
-        int cells = 0;
-        while (!text.empty()) {
-            Glyph glyph = glyph_at(text, editor.charset);
-            cells += glyph.cells;
-            text.remove_prefix(static_cast<std::size_t>(glyph.bytes));
-        }
-        return cells;
-    };
-    for (int cells = width(shown); cells >= editor.cols && !shown.empty();) {
+    int before = cells_of(line.substr(0, cursor), editor.charset);
+    while (before >= editor.cols && !shown.empty()) {
         Glyph glyph = glyph_at(shown, editor.charset);
         shown.remove_prefix(static_cast<std::size_t>(glyph.bytes));
-        cells -= glyph.cells;
+        before -= glyph.cells;
     }
     frame.message = Surface(1, editor.cols);
-    int end = draw_text(frame.message, {0, 0, editor.cols}, shown, editor.charset, Attr::none);
-    frame.cursor = {editor.rows - 1, end};
+    draw_text(frame.message, {0, 0, editor.cols}, shown, editor.charset, Attr::none);
+    frame.cursor = {editor.rows - 1, before};
 }
 
 }  // namespace tpu

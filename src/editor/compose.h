@@ -30,8 +30,9 @@ struct Plan {
 Plan settle(TPUEditor& editor);
 Frame compose(const TPUEditor& editor, const Plan& plan);
 
-// Puts a prompt and the text typed so far on the message line of a frame, the end
-// of the text in view, and the cursor after it.
-void compose_prompt(const TPUEditor& editor, const std::string& line, Frame& frame);
+// Puts a line that is being typed, with its prompt, on the message line of a frame, and
+// the cursor before byte `cursor` of it, which is in view.
+void compose_prompt(const TPUEditor& editor, std::string_view line, std::size_t cursor,
+                    Frame& frame);
 
 }  // namespace tpu

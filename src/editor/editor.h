@@ -16,6 +16,7 @@
 
 #include "core/buffer.h"
 #include "editor/layout.h"
+#include "editor/line_input.h"
 #include "editor/ports.h"
 #include "editor/window.h"
 #include "keys/key_map.h"
@@ -79,6 +80,7 @@ class TPUEditor {
     std::vector<LineStore> kill_ring;  // oldest first
     std::uint64_t kill_ring_index = 0;
     std::map<std::string, LineStore> named_pastes;  // by upper-case name
+    std::vector<std::string> command_history;       // command lines, oldest first
     bool in_set_message = false;
     std::uint64_t message_buffer_limit = 1000;  // lines; 0: no limit
     UndoStep* undo_step = nullptr;              // the outermost one under way
@@ -148,6 +150,9 @@ class TPUEditor {
     // A line as typed, without it ever being shown when it is not echoed. Empty at once
     // when headless.
     std::string read_command_line(const std::string& prompt, bool echo = true);
+    // The same for those who tell an empty answer from none: the user has cancelled it or
+    // is gone.
+    std::optional<std::string> ask(const std::string& prompt, Asking how = {});
     int read_one_key(const std::string& prompt);  // kNoKey at once when headless
     void command_mode();
     void prompt_find();
@@ -174,9 +179,33 @@ class TPUEditor {
     void store_named_paste(const std::string& name);
     void recall_named_paste(const std::string& name, bool insert);
 
+    // commands/command_words.cc
+    static std::vector<std::string> split_words(const std::string& line);
+    // The command that an upper-case word abbreviates; the word itself if it is none, or
+    // if several commands begin with it.
+    static std::string resolve_command(const std::string& word);
+
     // commands/execute_command.cc
     void execute_command(const std::string& line);
+    // Runs the line if its words are one of the commands that go before the procedures of
+    // the user; else false.
+    bool execute_eve_command(const std::vector<std::string>& words, const std::string& line);
     static bool is_command(const std::string& line);  // its first words name a command
+
+    // commands/completion.cc
+    // What the last word of an unfinished command line may become.
+    Completion complete_command(std::string_view line);
+
+    // commands/editor_commands.cc
+    void buffer_command(const std::vector<std::string>& words);
+    void compile_current_buffer();
+
+    // commands/key_commands.cc; the first word is the command
+    void define_key_command(const std::vector<std::string>& words, const std::string& line);
+    void add_key_map_command(const std::vector<std::string>& words);
+    void remove_key_map_command(const std::vector<std::string>& words);
+    void undefine_key_command(const std::vector<std::string>& words);
+    void lookup_key_command(const std::vector<std::string>& words);
 
     // commands/show.cc
     // Fills the editor's own buffer of that name, made when there is none, and goes there.

@@ -8,10 +8,12 @@ namespace tpu {
 
 namespace {
 
-void present_prompt(TPUEditor& editor, const std::string& line) {
+// The cursor stands before byte `cursor` of the text behind the prompt.
+void present_prompt(TPUEditor& editor, const std::string& prompt, const std::string& text = "",
+                    std::size_t cursor = 0) {
     Plan plan = settle(editor);
     Frame frame = compose(editor, plan);
-    compose_prompt(editor, line, frame);
+    compose_prompt(editor, prompt + text, prompt.size() + cursor, frame);
     editor.ports.terminal.present(frame);
 }
 
@@ -33,26 +35,46 @@ int TPUEditor::read_one_key(const std::string& prompt) {
     }
 }
 
-std::string TPUEditor::read_command_line(const std::string& prompt, bool echo) {
-    if (headless) return {};
-    LineInput input(charset);
+std::optional<std::string> TPUEditor::ask(const std::string& prompt, Asking how) {
+    if (headless) return "";
+    bool echo = how.echo;
+    LineInput input(charset, std::move(how));
     int key = kNoKey;
     do {
-        if (!key_waiting()) present_prompt(*this, echo ? prompt + input.text() : prompt);
+        if (!key_waiting() && echo) present_prompt(*this, prompt, input.text(), input.cursor());
+        if (!key_waiting() && !echo) present_prompt(*this, prompt);
         key = read_key(-1);
         if (key == kKeyResize) resize_screen();
         if (key == kKeyPaste) input.paste(ports.terminal.take_paste());
         if (key == kKeyHangup) {
             // Nobody has finished this line: it must not be acted upon.
             running = false;
-            return {};
+            return std::nullopt;
         }
     } while (!input.key(key));
+    if (input.cancelled()) return std::nullopt;
     return input.text();
 }
 
+std::string TPUEditor::read_command_line(const std::string& prompt, bool echo) {
+    Asking how;
+    how.echo = echo;
+    return ask(prompt, std::move(how)).value_or("");
+}
+
+// An earlier line that is typed again moves to the end of the history.
 void TPUEditor::command_mode() {
-    execute_command(read_command_line("* "));
+    constexpr std::size_t kMostLines = 500;
+    Asking how;
+    how.history = &command_history;
+    how.complete = [this](std::string_view line) { return complete_command(line); };
+    std::string line = ask("* ", std::move(how)).value_or("");
+    if (!line.empty()) {
+        std::erase(command_history, line);
+        command_history.push_back(line);
+        if (command_history.size() > kMostLines) command_history.erase(command_history.begin());
+    }
+    execute_command(line);
 }
 
 void TPUEditor::prompt_find() {

@@ -251,7 +251,10 @@ TEST(HelpTexts, list_what_the_tables_have) {
         std::string text = TPUEditor::help_text(std::string(topic));
         EXPECT_TRUE(has(text, "\n  " + std::string(word))) << topic << ": " << word;
     };
-    for (const Command& command : commands()) line_begins("COMMANDS", command.form);
+    for (const Command* command : all_commands()) {
+        // A long form goes on in the next line.
+        line_begins("COMMANDS", command->form.substr(0, 50));
+    }
     for (std::span<const Builtin> family : builtin_families()) {
         for (const Builtin& row : family) line_begins("builtins", row.name);
     }
@@ -267,7 +270,7 @@ TEST_F(ShowHelp, help_knows_names_that_are_no_topics) {
     EXPECT_TRUE(text.starts_with("RIGHT_MARGIN\n\n  SET(RIGHT_MARGIN [, buffer], column)\n"));
     EXPECT_TRUE(has(text, "  GET_INFO, RIGHT_MARGIN (buffer)\n")) << text;
     text = after("HELP Find");
-    EXPECT_TRUE(has(text, "  FIND [text]               Command: Search")) << text;
+    EXPECT_TRUE(has(text, "  FIND [text or pattern]    Command: Search")) << text;
     EXPECT_TRUE(has(after("HELP substr"), "  SUBSTR(text, start, length)\n")) << text;
 }
 
@@ -275,7 +278,7 @@ TEST_F(ShowHelp, help_on_the_unknown_offers_what_comes_close) {
     std::string text = after("HELP Serch");
     EXPECT_EQ(current(), "HELP");
     EXPECT_TRUE(text.starts_with("There is no help on SERCH.\n")) << text;
-    EXPECT_TRUE(has(text, "come close:\n\n  SEARCH\n")) << text;
+    EXPECT_TRUE(has(text, "come close:\n\n  FETCH SEARCH\n")) << text;
     EXPECT_TRUE(has(text, "\n  KEYMAPS     ")) << text;
     text = after("HELP qqqqqq");
     EXPECT_FALSE(has(text, "come close")) << text;

@@ -1,0 +1,131 @@
+// What Tab makes of an unfinished command line.
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "commands/command_words.h"
+#include "commands/help.h"
+#include "commands/show.h"
+#include "core/ascii.h"
+#include "editor/editor.h"
+
+namespace tpu {
+
+namespace {
+
+using Names = std::set<std::string>;
+
+// A candidate that is the only one is finished, so the next word can follow.
+Completion offer(std::size_t from, const Names& names) {
+    Completion completion{from, {names.begin(), names.end()}};
+    if (names.size() == 1 && !names.begin()->ends_with('/')) completion.candidates[0] += ' ';
+    return completion;
+}
+
+// Of the names those that begin with `begun`, in any case of letters when told so.
+Completion complete_word(std::size_t from, std::string_view begun, const Names& names,
+                         bool any_case) {
+    std::string wanted = any_case ? ascii::upper(begun) : std::string(begun);
+    Names fitting;
+    for (const std::string& name : names) {
+        if ((any_case ? ascii::upper(name) : name).starts_with(wanted)) fitting.insert(name);
+    }
+    return offer(from, fitting);
+}
+
+std::filesystem::path folder_to_look_in(const std::string& typed) {
+    const char* home = std::getenv("HOME");
+    if (typed.starts_with("~/") && home) return home + typed.substr(1);
+    return typed.empty() ? "." : typed;
+}
+
+// A name with blanks gets double quotes around it.
+Completion complete_file(std::size_t from, std::string_view begun) {
+    if (begun.starts_with('"')) begun.remove_prefix(1);
+    std::size_t slash = begun.rfind('/');
+    std::string folder(begun.substr(0, slash == begun.npos ? 0 : slash + 1));
+    std::string_view name = begun.substr(folder.size());
+    Names fitting;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder_to_look_in(folder), error), end;
+         !error && entry != end; entry.increment(error)) {
+        std::string found = entry->path().filename().string();
+        if (!found.starts_with(name) || (found[0] == '.' && !name.starts_with('.'))) continue;
+        std::error_code unknown;
+        if (entry->is_directory(unknown)) found += '/';
+        found.insert(0, folder);
+        if (found.find(' ') != found.npos) found.insert(0, 1, '"');
+        if (found.front() == '"' && found.back() != '/') found += '"';
+        fitting.insert(found);
+    }
+    return offer(from, fitting);
+}
+
+template <class Map>
+void add_names(const Map& owned, Names& names) {
+    for (const auto& [name, object] : owned) names.insert(name);
+}
+
+// What a command can be about, but for files.
+Names names_of(TPUEditor& editor, About about) {
+    Names names;
+    switch (about) {
+        case About::other:
+        case About::file: break;
+        case About::buffer:
+            for (const auto& buffer : editor.buffers) names.insert(buffer->name);
+            break;
+        case About::paste: add_names(editor.named_pastes, names); break;
+        case About::topic:
+            for (const std::string& topic : TPUEditor::help_topics()) names.insert(topic);
+            break;
+        case About::show_item:
+            for (const ShowItem& item : show_items()) names.emplace(item.names[0]);
+            break;
+        case About::procedure: add_names(editor.parser.procedures, names); break;
+        case About::key_map_list: add_names(editor.key_map_lists, names); break;
+    }
+    return names;
+}
+
+// The words that may follow the whole words of `line` at place `i` in commands of several
+// words.
+Names next_words(const CommandLine& line, std::size_t i) {
+    Names names;
+    for (const Command* command : all_commands()) {
+        CommandLine form{std::string(command->words)};
+        if (form.words.size() <= i) continue;
+        bool fits = true;
+        for (std::size_t k = 0; k < i && fits; ++k) fits = form.words[k] == line.upper(k);
+        if (fits) names.insert(form.words[i]);
+    }
+    return names;
+}
+
+}  // namespace
+
+Completion TPUEditor::complete_command(std::string_view typed) {
+    CommandLine line{std::string(typed)};
+    bool begun = !typed.empty() && !ascii::is_space(typed.back());
+    std::size_t i = line.words.size() - (begun ? 1 : 0);
+    std::size_t from = begun ? line.places[i] : typed.size();
+    std::string_view word = typed.substr(from);
+    if (i > 0) line.words[0] = resolve_command(line.upper(0));
+    Names names = next_words(line, i);
+    if (i == 0) add_names(parser.procedures, names);
+    Completion completion = complete_word(from, word, names, true);
+    if (!completion.candidates.empty() || i == 0) return completion;
+    const Command* command = find_command(Layer::eve, line);
+    if (!command) command = find_command(Layer::editor, line);
+    if (!command) return {};
+    CommandLine form{std::string(command->words)};
+    if (command->about != About::file || i < form.words.size()) {
+        return complete_word(from, word, names_of(*this, command->about), true);
+    }
+    // All that follows the command may be one name in quotes.
+    std::size_t begin = i > form.words.size() ? line.places[form.words.size()] : from;
+    if (typed.substr(begin).starts_with('"')) from = begin;
+    return complete_file(from, typed.substr(from));
+}
+
+}  // namespace tpu

@@ -1,0 +1,139 @@
+// Commands on buffers and their files, and the shell.
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "commands/command_words.h"
+#include "editor/editor.h"
+#include "store/file_names.h"
+
+namespace tpu::commands {
+
+namespace {
+
+using Line = const CommandLine&;
+
+Buffer* buffer_of_file(TPUEditor& editor, const std::string& file) {
+    for (const auto& buffer : editor.buffers) {
+        if (!buffer->file_name.empty() && is_same_file(buffer->file_name, file)) {
+            return buffer.get();
+        }
+    }
+    return nullptr;
+}
+
+std::string unused_name(TPUEditor& editor, const std::string& name) {
+    std::string unused = name;
+    for (int n = 2; editor.find_buffer(unused); ++n) {
+        unused = name + "<" + std::to_string(n) + ">";
+    }
+    return unused;
+}
+
+// Nothing is left of a buffer whose file cannot be read.
+void get_file(TPUEditor& editor, Line line) {
+    std::string file = line.file(1), message = "Got file " + file;
+    Buffer* buffer = buffer_of_file(editor, file);
+    if (!buffer) {
+        auto loaded = std::make_unique<Buffer>(unused_name(editor, file), file);
+        FileState state = load_or_begin(*loaded, file);
+        if (state.result == FileState::unreadable) return editor.set_message(state.trouble);
+        if (state.result == FileState::missing) message = "New file " + file;
+        buffer = loaded.get();
+        editor.buffers.push_back(std::move(loaded));
+    }
+    editor.position(buffer);
+    editor.set_message(message);
+}
+
+void include_file(TPUEditor& editor, Line line) {
+    std::string file = line.file(1);
+    Buffer included("", "");
+    if (!included.load_file(file)) return editor.set_message("Cannot include " + file);
+    editor.current_buffer->copy_lines(included.lines, editor.charset);
+    editor.set_message("Included " + file);
+}
+
+void save_file(TPUEditor& editor, Line line) {
+    line.words.size() > 2 ? editor.save_as(line.file(2)) : editor.save_current();
+}
+
+void reload(TPUEditor& editor, Line) {
+    Buffer& buffer = *editor.current_buffer;
+    const std::string file = buffer.file_name;
+    if (buffer.modified) {
+        return editor.set_message("Buffer modified — save first or use UNDO");
+    }
+    if (file.empty()) return editor.set_message("No file to reload");
+    Buffer::Snapshot before = buffer.snap();
+    if (!buffer.load_file(file, Buffer::Loading::in_steps)) {
+        return editor.set_message("Reload failed");
+    }
+    buffer.cursor_row = before.cursor_row;
+    buffer.cursor_column = before.cursor_column;
+    buffer.view_line = std::min(before.view_line, buffer.lines.size() - 1);
+    buffer.clamp_cursor();
+    editor.set_message("Reloaded " + file);
+}
+
+void check_disk(TPUEditor& editor, Line) {
+    const Buffer& buffer = *editor.current_buffer;
+    const std::string& file = buffer.file_name;
+    if (file.empty()) return editor.set_message("No file");
+    std::uint64_t on_disk = Buffer::file_mtime_ms(file);
+    if (on_disk == 0) return editor.set_message("Cannot stat " + file);
+    editor.set_message(on_disk == buffer.file_time
+                           ? "File unchanged on disk"
+                           : "File CHANGED on disk -- type RELOAD to discard local changes");
+}
+
+void list_buffers(TPUEditor& editor, Line) {
+    editor.show_command({"SHOW", "BUFFERS"});
+}
+
+void spawn(TPUEditor& editor, Line line) {
+    editor.def_endwin_then_run(std::string(line.rest(1)));
+}
+
+// clang-format off
+constexpr Command kRows[] = {
+    {.words = "GET", .run = get_file, .form = "GET file",
+     .help = "Go to the buffer of a file, which is loaded when no buffer holds it yet.",
+     .least = 2, .without_buffer = true, .about = About::file},
+    {.words = "INCLUDE", .run = include_file, .form = "INCLUDE file",
+     .help = "Insert the text of a file at the cursor.",
+     .least = 2, .edits = true, .about = About::file},
+    {.words = "SAVE FILE", .run = save_file, .form = "SAVE FILE [name]",
+     .help = "Write the buffer to its file, or to the file named.", .about = About::file},
+    {.words = "WRITE FILE", .run = save_file, .form = "WRITE FILE [name]",
+     .help = "Write the buffer to its file, or to the file named.", .about = About::file},
+    {.words = "RELOAD", .run = reload, .form = "RELOAD",
+     .help = "Read the file of the buffer again; the cursor keeps its place."},
+    {.words = "CHECK_DISK", .run = check_disk, .form = "CHECK_DISK",
+     .help = "Tell whether somebody else has changed the file of the buffer."},
+    {.words = "CHECK DISK", .run = check_disk, .form = "CHECK DISK",
+     .help = "Tell whether somebody else has changed the file of the buffer.", .in_full = true},
+    {.words = "NEXT BUFFER", .run = [](TPUEditor& e, Line) { e.next_buffer(); }, .form = "NEXT BUFFER",
+     .help = "Go to the next buffer."},
+    {.words = "PREVIOUS BUFFER", .run = [](TPUEditor& e, Line) { e.previous_buffer(); },
+     .form = "PREVIOUS BUFFER", .help = "Go to the previous buffer."},
+    {.words = "BUFFER LIST", .run = list_buffers, .form = "BUFFER LIST",
+     .help = "List the buffers; a star marks the current one.", .without_buffer = true},
+    {.words = "WHAT BUFFER", .run = list_buffers, .form = "WHAT BUFFER",
+     .help = "List the buffers; a star marks the current one.", .without_buffer = true, .in_full = true},
+    {.words = "SHOW BUFFERS", .run = list_buffers, .form = "SHOW BUFFERS",
+     .help = "List the buffers; a star marks the current one.", .without_buffer = true},
+    {.words = "SPAWN", .run = spawn, .form = "SPAWN command",
+     .help = "Run a shell command on the terminal and come back.", .without_buffer = true, .in_full = true},
+    {.words = "DCL", .run = spawn, .form = "DCL command",
+     .help = "Run a shell command on the terminal and come back.", .without_buffer = true, .in_full = true},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const Command> eve_files() {
+    return kRows;
+}
+
+}  // namespace tpu::commands
