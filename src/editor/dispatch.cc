@@ -98,26 +98,8 @@ bool run_binding(TPUEditor& editor, int code) {
     return true;
 }
 
-// The bytes of the character that `first` begins: more are read when it takes more.
-std::string read_character(TPUEditor& editor, int first) {
-    constexpr int kWait = 25;  // milliseconds; the bytes of a character come together
-    std::string bytes(1, static_cast<char>(first));
-    if (editor.charset != Charset::utf8) return bytes;
-    std::size_t size = utf8_length(static_cast<unsigned char>(first));
-    while (bytes.size() < size) {
-        int key = editor.read_key(kWait);
-        if (key == kNoKey) break;
-        if ((key & ~0x3f) != 0x80) {
-            editor.unread_key(key);
-            break;
-        }
-        bytes += static_cast<char>(key);
-    }
-    return bytes;
-}
-
 void insert_character(TPUEditor& editor, int key) {
-    std::string bytes = read_character(editor, key);
+    std::string bytes = editor.read_character(key);
     Buffer* buffer = editor.current_buffer;
     if (!buffer) return;
     bool whole = decode_utf8(bytes).size == bytes.size();
@@ -154,6 +136,23 @@ void TPUEditor::handle_key(int key) {
         act_on_key(*this, key);
     }
     run_procedure(*this, post_key_procedure);
+}
+
+std::string TPUEditor::read_character(int first) {
+    constexpr int kWait = 25;  // milliseconds; the bytes of a character come together
+    std::string bytes(1, static_cast<char>(first));
+    if (charset != Charset::utf8) return bytes;
+    std::size_t size = utf8_length(static_cast<unsigned char>(first));
+    while (bytes.size() < size) {
+        int key = read_key(kWait);
+        if (key == kNoKey) break;
+        if ((key & ~0x3f) != 0x80) {
+            unread_key(key);
+            break;
+        }
+        bytes += static_cast<char>(key);
+    }
+    return bytes;
 }
 
 void TPUEditor::run_key_text(const std::string& text) {

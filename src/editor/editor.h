@@ -62,6 +62,8 @@ class TPUEditor {
     bool bell = true;    // the terminal may beep
     bool mouse = false;  // the terminal is to report the mouse
     bool headless = false;
+    std::string named_file;            // on the command line of the program; empty: none
+    std::uint64_t named_line = 0;      // likewise, counting from 1; 0: none
     Charset charset = Charset::bytes;  // of what people see and type
     int last_key = 0;
     std::vector<std::shared_ptr<TPUProcess>> processes;
@@ -143,6 +145,7 @@ class TPUEditor {
 
     // dispatch.cc
     void handle_key(int key);
+    std::string read_character(int first);       // with the bytes that belong to the first one
     void run_key_text(const std::string& text);  // statements, or a command
     void insert_paste(const std::string& text);
 

@@ -138,6 +138,23 @@ TEST(Keys, run_procedures_before_and_after_and_record_texts_while_learning) {
     EXPECT_EQ(*s.editor.learn_keys, (Rows{"END"}));
 }
 
+TEST(Keys, keep_what_was_bound_to_them_before_the_defaults) {
+    Session s({"one"});
+    s.editor.key_maps.clear();
+    s.editor.key_map_lists.clear();
+    s.editor.current_key_map_list = nullptr;
+    s.editor.parser.compile_text(
+        "DEFINE_KEY(\"COPY_TEXT(1)\", \"LEFT\")\n"
+        "DEFINE_KEY(COMPILE(\"COPY_TEXT(1 + 1)\"), 269)\n"
+        "LEARN_BEGIN; COPY_TEXT(1 + 2); learned := LEARN_END; DELETE\n"
+        "DEFINE_KEY(learned, KEY_NAME(\"A\", GOLD), \"three\")\n"
+        "DEFINE_KEY(\"COPY_TEXT(4)\", \"GOLD_CTRL_W\", \"four\", \"none\")\n");
+    EXPECT_EQ(s.editor.message, "There is no key map none");
+    s.terminal.keys = {kKeyLeft, kKeyF0 + 5, kKeyF0 + 1, 'A', kKeyEnd, 'x'};
+    s.editor.run();
+    EXPECT_EQ(s.lines(), (Rows{"3123nex"}));
+}
+
 TEST(UndoSteps, are_one_for_a_key_and_none_for_undo_itself) {
     Session s({"one", "two"});
     s.press("ab<DOWN>");

@@ -42,6 +42,20 @@ TEST(Statements, tell_what_they_did) {
         {"MOVE_HORIZONTAL(1); CURRENT_CHARACTER", "n"},
         {"MESSAGE(\"TPU$\")", "TPU$"},
         {"ABORT; MESSAGE(\"never\")", "ABORT"},
+        {"LENGTH(\"four\")", "4"},
+        {"KEY_NAME(\"F5\")", "269"},
+        {"EXPAND_LEARN(5)", "EXPAND_LEARN needs a learn sequence"},
+        {"MAP(CURRENT_WINDOW, 1)", "MAP needs a buffer"},
+        {"MESSAGE(\"kept\"); x := CREATE_RANGE(1, 2)", "kept"},
+        {"DELETE(\"text\")", "DELETE needs a buffer, window, array, marker, range or process"},
+        {"LEARN_BEGIN; LEARN_BEGIN", "A learn sequence is being recorded already"},
+        {"LEARN_END; MESSAGE(ERROR)", "successful completion"},
+        {"CREATE_WIDGET(1, 2)", "CREATE_WIDGET: accepted (no-op in ncurses build)"},
+        {"LOCATE_MOUSE", "Mouse: row=-1 col=-1"},
+        {"SET(VIDEO, GREEN)",
+         "SET(VIDEO) needs BOLD, REVERSE, UNDERLINE, DIM, BLINK, STANDOUT, NORMAL or OFF"},
+        {"SET(STATUS_LINE, CURRENT_WINDOW, 5)", "SET(STATUS_LINE) needs ON, TEXT, OFF or NONE"},
+        {"SET(PRE_KEY_PROCEDURE, CURRENT_BUFFER)", "SET needs the text of a statement"},
     };
     for (const auto& c : cases) {
         Session s({"one two"});
@@ -144,6 +158,9 @@ TEST(Statements, read_what_is_typed) {
     EXPECT_EQ(value_of(s, "X"), "Ada,n,q");
     EXPECT_EQ(shown, "Press a k");
     EXPECT_TRUE(s.editor.running);
+    s.terminal.keys = {0xe2, 0x82, 0xac, '.'};
+    s.editor.parser.compile_text("x := READ_CHAR + READ_CHAR");
+    EXPECT_EQ(value_of(s, "X"), "\xe2\x82\xac.");
 }
 
 }  // namespace
