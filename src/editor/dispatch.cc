@@ -31,12 +31,13 @@ bool feed_process(TPUEditor& editor, int key) {
             break;
         case '\n':
         case '\r':
-        case kKeyEnter: process.send("\n"); break;
+        case kKeyEnter: editor.send_text(process, "\n"); break;
         case kKeyBackspace:
         case 127:
-        case '\b': process.send("\b"); break;
+        case '\b': editor.send_text(process, "\b"); break;
         default:
-            if (is_character(key)) process.send(std::string(1, static_cast<char>(key)));
+            if (is_character(key))
+                editor.send_text(process, std::string(1, static_cast<char>(key)));
     }
     return true;
 }
@@ -170,7 +171,7 @@ void TPUEditor::run_key_text(const std::string& text) {
 
 void TPUEditor::insert_paste(const std::string& text) {
     if (attached_process) {
-        attached_process->send(text);
+        send_text(*attached_process, text);
     } else if (current_buffer) {
         UndoStep step(*this);
         current_buffer->copy_text(text, charset);

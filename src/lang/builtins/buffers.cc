@@ -75,8 +75,7 @@ void forget_shared(Call& call, const std::shared_ptr<T>& object,
 }
 
 void delete_process(Call& call, const std::shared_ptr<TPUProcess>& process) {
-    std::erase(call.editor.processes, process);
-    if (call.editor.attached_process == process) call.editor.attached_process.reset();
+    call.editor.dismiss_process(process);
     forget_shared(call, process, &Value::process);
 }
 
