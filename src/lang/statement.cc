@@ -3,6 +3,7 @@
 
 #include "core/ascii.h"
 #include "editor/editor.h"
+#include "editor/journal_entry.h"
 #include "editor/undo_step.h"
 #include "lang/builtin.h"
 #include "lang/compile.h"
@@ -59,6 +60,7 @@ bool MiniTPUParser::execute_statement(const std::string& text) {
     Nesting nesting(*this);
     if (nesting.is_outermost()) {
         UndoStep step(editor);
+        JournalEntry entry(editor, statement);
         run_statement(*code, statement);
     } else {
         run_statement(*code, statement);
@@ -66,12 +68,18 @@ bool MiniTPUParser::execute_statement(const std::string& text) {
     return true;
 }
 
+void MiniTPUParser::execute_whole(const std::string& statement) {
+    if (is_control_word(ascii::upper(source::leading_word(ascii::trim(statement))))) {
+        compile_text(statement);
+    } else {
+        execute_statement(statement);
+    }
+}
+
 void MiniTPUParser::execute_text(const std::string& text) {
     std::vector<std::string> statements = split_statements(text);
-    bool plain = statements.size() == 1 &&
-                 !is_control_word(ascii::upper(source::leading_word(statements.front())));
-    if (plain) {
-        execute_statement(statements.front());
+    if (statements.size() == 1) {
+        execute_whole(statements.front());
     } else {
         compile_text(text);
     }

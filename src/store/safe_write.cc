@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -13,6 +12,7 @@
 
 #include "store/file_io.h"
 #include "store/file_traits.h"
+#include "store/ignored_signal.h"
 #include "store/temp_file.h"
 
 namespace tpu {
@@ -24,23 +24,6 @@ struct Job {
     std::string backup;
     bool keep_backup;
     const WriteText& write;
-};
-
-// Lets writes fail that would otherwise end the program.
-class IgnoredSignal {
-  public:
-    explicit IgnoredSignal(int number) : number_(number) {
-        struct sigaction ignore = {};
-        ignore.sa_handler = SIG_IGN;
-        sigaction(number_, &ignore, &before_);
-    }
-    ~IgnoredSignal() { sigaction(number_, &before_, nullptr); }
-    IgnoredSignal(const IgnoredSignal&) = delete;
-    IgnoredSignal& operator=(const IgnoredSignal&) = delete;
-
-  private:
-    int number_;
-    struct sigaction before_ = {};
 };
 
 bool is_symbolic_link(const std::string& path) {

@@ -15,6 +15,7 @@ std::span<const Builtin> control();
 std::span<const Builtin> display();
 std::span<const Builtin> editing();
 std::span<const Builtin> input();
+std::span<const Builtin> journal();
 std::span<const Builtin> keys();
 std::span<const Builtin> learn();
 std::span<const Builtin> movement();

@@ -12,7 +12,7 @@ std::span<const std::span<const Builtin>> builtin_families() {
     static const std::array kFamilies = {
         movement(), editing(),  search(),    display(),   control(),    testing(), texts(),
         objects(),  patterns(), input(),     names(),     attributes(), windows(), buffers(),
-        keys(),     learn(),    processes(), clipboard(), toolkit(),
+        keys(),     learn(),    processes(), clipboard(), journal(),    toolkit(),
     };
     return kFamilies;
 }
