@@ -10,6 +10,7 @@
 #include "app/source_file.h"
 #include "editor/editor.h"
 #include "editor/glyphs.h"
+#include "store/section.h"
 
 namespace tpu {
 
@@ -69,7 +70,7 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     if (!options.file.empty()) trouble = load_file(*main, options.file);
     go_to_line(*main, options.line);
     editor.init_screen();
-    if (!options.section_file.empty()) {
+    if (!options.section_file.empty() && !tpu_section_restore(editor, options.section_file)) {
         std::string line = "tpu: /SECTION=" + options.section_file + " failed to load";
         complain(ports.terminal, printable(line, charset));
     }

@@ -23,6 +23,8 @@ void declare(MiniTPUParser& run, Declares kind, const Declared& declared) {
     std::optional<Value> value;
     if (declared.value) value = run.eval_root(*declared.value);
     if (kind == Declares::constant) {
+        // One from a section file still waits for its value.
+        if (symbol.is_bound() && tpu_value_is_unspecified(symbol.value)) symbol.constant = false;
         if (value) run.assign(symbol, *std::move(value));
         symbol.constant = true;
     } else if (kind == Declares::variable) {
@@ -48,8 +50,10 @@ bool MiniTPUParser::knows(std::string_view text) const {
     text = ascii::trim(text);
     if (source::find_assignment(text) != std::string_view::npos) return true;
     std::string word = ascii::upper(source::leading_word(text));
-    return find_builtin(word) || is_control_word(word) || procedures.contains(word) ||
-           procedures.contains(ascii::upper(text));
+    const Builtin* row = find_builtin(word);
+    bool is_call = ascii::trim(text.substr(word.size())).starts_with('(');
+    return (row && (is_call || !row->only_called)) || is_control_word(word) ||
+           procedures.contains(word) || procedures.contains(ascii::upper(text));
 }
 
 bool MiniTPUParser::execute_statement(const std::string& text) {

@@ -24,6 +24,7 @@ std::span<const Builtin> objects();
 std::span<const Builtin> patterns();
 std::span<const Builtin> processes();
 std::span<const Builtin> search();
+std::span<const Builtin> sections();
 std::span<const Builtin> testing();
 std::span<const Builtin> texts();
 std::span<const Builtin> toolkit();
