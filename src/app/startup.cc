@@ -6,6 +6,7 @@
 #include "app/source_file.h"
 #include "editor/editor.h"
 #include "editor/glyphs.h"
+#include "store/section.h"
 
 namespace tpu {
 
@@ -58,7 +59,7 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     }
     go_to_line(*main, options.line);
     editor.init_screen();
-    if (!options.section_file.empty()) {
+    if (!options.section_file.empty() && !tpu_section_restore(editor, options.section_file)) {
         std::string line = "tpu: /SECTION=" + options.section_file + " failed to load";
         complain(ports.terminal, printable(line, charset));
     }

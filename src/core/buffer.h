@@ -71,7 +71,8 @@ class Buffer {
     std::string eob_text = "[End of file]";
     std::string key_map_list;  // name of the list for keys in this buffer; empty: the editor's
     std::string journal_file;
-    std::uint64_t file_time = 0;  // milliseconds since the epoch; 0: unknown
+    bool journal_strayed = false;  // its statements so far leave another buffer current
+    std::uint64_t file_time = 0;   // milliseconds since the epoch; 0: unknown
     std::vector<VideoRegion> video_regions;
     std::vector<Snapshot> undo_stack;  // oldest first
     std::vector<Snapshot> redo_stack;

@@ -14,7 +14,12 @@ UndoStep::UndoStep(TPUEditor& editor) : editor_(editor), outer_(editor.undo_step
 UndoStep::~UndoStep() {
     if (outer_) return;
     editor_.undo_step = nullptr;
+    finish();
+}
+
+void UndoStep::finish() {
     for (const Watched& watched : watched_) finish(watched);
+    watched_.clear();
 }
 
 void UndoStep::watch_current_buffer() {

@@ -101,10 +101,25 @@ constexpr DefaultKey kDefaultKeys[] = {
 };
 // clang-format on
 
+std::function<void()> action_of(TPUEditor& editor, const DefaultKey& key) {
+    if (!key.action) return {};
+    // Without a buffer one can only leave.
+    return [&editor, action = key.action] {
+        if (editor.current_buffer || action == leave) action(editor);
+    };
+}
+
 }  // namespace
 
 std::span<const DefaultKey> default_keys() {
     return kDefaultKeys;
+}
+
+std::function<void()> default_action(TPUEditor& editor, int code) {
+    for (const DefaultKey& key : kDefaultKeys) {
+        if (key.code == code) return action_of(editor, key);
+    }
+    return {};
 }
 
 KeyMap* TPUEditor::create_key_map(const std::string& name) {
@@ -137,14 +152,7 @@ void TPUEditor::define_default_keys() {
     KeyMap* map = create_key_map("TPU$KEY_MAP");
     current_key_map_list = create_key_map_list("TPU$KEY_MAP_LIST", map);
     for (const DefaultKey& key : kDefaultKeys) {
-        KeyBinding binding{key.text, {}, key.comment};
-        if (key.action) {
-            // Without a buffer one can only leave.
-            binding.action = [this, action = key.action] {
-                if (current_buffer || action == leave) action(*this);
-            };
-        }
-        map->define_key(key.code, std::move(binding));
+        map->define_key(key.code, {key.text, action_of(*this, key), key.comment});
     }
     for (auto& [code, binding] : own) {
         if (binding.action || !binding.text.empty()) map->define_key(code, std::move(binding));

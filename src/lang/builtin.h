@@ -81,6 +81,7 @@ struct Builtin {
     Declares declares = Declares::nothing;
     bool bare = false;            // stands in an expression without parentheses
     bool without_buffer = false;  // can do without a current buffer
+    bool only_called = false;     // of a text that may be a command, only when "(" follows
     std::int8_t least = 0;        // arguments
     std::int8_t most = 0;
     std::string_view form;  // how it is written

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -13,6 +12,7 @@
 
 #include "store/file_io.h"
 #include "store/file_traits.h"
+#include "store/ignored_signal.h"
 #include "store/temp_file.h"
 
 namespace tpu {
@@ -24,23 +24,6 @@ struct Job {
     std::string backup;
     bool keep_backup;
     const WriteText& write;
-};
-
-// Lets writes fail that would otherwise end the program.
-class IgnoredSignal {
-  public:
-    explicit IgnoredSignal(int number) : number_(number) {
-        struct sigaction ignore = {};
-        ignore.sa_handler = SIG_IGN;
-        sigaction(number_, &ignore, &before_);
-    }
-    ~IgnoredSignal() { sigaction(number_, &before_, nullptr); }
-    IgnoredSignal(const IgnoredSignal&) = delete;
-    IgnoredSignal& operator=(const IgnoredSignal&) = delete;
-
-  private:
-    int number_;
-    struct sigaction before_ = {};
 };
 
 bool is_symbolic_link(const std::string& path) {
@@ -152,6 +135,13 @@ bool rewrite_file(const Job& job, const FileTraits& old) {
     return false;
 }
 
+// Of a new file.
+mode_t usual_mode() {
+    mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
 bool can_be_replaced(const std::string& path, const struct stat& status) {
     return status.st_nlink == 1 && !is_symbolic_link(path);
 }
@@ -175,6 +165,28 @@ bool write_safely(const std::string& path, bool keep_backup, const WriteText& wr
         if (outcome != Outcome::not_replaceable) return outcome == Outcome::saved;
     }
     return rewrite_file(job, *old);
+}
+
+bool write_at_once(const std::string& path, const WriteText& write) {
+    IgnoredSignal size_limit(SIGXFSZ);
+    std::error_code unknown;
+    std::string real = std::filesystem::weakly_canonical(path, unknown).string();
+    if (unknown || path.empty()) return false;
+    struct stat status;
+    bool exists = stat(real.c_str(), &status) == 0;
+    if (exists &&
+        (!S_ISREG(status.st_mode) || faccessat(AT_FDCWD, real.c_str(), W_OK, AT_EACCESS) != 0)) {
+        return false;
+    }
+    TempFile fresh(real);
+    if (!fresh || !write(fresh.fd())) return false;
+    std::optional<FileTraits> old = exists ? traits_of(real) : std::nullopt;
+    if (old) {
+        set_traits(fresh.fd(), *old);
+    } else if (fchmod(fresh.fd(), usual_mode()) != 0) {
+        return false;
+    }
+    return sync_file(fresh.fd()) && fresh.close() && fresh.rename_to(real) && sync_folder_of(real);
 }
 
 }  // namespace tpu
