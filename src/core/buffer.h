@@ -85,6 +85,7 @@ class Buffer {
     bool free_cursor = false;
     std::uint64_t history_moves = 0;  // how often undo and redo have succeeded
     Snapshot last_restored;           // what the latest of them brought back
+    LineStore saved_lines;            // the text as it was read or written last
     std::uint64_t loading_size = 0;   // bytes of the file that is being loaded in steps; 0: none
 
     // buffer_cursor.cc: cursor, marks, selection

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "core/buffer.h"
+#include "core/system_calls.h"
 #include "lang/stmt_text.h"
 #include "store/file_io.h"
 #include "store/ignored_signal.h"
@@ -60,7 +61,7 @@ std::string as_line(std::string_view text) {
 bool append(const JournalFile& journal, std::string_view bytes) {
     IgnoredSignal size_limit(SIGXFSZ);
     if (write_all(journal.file.get(), bytes)) return true;
-    return ftruncate(journal.file.get(), journal.size) == 0 && false;
+    return sys::truncate(journal.file.get(), journal.size) == 0 && false;
 }
 
 // Makes a journal that holds something ready for more records.
@@ -83,7 +84,7 @@ bool continue_binary(JournalReader& reader, int fd, std::string& note) {
         return false;
     }
     note = "A record of the journal was cut short" + place;
-    return ftruncate(fd, static_cast<off_t>(reader.record_start())) == 0;
+    return sys::truncate(fd, static_cast<off_t>(reader.record_start())) == 0;
 }
 
 bool make_ready(const JournalFile& journal, bool binary, std::string& note) {
@@ -96,7 +97,7 @@ bool make_ready(const JournalFile& journal, bool binary, std::string& note) {
         return false;
     }
     if (!binary) return continue_text(journal);
-    if (journal.size < kHeader) return ftruncate(fd, 0) == 0 && tpu_journal_write_header(fd);
+    if (journal.size < kHeader) return sys::truncate(fd, 0) == 0 && tpu_journal_write_header(fd);
     return continue_binary(reader, fd, note);
 }
 

@@ -45,6 +45,7 @@ bool Buffer::load_file(const std::string& path, Loading how) {
     if (!text) text = read_lines(file.get(), expected);
     if (!text) return false;
     lines = std::move(*text);
+    saved_lines = lines;
     cursor_row = cursor_column = view_line = 0;
     modified = false;
     // As it was before reading: a change made meanwhile must not go unnoticed.
@@ -71,6 +72,7 @@ void Buffer::finish_loading() {
                      static_cast<std::uint64_t>(status.st_size) == size;
     if (unchanged) return;
     lines.recount();
+    saved_lines.recount();
     for (Snapshot& snapshot : undo_stack) snapshot.lines.recount();
     for (Snapshot& snapshot : redo_stack) snapshot.lines.recount();
     clamp_cursor();
