@@ -54,7 +54,7 @@ Completion complete_file(std::size_t from, std::string_view begun) {
         std::error_code unknown;
         if (entry->is_directory(unknown)) found += '/';
         found.insert(0, folder);
-        if (found.find(' ') != found.npos) found.insert(0, 1, '"');
+        if (std::any_of(found.begin(), found.end(), ascii::is_space)) found.insert(0, 1, '"');
         if (found.front() == '"' && found.back() != '/') found += '"';
         fitting.insert(found);
     }
