@@ -205,7 +205,7 @@ constexpr Command kRows[] = {
     {.words = "BOX PASTE", .run = box_paste, .form = "BOX PASTE",
      .help = "Insert the rectangle with its corner at the cursor.", .edits = true, .in_full = true},
     {.words = "BOX", .run = box_usage, .form = "BOX SELECT|CUT|COPY|PASTE",
-     .help = "Tell the forms of the command.", .in_full = true},
+     .help = "Alone it tells these forms.", .in_full = true},
 };
 // clang-format on
 

@@ -79,13 +79,17 @@ void add_keys(std::string& text) {
     for (const DefaultKey& key : default_keys()) add_row(text, key_name_of(key.code), key.comment);
 }
 
-// All commands, or only those of several words.
-void add_commands(std::string& text, bool of_several_words) {
+// A form that covers several commands is written once.
+void add_commands(std::string& text, std::span<const Command* const> commands) {
     text += '\n';
-    for (const Command* command : all_commands()) {
-        bool of_several = command->words != command->first_word();
-        if (of_several || !of_several_words) add_row(text, command->form, command->help);
+    std::set<std::string_view> forms;
+    for (const Command* command : commands) {
+        if (forms.insert(command->form).second) add_row(text, command->form, command->help);
     }
+}
+
+void add_eve_commands(std::string& text) {
+    add_commands(text, commands_of(Layer::eve));
 }
 
 std::string alternatives(std::span<const std::string_view> names) {
@@ -97,7 +101,7 @@ std::string alternatives(std::span<const std::string_view> names) {
 }
 
 void add_commands_and_items(std::string& text) {
-    add_commands(text, false);
+    add_commands(text, all_commands());
     text += "\nThe items of SHOW:\n\n";
     for (const ShowItem& item : show_items()) add_row(text, alternatives(item.names), item.help);
 }
@@ -149,7 +153,7 @@ constexpr HelpTopic kTopics[] = {
     {"BUILTINS", "all built-in procedures of the language", &prose::kBuiltins, add_all_builtins},
     {"TYPES", "the values of the language", &prose::kTypes, add_families<builtins::texts, builtins::objects>},
     {"LANGUAGE", "statements, procedures, expressions, errors", &prose::kLanguage, add_families<builtins::control>},
-    {"EVE", "commands of several words", &prose::kEve, [](std::string& text) { add_commands(text, true); }},
+    {"EVE", "commands that go before your procedures, many of several words", &prose::kEve, add_eve_commands},
     {"EVENTS", "the mouse, the timer, procedures around keys, processes", &prose::kEvents, add_families<builtins::input, builtins::processes>},
     {"WRAP", "margins, wrapping, filling and tab stops", &prose::kWrap, nullptr},
 };

@@ -285,6 +285,15 @@ TEST_F(Commands, replace_one_some_or_all_matches) {
     EXPECT_EQ(text(), "00ne tw00\nthousand\nf00ur ");
 }
 
+TEST_F(Commands, replacing_ends_with_ctrl_c_and_can_be_undone) {
+    main.lines = LineStore::from_text(std::string(1000, 'o'));
+    session.clock.step = std::chrono::milliseconds(100);
+    session.terminal.keys = {control('C')};
+    EXPECT_EQ(run("REPLACE o 0 ALL"), "Replaced 256, stopped by Ctrl-C");
+    run("UNDO");
+    EXPECT_EQ(text(), std::string(1000, 'o'));
+}
+
 TEST_F(Commands, replace_asks_for_what_is_not_said) {
     session.press("<CTRL_Z>replace<RETURN>three<RETURN>3<RETURN>");
     EXPECT_EQ(editor.message, "Replaced");
@@ -308,6 +317,8 @@ TEST_F(Commands, set_attributes) {
     EXPECT_EQ(main.left_margin, 5u);
     EXPECT_EQ(main.right_margin, 70u);
     EXPECT_EQ(run("SET LEFT MARGIN x"), "SET LEFT MARGIN n");
+    EXPECT_EQ(run("SET MARGINS 9"), "SET MARGINS left right");
+    EXPECT_EQ(main.left_margin, 5u);
     EXPECT_EQ(run("SET RIGHT MARGIN"), "SET RIGHT MARGIN n");
     run("SET TAB STOPS 4");
     EXPECT_EQ(main.tab_interval, 4u);
