@@ -406,6 +406,46 @@ TEST_F(Commands, leave_an_unmodifiable_buffer_alone) {
     EXPECT_FALSE(main.modified);
 }
 
+// Commands that leave the editor, or write files wherever one is named.
+bool acts_outside(const Command& command) {
+    std::string_view word = command.first_word();
+    return word == "SPAWN" || word == "DCL" || word == "WRITE" || word == "SAVE";
+}
+
+// Whatever stands behind a command, and wherever the cursor is: nothing breaks, and what
+// cannot be changed is not.
+TEST_F(Commands, take_odd_arguments) {
+    const std::string before = text();
+    auto run_on = [&](const std::string& line, bool modifiable, bool selected) {
+        editor.position(&main);
+        main.lines = LineStore::from_text(before);
+        main.modifiable = modifiable;
+        main.select_anchor.reset();
+        if (selected) select({2, 40}, {0, 1});
+        main.box_select = selected;
+        run(line);
+        main.lines.check_invariants();
+    };
+    for (const Command* command : all_commands()) {
+        if (acts_outside(*command)) continue;
+        for (const char* argument :
+             {"", " 0", " -1", " 99999999999999999999", " \"", " \"\" \"\" ALL", " \xc3", " TO",
+              " a b c d e f", " TO \xe2\x82\xac", " ANY(", " gold_", " /nowhere/at/all"}) {
+            std::string line = std::string(command->words) + argument;
+            SCOPED_TRACE(line);
+            for (bool selected : {false, true}) {
+                run_on(line, true, selected);
+                run_on(line, false, selected);
+                EXPECT_EQ(main.lines.text(), before);
+            }
+            editor.current_buffer = nullptr;
+            run(line);
+        }
+    }
+    editor.current_buffer = nullptr;
+    EXPECT_EQ(run("TOP"), "There is no buffer");
+}
+
 struct FileCommands : Commands {
     TempFolder folder;
 };
