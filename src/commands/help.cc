@@ -171,11 +171,32 @@ std::string overview() {
     std::string text = "Vorlane HELP\nType  HELP <topic>  for details. Topics:\n";
     add_topics(text);
     return text +
-           "\nHELP and the name of a command, a built-in or an attribute shows how it is\n"
-           "written. To type a command, press Ctrl-Z first.\n"
+           "\nHELP and the name of a command, a built-in, an attribute or a key shows how\n"
+           "it is written and what it does. To type a command, press Ctrl-Z first.\n"
            "\nHELP is a buffer like any other: the usual keys move in it, and the command\n"
            "NEXT BUFFER leaves it. Ctrl-X ends the editor with it, and saves nothing.\n"
            "\nPress Ctrl-X to leave the help buffer.\n";
+}
+
+template <class Names>
+bool holds(const Names& names, std::string_view name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// What the tables of the language say on a name.
+void add_language_rows(std::string& text, std::string_view name) {
+    if (const Builtin* row = find_builtin(name)) {
+        add_row(text, row->form, "Built-in: " + std::string(row->help));
+    }
+    for (const SetKeyword& keyword : set_keywords()) {
+        if (keyword.name == name) add_row(text, form_of(keyword), keyword.help);
+    }
+    if (holds(ignored_set_keywords(), name)) {
+        add_row(text, "SET(" + std::string(name) + ", ...)", "Accepted, and changes nothing.");
+    }
+    for (const InfoItem& item : info_items()) {
+        if (holds(item.names, name)) add_row(text, "GET_INFO, " + form_of(item), item.help);
+    }
 }
 
 // What the tables say on a name; empty when none has it.
@@ -185,15 +206,12 @@ std::string rows_named(std::string_view name) {
         if (command->run && command->first_word() == name)
             add_row(text, command->form, "Command: " + std::string(command->help));
     }
-    if (const Builtin* row = find_builtin(name)) {
-        add_row(text, row->form, "Built-in: " + std::string(row->help));
+    for (const ShowItem& item : show_items()) {
+        if (holds(item.names, name)) add_row(text, "SHOW " + std::string(name), item.help);
     }
-    for (const SetKeyword& keyword : set_keywords()) {
-        if (keyword.name == name) add_row(text, form_of(keyword), keyword.help);
-    }
-    for (const InfoItem& item : info_items()) {
-        if (std::find(item.names.begin(), item.names.end(), name) == item.names.end()) continue;
-        add_row(text, "GET_INFO, " + form_of(item), item.help);
+    add_language_rows(text, name);
+    for (const DefaultKey& key : default_keys()) {
+        if (key_name_of(key.code) == name) add_row(text, "Key " + std::string(name), key.comment);
     }
     return text;
 }
@@ -203,6 +221,7 @@ std::set<std::string_view> known_names() {
     for (const HelpTopic& topic : kTopics) names.insert(topic.name);
     for (const Command* command : all_commands()) names.insert(command->first_word());
     for (const Builtin* row : sorted_builtins()) names.insert(row->name);
+    for (const ShowItem& item : show_items()) names.insert(item.names.begin(), item.names.end());
     for (const SetKeyword& keyword : set_keywords()) names.insert(keyword.name);
     for (const InfoItem& item : info_items()) names.insert(item.names.begin(), item.names.end());
     names.erase("");

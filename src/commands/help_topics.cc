@@ -112,7 +112,8 @@ stays there, Escape or Ctrl-G goes back. The text can have ASCII characters.
 
 FIND text goes to the next place of any text after the cursor, up to the end
 of the buffer. The case of letters counts. Quotes around the text are left
-out. A text with the name of a pattern in it is a pattern:
+out; they keep blanks at its ends. A text with the name of a pattern in it is
+a pattern:
 
   FIND to be                the text as it stands
   FIND "I"                  a text that stands in the word FIND itself

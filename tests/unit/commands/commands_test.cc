@@ -149,6 +149,10 @@ TEST_F(Commands, find_texts_and_patterns) {
     EXPECT_EQ(session.cursor(), (Position{2, 5}));
     EXPECT_EQ(run("search \"one\""), "Not found");
     run("TOP");
+    EXPECT_EQ(run("FIND \"two\" "), "Found");
+    EXPECT_EQ(run("FIND six "), "Found");
+    run("TOP");
+    EXPECT_EQ(run("FIND \"six \""), "Not found");
     EXPECT_EQ(run("FIND LINE_END"), "Found");
     EXPECT_EQ(session.cursor(), (Position{0, 7}));
     EXPECT_EQ(run("FIND span(\"x\") & line_end"), "Found");

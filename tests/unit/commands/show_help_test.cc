@@ -333,6 +333,9 @@ TEST_F(ShowHelp, help_knows_names_that_are_no_topics) {
     text = after("HELP Find");
     EXPECT_TRUE(has(text, "  FIND [text or pattern]    Command: Search")) << text;
     EXPECT_TRUE(has(after("HELP substr"), "  SUBSTR(text, start, length)\n")) << text;
+    EXPECT_TRUE(has(after("HELP gold_u"), "  Key GOLD_U                GOLD-U undo")) << text;
+    EXPECT_TRUE(has(after("HELP pastes"), "  SHOW PASTES               The")) << text;
+    EXPECT_TRUE(has(after("HELP pad"), "  SET(PAD, ...)             Accepted")) << text;
 }
 
 TEST_F(ShowHelp, help_on_the_unknown_offers_what_comes_close) {
