@@ -50,8 +50,9 @@ bring back earlier lines. Tab completes the names of commands, files, buffers
 and topics; pressed again it goes through all that fit. Ctrl-G gives up.
 
 A procedure of yours goes before a command of the same name, but not before
-those that HELP EVE lists. A file name with blanks stands in double quotes,
-and ~/ is your home directory. What may be left out stands in square brackets.
+those that HELP EVE lists. The name of a file or buffer that has blanks in it
+stands in double quotes, and ~/ is your home directory. What may be left
+out stands in square brackets.
 )help";
 
 const std::string_view kMovement = R"help(MOVEMENT

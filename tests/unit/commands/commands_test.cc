@@ -382,6 +382,9 @@ TEST_F(Commands, list_and_make_buffers) {
     EXPECT_EQ(run("BUFFER"), "BUFFER requires name");
     EXPECT_EQ(run("BUFFER other"), "Current buffer: other");
     EXPECT_EQ(run("BUFFER MAIN"), "Current buffer: MAIN");
+    editor.create_buffer("a b", "");
+    EXPECT_EQ(run("BUFFER \"a b\""), "Current buffer: a b");
+    EXPECT_EQ(run("BUFFER MAIN"), "Current buffer: MAIN");
     EXPECT_TRUE(run("PREVIOUS BUFFER").starts_with("Buffer "));
     EXPECT_TRUE(run("NEXT BUFFER").starts_with("Buffer "));
     std::string list = run("BUFFER LIST");
@@ -517,6 +520,9 @@ TEST_F(FileCommands, complete_names_on_the_command_line) {
     EXPECT_EQ(completed("set tab "), Names{"STOPS "});
     EXPECT_EQ(completed("help wi"), Names{"WINDOWS "});
     EXPECT_EQ(completed("buffer MA"), Names{"MAIN "});
+    editor.create_buffer("a b", "");
+    EXPECT_EQ(completed("buffer A"), Names{"\"a b\" "});
+    EXPECT_EQ(completed("buffer \"A "), Names{"\"a b\" "});
     EXPECT_EQ(completed("sho var"), Names{"VARIABLES "});
     folder.write("with blank", "");
     folder.write("other", "");
