@@ -270,6 +270,26 @@ TEST_F(Commands, cut_and_paste_rectangles) {
     EXPECT_EQ(text(), "twone\ne  hr\nfour fiouve six");
 }
 
+TEST_F(Commands, take_no_character_apart) {
+    main.lines = LineStore::from_text("h\xc3\xa4user\nabcd");
+    const std::string before = text();
+    go(0, 2);
+    run("SELECT");
+    go(1, 0);
+    EXPECT_EQ(run("CUT"), "MOVE_TEXT SELECT_RANGE");
+    EXPECT_EQ(text(), "habcd");
+    go(0, 1);
+    run("PASTE");
+    EXPECT_EQ(text(), before);
+    go(1, 2);
+    run("BOX SELECT");
+    go(1, 3);
+    run("BOX CUT");
+    go(0, 2);
+    run("BOX PASTE");
+    EXPECT_EQ(text(), "hc\xc3\xa4user\nabd");
+}
+
 TEST_F(Commands, replace_one_some_or_all_matches) {
     EXPECT_EQ(run("REPLACE o 0"), "Replaced");
     EXPECT_EQ(text(), "one tw0\nthree\nfour five six");
