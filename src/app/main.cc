@@ -1,4 +1,5 @@
 #include <langinfo.h>
+#include <signal.h>
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -48,6 +49,7 @@ int flushed() {
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     use_roomy_stack();
+    signal(SIGCHLD, SIG_DFL);  // who started us may ignore it: then no child has a status
     if (arguments.size() >= 2 && arguments[0] == "--test") {
         tpu::Charset charset = charset_of_locale();
         tpu::CursesTerminal terminal;

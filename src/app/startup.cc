@@ -6,7 +6,6 @@
 #include "app/source_file.h"
 #include "editor/editor.h"
 #include "editor/glyphs.h"
-#include "store/file_names.h"
 
 namespace tpu {
 
@@ -50,10 +49,12 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     TPUEditor editor(ports);
     editor.charset = charset;
     Buffer* main = editor.create_buffer("MAIN", "");
+    editor.named_file = options.file;
+    editor.named_line = options.line;
     std::string trouble;
     if (!options.file.empty()) {
         main->name = options.file;
-        trouble = load_or_begin(*main, options.file).trouble;
+        trouble = main->edit_file(options.file, Buffer::Loading::in_steps);
     }
     go_to_line(*main, options.line);
     editor.init_screen();

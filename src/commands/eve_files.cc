@@ -1,6 +1,4 @@
 // Commands on buffers and their files, and the shell.
-#include <sys/stat.h>
-
 #include <algorithm>
 
 #include "commands/command_words.h"
@@ -36,9 +34,9 @@ void get_file(TPUEditor& editor, Line line) {
     Buffer* buffer = buffer_of_file(editor, file);
     if (!buffer) {
         auto loaded = std::make_unique<Buffer>(unused_name(editor, file), file);
-        FileState state = load_or_begin(*loaded, file);
-        if (state.result == FileState::unreadable) return editor.set_message(state.trouble);
-        if (state.result == FileState::missing) message = "New file " + file;
+        std::string trouble = loaded->edit_file(file, Buffer::Loading::in_steps);
+        if (!trouble.empty()) return editor.set_message(trouble);
+        if (loaded->file_time == 0) message = "New file " + file;
         buffer = loaded.get();
         editor.buffers.push_back(std::move(loaded));
     }

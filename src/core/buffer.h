@@ -173,6 +173,9 @@ class Buffer {
     // but shows the file itself until TextBlock::settle_some has copied all of it;
     // then finish_loading() has to follow.
     bool load_file(const std::string& path, Loading how = Loading::at_once);
+    // The same for a file that need not be there yet: what to tell about one that is but
+    // cannot be read, else empty. In any case it is where the buffer is written.
+    std::string edit_file(const std::string& path, Loading how = Loading::at_once);
     void finish_loading();
     bool write_file(const std::string& path);                     // empty: to file_name
     static std::uint64_t file_mtime_ms(const std::string& path);  // 0: unknown

@@ -8,8 +8,9 @@ TPUEditor::TPUEditor(Ports outside)
     : ports(outside), parser(*this), timer_start(outside.clock.now()) {}
 
 TPUEditor::~TPUEditor() {
-    constexpr std::chrono::milliseconds kPatience(800);
-    TPUProcess::end_all(processes, kPatience);
+    std::vector<std::shared_ptr<TPUProcess>> all = processes;
+    all.insert(all.end(), dismissed_processes_.begin(), dismissed_processes_.end());
+    TPUProcess::end_all(all);
 }
 
 }  // namespace tpu

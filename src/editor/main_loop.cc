@@ -3,7 +3,6 @@
 
 #include "editor/editor.h"
 #include "lang/nesting.h"
-#include "proc/process.h"
 
 namespace tpu {
 
@@ -12,9 +11,13 @@ namespace {
 constexpr int kWithoutLimit = -1;
 constexpr int kServiceInterval = 200;  // milliseconds between looks at timer and processes
 
-int wait_for_key(const TPUEditor& editor) {
-    if (editor.timer_interval >= 1) return std::min(editor.timer_interval, kServiceInterval);
-    return editor.processes.empty() ? kWithoutLimit : kServiceInterval;
+// The next key, or kNoKey when there is something else to do.
+int wait_for_key(TPUEditor& editor) {
+    int wait = editor.processes.empty() ? kWithoutLimit : kServiceInterval;
+    if (editor.timer_interval >= 1) wait = std::min(editor.timer_interval, kServiceInterval);
+    if (!editor.processes_talk()) return editor.read_key(wait, editor.awaited_of_processes());
+    constexpr int kBetweenDrawings = 20;  // milliseconds, lest a flood draws all the time
+    return editor.read_key(std::min(kBetweenDrawings, wait));
 }
 
 void run_timer(TPUEditor& editor) {
@@ -55,7 +58,7 @@ void TPUEditor::run() {
         // Keys that wait already are handled first: what they change is drawn once.
         if (!key_waiting()) draw();
         settle_files(*this);
-        int key = read_key(wait_for_key(*this));
+        int key = wait_for_key(*this);
         poll_processes();
         run_timer(*this);
         if (!handle_report(*this, key)) handle_key(key);
@@ -76,23 +79,11 @@ bool TPUEditor::key_waiting() {
     return !unread_keys_.empty() || ports.terminal.key_waiting();
 }
 
-int TPUEditor::read_key(int wait_ms) {
-    if (unread_keys_.empty()) return ports.terminal.read_key(wait_ms);
+int TPUEditor::read_key(int wait_ms, const Awaited& others) {
+    if (unread_keys_.empty()) return ports.terminal.read_key(wait_ms, others);
     int key = unread_keys_.front();
     unread_keys_.pop_front();
     return key;
-}
-
-void TPUEditor::poll_processes() {
-    for (std::size_t i = 0; i < processes.size();) {
-        std::shared_ptr<TPUProcess> process = processes[i];
-        if (process->poll_output()) {
-            ++i;
-            continue;
-        }
-        processes.erase(processes.begin() + static_cast<std::ptrdiff_t>(i));
-        if (attached_process == process) attached_process.reset();
-    }
 }
 
 }  // namespace tpu

@@ -62,6 +62,8 @@ struct Call {
     MiniTPUParser& parser;
     std::string_view name;  // upper case
     Args& args;
+    bool is_statement = false;  // nobody will see what it gives
+    bool told = false;          // a message says already what went wrong
 
     // The current buffer; a built-in runs only while there is one.
     Buffer& buffer() const;

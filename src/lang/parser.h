@@ -142,6 +142,7 @@ class MiniTPUParser {
     void record_end();
     // Runs a learn sequence; one that comes to run itself ends with a recorded error.
     void replay(const std::shared_ptr<std::vector<std::string>>& learned);
+    bool is_replaying() const { return !replaying_.empty(); }
     bool can_run(const Builtin& builtin) const;  // most need a current buffer
     void run_builtin(const Builtin& builtin, const CallSite& site);
 

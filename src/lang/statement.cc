@@ -143,7 +143,7 @@ bool MiniTPUParser::can_run(const Builtin& builtin) const {
 void MiniTPUParser::run_builtin(const Builtin& builtin, const CallSite& site) {
     if (!can_run(builtin)) return;
     Args args(*this, site);
-    Call call{editor, *this, builtin.name, args};
+    Call call{editor, *this, builtin.name, args, true};
     if (builtin.statement) {
         builtin.statement(call);
     } else if (builtin.function) {

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "core/buffer.h"
@@ -60,6 +61,15 @@ bool Buffer::load_file(const std::string& path, Loading how) {
     // As it was before reading: a change made meanwhile must not go unnoticed.
     file_time = mtime_ms(status);
     return true;
+}
+
+std::string Buffer::edit_file(const std::string& path, Loading how) {
+    if (load_file(path, how)) return {};
+    int error = errno;
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0 && errno == ENOENT) return {};
+    if (S_ISDIR(status.st_mode)) error = EISDIR;
+    return "Cannot read " + path + ": " + std::strerror(error);
 }
 
 // What was written to the file while it was mapped is in the text, as it would be
