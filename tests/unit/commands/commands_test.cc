@@ -396,6 +396,9 @@ TEST_F(Commands, bind_keys) {
     EXPECT_EQ(editor.message, "LAST_KEY = 26");
     session.press("<CTRL_Z>read_key<RETURN><PF4>");
     EXPECT_EQ(editor.message, "READ_KEY = 268");
+    session.press("<CTRL_Z>read_key<RETURN>\xc3\xa4");
+    EXPECT_EQ(editor.message, "READ_KEY = 195");
+    EXPECT_FALSE(main.modified);
 }
 
 TEST_F(Commands, list_and_make_buffers) {
