@@ -35,8 +35,14 @@ void leave(TPUEditor& editor) {
 }
 
 void select(TPUEditor& editor) {
+    buffer(editor).leave_character(editor.charset);
     buffer(editor).select();
     editor.set_message("SELECT");
+}
+
+void cut(TPUEditor& editor) {
+    buffer(editor).leave_character(editor.charset);
+    editor.cut_selection();
 }
 
 void split_window(TPUEditor& editor) {
@@ -81,7 +87,7 @@ constexpr DefaultKey kDefaultKeys[] = {
     {control('F'), [](TPUEditor& e) { e.prompt_find(); }, "", "SEARCH"},
     {control('Z'), [](TPUEditor& e) { e.command_mode(); }, "", "COMMAND MODE"},
     {control('V'), select, "", "SELECT"},
-    {control('W'), [](TPUEditor& e) { e.cut_selection(); }, "", "MOVE_TEXT SELECT_RANGE"},
+    {control('W'), cut, "", "MOVE_TEXT SELECT_RANGE"},
     {control('Y'), [](TPUEditor& e) { e.paste(); }, "", "COPY_TEXT paste_buffer"},
     {control('O'), split_window, "", "SPLIT_WINDOW"},
     {control('N'), next_window, "", "NEXT_WINDOW"},
