@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "editor/editor.h"
+#include "editor/journal_mirror.h"
 #include "lang/nesting.h"
 #include "proc/process.h"
 
@@ -55,11 +56,15 @@ void TPUEditor::run() {
         // Keys that wait already are handled first: what they change is drawn once.
         if (!key_waiting()) draw();
         settle_files(*this);
-        int key = read_key(wait_for_key(*this));
+        int wait = wait_for_key(*this);
+        if (flush_journals(*this, false))
+            wait = wait < 0 ? kServiceInterval : std::min(wait, kServiceInterval);
+        int key = read_key(wait);
         poll_processes();
         run_timer(*this);
         if (!handle_report(*this, key)) handle_key(key);
     }
+    flush_journals(*this, true);
 }
 
 void TPUEditor::sleep(std::chrono::milliseconds time) {

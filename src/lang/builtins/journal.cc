@@ -3,6 +3,7 @@
 
 #include "core/ascii.h"
 #include "editor/editor.h"
+#include "editor/journal_mirror.h"
 #include "lang/builtins/families.h"
 
 namespace tpu::builtins {
@@ -23,6 +24,7 @@ void journal_open(Call& call) {
     bool opened = call.args.count() > 0 && tpu_journal_open(call.buffer(), name, binary, note);
     if (!note.empty()) call.editor.set_message(note);
     if (!opened) return call.editor.set_message("JOURNAL_OPEN: cannot write " + name);
+    mirror_of(call.buffer());  // what else the running statement does counts too
     call.editor.set_message((binary ? "Journaling (binary TPJB) to " : "Journaling (text) to ") +
                             name);
 }
