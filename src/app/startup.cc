@@ -6,6 +6,7 @@
 #include "app/source_file.h"
 #include "editor/editor.h"
 #include "editor/glyphs.h"
+#include "editor/recovery.h"
 #include "store/section.h"
 
 namespace tpu {
@@ -64,9 +65,11 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
         complain(ports.terminal, printable(line, charset));
     }
     run_start_files(editor, options, files);
+    editor.recovery = std::make_unique<Recovery>(editor, files.recovery_folder);
     editor.set_message(kGreeting);
     // Faults in start-up files are not to go by unseen.
     if (!editor.parser.error_list.empty()) editor.set_message(editor.parser.error_list.front());
+    if (trouble.empty()) trouble = editor.recovery->greeting(*main);
     if (!trouble.empty()) editor.set_message(trouble);
     editor.run();
     return editor.exit_status;

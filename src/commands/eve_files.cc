@@ -3,6 +3,7 @@
 
 #include "commands/command_words.h"
 #include "editor/editor.h"
+#include "editor/recovery.h"
 #include "store/file_names.h"
 
 namespace tpu::commands {
@@ -41,7 +42,9 @@ void get_file(TPUEditor& editor, Line line) {
         editor.buffers.push_back(std::move(loaded));
     }
     editor.position(buffer);
-    editor.set_message(message);
+    std::string unsaved =
+        editor.recovery && !buffer->modified ? editor.recovery->greeting(*buffer) : "";
+    editor.set_message(unsaved.empty() ? message : unsaved);
 }
 
 void include_file(TPUEditor& editor, Line line) {

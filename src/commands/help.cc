@@ -146,7 +146,7 @@ constexpr HelpTopic kTopics[] = {
     {"EDITING", "changing text, selections, cut and paste, undo", &prose::kEditing, add_families<builtins::editing>},
     {"SEARCH", "finding text", &prose::kSearch, add_families<builtins::search>},
     {"PATTERNS", "what can be searched for besides plain text", &prose::kPatterns, add_families<builtins::patterns>},
-    {"BUFFERS", "texts and files, and the paste registers", &prose::kBuffers, add_families<builtins::buffers>},
+    {"BUFFERS", "texts and files, journals and section files", &prose::kBuffers, add_families<builtins::buffers, builtins::journal, builtins::sections>},
     {"WINDOWS", "several texts on the screen", &prose::kWindows, add_families<builtins::windows>},
     {"KEYMAPS", "binding keys, key maps and lists of them", &prose::kKeymaps, add_families<builtins::keys, builtins::learn>},
     {"SET", "attributes of buffers, windows and the session", &prose::kSet, add_attributes},

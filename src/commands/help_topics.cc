@@ -173,6 +173,15 @@ file as it was. The last line of a file gets no line end. Nothing is saved by
 itself, and nothing is asked when the editor ends. CHECK_DISK tells whether
 somebody else has changed the file since, and RELOAD reads it again when the
 buffer has no changes of its own.
+
+When the editor or the machine has died, opening the file again tells of the
+unsaved work, and RECOVER_BUFFER brings it back. It is kept in the folder
+~/.local/state/tpu/recovery until the file is saved or the editor is left.
+
+JOURNAL_OPEN("file") records all that is done to the buffer from then on, for
+RECOVER_BUFFER("file") to do again on the text that there was. SAVE("file")
+keeps the procedures, names and keys of the session in a section file, which
+RESTORE("file") or the option --section=file brings back.
 )help";
 
 const std::string_view kWindows = R"help(WINDOWS

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@
 
 namespace tpu {
 
+class JournalMirror;
 struct TPUPattern;
 
 class Buffer {
@@ -72,7 +74,8 @@ class Buffer {
     std::string key_map_list;  // name of the list for keys in this buffer; empty: the editor's
     std::string journal_file;
     bool journal_strayed = false;  // its statements so far leave another buffer current
-    std::uint64_t file_time = 0;   // milliseconds since the epoch; 0: unknown
+    std::shared_ptr<JournalMirror> journal_mirror;
+    std::uint64_t file_time = 0;  // milliseconds since the epoch; 0: unknown
     std::vector<VideoRegion> video_regions;
     std::vector<Snapshot> undo_stack;  // oldest first
     std::vector<Snapshot> redo_stack;

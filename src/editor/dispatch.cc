@@ -1,6 +1,7 @@
 // What a key does.
 #include "core/ascii.h"
 #include "editor/editor.h"
+#include "editor/journal_mirror.h"
 #include "editor/undo_step.h"
 #include "lang/nesting.h"
 #include "proc/process.h"
@@ -131,6 +132,7 @@ void TPUEditor::handle_key(int key) {
     last_key = key;
     if (feed_process(*this, key) || follow_mouse(*this, key)) return;
     UndoStep step(*this);
+    JournaledKey journaled(*this);
     run_procedure(*this, pre_key_procedure);
     if (!take_prefix(*this, key)) {
         step.watch_current_buffer();
@@ -174,6 +176,7 @@ void TPUEditor::insert_paste(const std::string& text) {
         send_text(*attached_process, text);
     } else if (current_buffer) {
         UndoStep step(*this);
+        JournaledKey journaled(*this);
         current_buffer->copy_text(text, charset);
     }
 }

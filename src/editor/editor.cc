@@ -1,5 +1,6 @@
 #include "editor/editor.h"
 
+#include "editor/recovery.h"
 #include "proc/process.h"
 
 namespace tpu {

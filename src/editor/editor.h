@@ -24,6 +24,7 @@
 
 namespace tpu {
 
+class Recovery;
 class TPUProcess;
 class UndoStep;
 
@@ -54,6 +55,7 @@ class TPUEditor {
     int rows = 0;  // screen cells
     int cols = 0;
     bool running = true;
+    bool hung_up = false;  // nobody has told it to end
     int exit_status = 0;
     std::string message;  // on the message line
     int gold_key = kKeyF0 + 1;
@@ -85,6 +87,7 @@ class TPUEditor {
     std::vector<std::string> command_history;       // command lines, oldest first
     bool in_set_message = false;
     std::uint64_t message_buffer_limit = 1000;  // lines; 0: no limit
+    std::unique_ptr<Recovery> recovery;         // null: unsaved work is not kept
     UndoStep* undo_step = nullptr;              // the outermost one under way
     FileSearch file_search;
     bool search_succeeded = false;         // the last SEARCH
@@ -137,6 +140,7 @@ class TPUEditor {
 
     // main_loop.cc
     void run();
+    void hang_up();      // the terminal is gone: the session ends
     bool key_waiting();  // read_key would give a key at once
     // Of the terminal, but for keys put back.
     int read_key(int wait_ms, const Awaited& others = {});

@@ -32,6 +32,7 @@ class JournalEntry {
 
     TPUEditor& editor_;
     Buffer* buffer_ = nullptr;  // whose journal has the record
+    bool by_effect_ = false;    // it gets one afterwards, for what the statement did
 };
 
 }  // namespace tpu

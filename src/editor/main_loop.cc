@@ -2,6 +2,8 @@
 #include <algorithm>
 
 #include "editor/editor.h"
+#include "editor/journal_mirror.h"
+#include "editor/recovery.h"
 #include "lang/nesting.h"
 
 namespace tpu {
@@ -11,10 +13,23 @@ namespace {
 constexpr int kWithoutLimit = -1;
 constexpr int kServiceInterval = 200;  // milliseconds between looks at timer and processes
 
+// Does what is due meanwhile. How long a key may be waited for then, in milliseconds.
+int serve(TPUEditor& editor) {
+    int wait = kWithoutLimit;
+    auto limit = [&](int most) { wait = wait < 0 ? most : std::min(wait, most); };
+    if (!editor.processes.empty()) limit(kServiceInterval);
+    if (editor.timer_interval >= 1) limit(std::min(editor.timer_interval, kServiceInterval));
+    if (flush_journals(editor, false)) limit(kServiceInterval);
+    if (editor.recovery) {
+        std::chrono::milliseconds next = editor.recovery->serve();
+        if (next.count() >= 0) limit(static_cast<int>(next.count()));
+    }
+    return wait;
+}
+
 // The next key, or kNoKey when there is something else to do.
 int wait_for_key(TPUEditor& editor) {
-    int wait = editor.processes.empty() ? kWithoutLimit : kServiceInterval;
-    if (editor.timer_interval >= 1) wait = std::min(editor.timer_interval, kServiceInterval);
+    int wait = serve(editor);
     if (!editor.processes_talk()) return editor.read_key(wait, editor.awaited_of_processes());
     constexpr int kBetweenDrawings = 20;  // milliseconds, lest a flood draws all the time
     return editor.read_key(std::min(kBetweenDrawings, wait));
@@ -35,7 +50,7 @@ bool handle_report(TPUEditor& editor, int key) {
         case kNoKey: return true;
         case kKeyResize: editor.resize_screen(); return true;
         case kKeyPaste: editor.insert_paste(editor.ports.terminal.take_paste()); return true;
-        case kKeyHangup: editor.running = false; return true;
+        case kKeyHangup: editor.hang_up(); return true;
         default: return false;
     }
 }
@@ -62,7 +77,15 @@ void TPUEditor::run() {
         poll_processes();
         run_timer(*this);
         if (!handle_report(*this, key)) handle_key(key);
+        if (recovery && key != kNoKey) recovery->note_key();
     }
+    flush_journals(*this, true);
+    if (recovery) hung_up ? recovery->write() : recovery->discard();
+}
+
+void TPUEditor::hang_up() {
+    hung_up = true;
+    running = false;
 }
 
 void TPUEditor::sleep(std::chrono::milliseconds time) {

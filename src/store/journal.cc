@@ -125,6 +125,7 @@ bool tpu_journal_open(Buffer& buffer, const std::string& path, bool binary, std:
     buffer.binary_journal = binary;
     buffer.journal_file = path;
     buffer.journal_strayed = false;
+    buffer.journal_mirror.reset();
     return true;
 }
 

@@ -104,7 +104,8 @@ void replay(MiniTPUParser& run, Descriptor file) {
     Replay replay(run, reader);
     Buffer* buffer = run.editor.current_buffer;
     if (buffer) {
-        Kept journal(buffer->journaling, buffer->binary_journal, buffer->journal_file);
+        Kept journal(buffer->journaling, buffer->binary_journal, buffer->journal_file,
+                     buffer->journal_mirror);
         replay.run_all();
     } else {
         replay.run_all();

@@ -3,6 +3,8 @@
 
 #include "core/ascii.h"
 #include "editor/editor.h"
+#include "editor/journal_mirror.h"
+#include "editor/recovery.h"
 #include "lang/builtins/families.h"
 
 namespace tpu::builtins {
@@ -23,6 +25,7 @@ void journal_open(Call& call) {
     bool opened = call.args.count() > 0 && tpu_journal_open(call.buffer(), name, binary, note);
     if (!note.empty()) call.editor.set_message(note);
     if (!opened) return call.editor.set_message("JOURNAL_OPEN: cannot write " + name);
+    mirror_of(call.buffer());  // what else the running statement does counts too
     call.editor.set_message((binary ? "Journaling (binary TPJB) to " : "Journaling (text) to ") +
                             name);
 }
@@ -31,9 +34,15 @@ void journal_close(Call& call) {
     tpu_journal_close(call.buffer());
 }
 
+// Without a name: the work that a session which came to no good end has left behind.
 void recover_buffer(Call& call) {
+    if (call.args.count() == 0) {
+        return call.editor.set_message(call.editor.recovery
+                                           ? call.editor.recovery->recover(call.buffer())
+                                           : "RECOVER_BUFFER(file)");
+    }
     std::string name = call.args.text(0);
-    bool opened = call.args.count() > 0 && tpu_journal_recover(call.parser, name);
+    bool opened = tpu_journal_recover(call.parser, name);
     call.editor.set_message((opened ? "RECOVER_BUFFER replayed " : "RECOVER_BUFFER: cannot open ") +
                             name);
 }
@@ -45,8 +54,8 @@ constexpr Builtin kRows[] = {
      .help = "Record what runs in the buffer in a file, behind what is there, for RECOVER_BUFFER."},
     {.name = "JOURNAL_CLOSE", .statement = journal_close, .form = "JOURNAL_CLOSE",
      .help = "End the recording of the buffer; the file stays."},
-    {.name = "RECOVER_BUFFER", .statement = recover_buffer, .least = 1, .most = 1, .form = "RECOVER_BUFFER(file)",
-     .help = "Run again what a journal holds, on the text that there was when it began."},
+    {.name = "RECOVER_BUFFER", .statement = recover_buffer, .most = 1, .form = "RECOVER_BUFFER[(file)]",
+     .help = "Run again what a journal holds, on the text that there was when it began; without one, bring back unsaved work on the buffer's file."},
 };
 // clang-format on
 
