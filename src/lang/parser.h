@@ -158,6 +158,9 @@ class MiniTPUParser {
     void compile_text(const std::string& text);
     // Parses a source text: its procedures are defined, its other statements returned.
     std::vector<Stmt> compile_program(const std::string& text);
+    // Defines the procedure that a text consists of, which is parsed when it is called.
+    // False, and nothing is defined, when it is not so plain that nothing can be wrong.
+    bool define_unparsed(const std::string& source);
     int line_at(std::size_t index) const;  // of the statement of the source being compiled
     // False: there is no such procedure.
     bool execute_procedure(const std::string& name);

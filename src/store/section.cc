@@ -172,12 +172,14 @@ class Restorer {
     void compile_group() {
         if (group_.empty()) return;
         const std::size_t faults = run_.error_list.size();
-        run_.compile_text(std::exchange(group_, {}));
+        const std::string group = std::exchange(group_, {});
+        ++groups_;
+        if (run_.define_unparsed(group)) return;
+        run_.compile_text(group);
         if (!run_.interrupted) run_.control_signal = Signal::none;
         for (std::size_t i = faults; i < run_.error_list.size(); ++i) {
             if (editor_.message != run_.error_list[i]) editor_.set_message(run_.error_list[i]);
         }
-        ++groups_;
     }
 
     void take_variable(std::string_view line) {

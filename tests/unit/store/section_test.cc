@@ -125,6 +125,31 @@ TEST_F(Sections, are_read_whatever_is_in_them) {
     EXPECT_TRUE(s.editor.key_map_lists["L"]->maps.empty());
 }
 
+TEST_F(Sections, have_procedures_that_say_the_same_when_they_are_parsed_late) {
+    const char* const bodies[] = {
+        "LOCAL n; n := a - -\n 1\nRETURN n",
+        "RETURN DEBUG_LINE",
+        "x := \"!\" & a; RETURN x",
+        "IF a THEN\nRETURN \"; ENDPROCEDURE\"\nENDIF; RETURN 7",
+        "nonsense\nRETURN ERROR_LINE",
+        "! \"\nRETURN 1 ! \"",
+        "RETURN \"open",
+        "IF a THEN RETURN 3 -\nENDIF",
+    };
+    for (const char* body : bodies) {
+        std::string source = std::string("PROCEDURE p ( a )\n") + body + "\nENDPROCEDURE;\n";
+        folder.write("s.sect", "#ZKSECT 1\nBEGIN PROCEDURES\n" + source + "END PROCEDURES\n#END\n");
+        Session late, early;
+        tpu_section_restore(late.editor, path);
+        run(early.editor, source);
+        for (Session* s : {&late, &early}) run(s->editor, "r := p(2)");
+        EXPECT_EQ(late.editor.parser.error_list, early.editor.parser.error_list) << body;
+        EXPECT_EQ(late.editor.parser.lookup_var("R")->as_string(),
+                  early.editor.parser.lookup_var("R")->as_string())
+            << body;
+    }
+}
+
 TEST_F(Sections, that_cannot_be_had_change_nothing) {
     const std::string other = folder.write("other", "PROCEDURE p\nENDPROCEDURE\n");
     const std::string locked = folder.write("locked", "old");
