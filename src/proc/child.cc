@@ -1,6 +1,7 @@
 #include "proc/child.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <unistd.h>
 
@@ -86,25 +87,6 @@ pid_t spawn_shell(std::string command, const ChildStreams& streams, ProcessGroup
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     return failure == 0 ? pid : -1;
-}
-
-PipeSignalHeld::PipeSignalHeld() {
-    sigemptyset(&pipe_signal_);
-    sigaddset(&pipe_signal_, SIGPIPE);
-    was_pending_ = is_pending();
-    pthread_sigmask(SIG_BLOCK, &pipe_signal_, &old_mask_);
-}
-
-PipeSignalHeld::~PipeSignalHeld() {
-    int taken;
-    if (!was_pending_ && is_pending()) sigwait(&pipe_signal_, &taken);
-    pthread_sigmask(SIG_SETMASK, &old_mask_, nullptr);
-}
-
-bool PipeSignalHeld::is_pending() {
-    sigset_t pending;
-    sigpending(&pending);
-    return sigismember(&pending, SIGPIPE) == 1;
 }
 
 }  // namespace tpu

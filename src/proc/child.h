@@ -1,7 +1,6 @@
 // Starting children of the shell, and the pipes that join them to the editor.
 #pragma once
 
-#include <signal.h>
 #include <sys/types.h>
 
 #include <string>
@@ -35,21 +34,5 @@ enum class ProcessGroup { ours, its_own };
 // Starts the shell on a command line; its process id, or -1. The child finds default
 // signals, the editor's environment and, since pipes are none, a dumb terminal.
 pid_t spawn_shell(std::string command, const ChildStreams& streams, ProcessGroup group);
-
-// Holds SIGPIPE back from this thread, and takes it away if it came meanwhile.
-class PipeSignalHeld {
-  public:
-    PipeSignalHeld();
-    ~PipeSignalHeld();
-    PipeSignalHeld(const PipeSignalHeld&) = delete;
-    PipeSignalHeld& operator=(const PipeSignalHeld&) = delete;
-
-  private:
-    static bool is_pending();
-
-    sigset_t pipe_signal_;
-    sigset_t old_mask_;
-    bool was_pending_;
-};
 
 }  // namespace tpu

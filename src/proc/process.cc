@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "core/buffer.h"
+#include "core/held_signal.h"
 #include "proc/child.h"
 
 namespace tpu {
@@ -69,7 +70,7 @@ void TPUProcess::flush_input() {
 }
 
 void TPUProcess::write_unsent() {
-    PipeSignalHeld held;
+    HeldSignal no_reader(SIGPIPE);
     while (!unsent_.empty()) {
         ssize_t written = write(input_.get(), unsent_.data(), unsent_.size());
         if (written >= 0) {

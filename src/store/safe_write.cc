@@ -5,12 +5,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
 #include <utility>
 
+#include "core/held_signal.h"
 #include "store/file_io.h"
 #include "store/file_traits.h"
 #include "store/temp_file.h"
@@ -24,23 +24,6 @@ struct Job {
     std::string backup;
     bool keep_backup;
     const WriteText& write;
-};
-
-// Lets writes fail that would otherwise end the program.
-class IgnoredSignal {
-  public:
-    explicit IgnoredSignal(int number) : number_(number) {
-        struct sigaction ignore = {};
-        ignore.sa_handler = SIG_IGN;
-        sigaction(number_, &ignore, &before_);
-    }
-    ~IgnoredSignal() { sigaction(number_, &before_, nullptr); }
-    IgnoredSignal(const IgnoredSignal&) = delete;
-    IgnoredSignal& operator=(const IgnoredSignal&) = delete;
-
-  private:
-    int number_;
-    struct sigaction before_ = {};
 };
 
 bool is_symbolic_link(const std::string& path) {
@@ -159,7 +142,8 @@ bool can_be_replaced(const std::string& path, const struct stat& status) {
 }  // namespace
 
 bool write_safely(const std::string& path, bool keep_backup, const WriteText& write) {
-    IgnoredSignal size_limit(SIGXFSZ), no_reader(SIGPIPE);
+    // Lets writes fail that would otherwise end the program.
+    HeldSignal size_limit(SIGXFSZ), no_reader(SIGPIPE);
     Job job{path, path + ".bak", keep_backup, write};
     if (Descriptor output = own_output(path)) return write_stream(job, std::move(output));
     struct stat status;
