@@ -53,7 +53,7 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     std::string trouble;
     if (!options.file.empty()) {
         main->name = options.file;
-        trouble = load_or_begin(*main, options.file).trouble;
+        trouble = load_or_begin(*main, options.file, editor.loading()).trouble;
     }
     go_to_line(*main, options.line);
     editor.init_screen();

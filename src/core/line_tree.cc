@@ -215,8 +215,10 @@ bool edit_piece(Pieces& pieces, std::size_t i, std::uint64_t begin, Change chang
     Pieces spliced;
     for (Piece& part : parts) append(spliced, std::move(part));
     if (spliced.empty() && pieces.size() == 1) return false;
-    size.bytes -= piece.size;
-    size.breaks -= piece.breaks;
+    const Totals before = piece.totals();
+    pieces.reserve(kMaxEntries);  // from here on nothing fails
+    size.bytes -= before.bytes;
+    size.breaks -= before.breaks;
     size += total(spliced);
     auto place = pieces.begin() + static_cast<std::ptrdiff_t>(i);
     if (spliced.empty()) {
@@ -224,9 +226,7 @@ bool edit_piece(Pieces& pieces, std::size_t i, std::uint64_t begin, Change chang
         return true;
     }
     *place = std::move(spliced.front());
-    pieces.reserve(kMaxEntries);
-    pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(i) + 1,
-                  std::make_move_iterator(spliced.begin() + 1),
+    pieces.insert(place + 1, std::make_move_iterator(spliced.begin() + 1),
                   std::make_move_iterator(spliced.end()));
     return true;
 }
@@ -341,15 +341,20 @@ Tree build(Pieces pieces) {
     return join(std::move(leaves), kFill);
 }
 
-Tree replace(Tree tree, std::uint64_t from, std::uint64_t to, Pieces pieces, Ref<TextBlock>& tail) {
+void replace(Tree& tree, std::uint64_t from, std::uint64_t to, Pieces pieces,
+             Ref<TextBlock>& tail) {
     assert(from <= to && to <= tree.size.bytes);
-    if (from == to && pieces.empty()) return tree;
-    if (!tree.node) return build(std::move(pieces));
+    if (from == to && pieces.empty()) return;
+    if (!tree.node) {
+        tree = build(std::move(pieces));
+        return;
+    }
     Change change{from, to, &pieces, tail};
-    if (edit_in_place(tree, change, true)) return tree;
+    if (edit_in_place(tree, change, true)) return;
+    // The tree holds its nodes meanwhile, so that they are copied.
     std::vector<Tree> nodes;
-    edit(std::move(tree.node), change, nodes);
-    return join(std::move(nodes), kMaxEntries);
+    edit(tree.node, change, nodes);
+    tree = join(std::move(nodes), kMaxEntries);
 }
 
 }  // namespace tpu::tree

@@ -118,7 +118,8 @@ class TPUEditor {
     // False: it is the last one that people use. Windows on it show another one.
     bool delete_buffer(Buffer* buffer);
     void delete_window(TPUWindow* window);
-    // Makes unspecified the variables and elements of arrays of which `gone` is true.
+    // Makes unspecified the variables and elements of arrays of which `gone` is true, in
+    // every session.
     void forget_values(const std::function<bool(const Value&)>& gone);
     void free_deleted();  // what was deleted; for when no code runs
 
@@ -135,6 +136,10 @@ class TPUEditor {
 
     // main_loop.cc
     void run();
+    // Steps are done while the main loop waits for keys.
+    Buffer::Loading loading() const {
+        return headless ? Buffer::Loading::at_once : Buffer::Loading::in_steps;
+    }
     void poll_processes();
     bool key_waiting();         // read_key would give a key at once
     int read_key(int wait_ms);  // of the terminal, but for keys put back
@@ -221,6 +226,9 @@ class TPUEditor {
     void show_help(const std::string& topic);
 
   private:
+    void join_sessions();  // forgetting.cc
+    void leave_sessions();
+
     std::deque<int> unread_keys_;
     std::vector<std::unique_ptr<Buffer>> deleted_buffers_;  // until no code runs
     std::vector<std::unique_ptr<TPUWindow>> deleted_windows_;

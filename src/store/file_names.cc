@@ -6,8 +6,6 @@
 #include <cstring>
 #include <filesystem>
 
-#include "core/buffer.h"
-
 namespace tpu {
 
 bool is_same_file(const std::string& a, const std::string& b) {
@@ -22,8 +20,8 @@ bool is_same_file(const std::string& a, const std::string& b) {
            std::filesystem::absolute(b, error).lexically_normal();
 }
 
-FileState load_or_begin(Buffer& buffer, const std::string& file) {
-    if (buffer.load_file(file, Buffer::Loading::in_steps)) return {FileState::loaded, ""};
+FileState load_or_begin(Buffer& buffer, const std::string& file, Buffer::Loading how) {
+    if (buffer.load_file(file, how)) return {FileState::loaded, ""};
     int error = errno;
     struct stat status;
     if (stat(file.c_str(), &status) != 0) {

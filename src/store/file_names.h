@@ -3,9 +3,9 @@
 
 #include <string>
 
-namespace tpu {
+#include "core/buffer.h"
 
-class Buffer;
+namespace tpu {
 
 // True when both names lead to the same file, be it there already or not.
 bool is_same_file(const std::string& a, const std::string& b);
@@ -16,8 +16,8 @@ struct FileState {
     std::string trouble;  // what to tell people about an unreadable file
 };
 
-// Loads a file in steps (see Buffer::load_file). The buffer has the file's name also
-// when there is no such file, and begins it then.
-FileState load_or_begin(Buffer& buffer, const std::string& file);
+// Loads a file. The buffer has the file's name also when there is no such file, and
+// begins it then.
+FileState load_or_begin(Buffer& buffer, const std::string& file, Buffer::Loading how);
 
 }  // namespace tpu
