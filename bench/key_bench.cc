@@ -5,24 +5,11 @@
 
 #include "editor/compose.h"
 #include "editor/editor.h"
+#include "no_terminal.h"
 
 namespace {
 
 using namespace tpu;
-
-// A terminal that swallows what it is shown.
-struct NoTerminal : Terminal {
-    std::string start() override { return {}; }
-    ScreenSize size() override { return {50, 120}; }
-    void present(const Frame& frame) override { benchmark::DoNotOptimize(&frame); }
-    int read_key(int) override { return kNoKey; }
-    bool key_waiting() override { return false; }
-    std::string take_paste() override { return {}; }
-    std::optional<MouseEvent> mouse() override { return {}; }
-    void beep() override {}
-    void leave() override {}
-    void enter() override {}
-};
 
 struct Bench {
     explicit Bench(LineStore lines) : editor({terminal, clock}) {

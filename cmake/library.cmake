@@ -9,7 +9,7 @@ set(TPU_EXPORTS
 set(LIBRARY_SOURCES ${TPU_SOURCES})
 list(FILTER LIBRARY_SOURCES EXCLUDE REGEX "src/editor/curses/")
 list(FILTER LIBRARY_SOURCES EXCLUDE REGEX
-     "src/app/(main|options|redirect|source_file|startup|terminal_state|test_mode)\\.cc$")
+     "src/app/(main|options|redirect|source_file|startup|test_mode)\\.cc$")
 
 # Objects for both kinds of library and for the program. They are position-independent
 # for the shared one; with hidden names that costs nothing.

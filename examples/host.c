@@ -13,14 +13,14 @@
 #include <tpu.h>
 
 typedef struct {
-    char *bytes; /* a NUL stands behind them */
+    char* bytes; /* a NUL stands behind them */
     size_t size, room;
 } Text;
 
-static void add(Text *text, const char *bytes, size_t size) {
+static void add(Text* text, const char* bytes, size_t size) {
     if (text->size + size + 1 > text->room) {
         size_t room = 2 * (text->size + size + 1);
-        char *larger = realloc(text->bytes, room);
+        char* larger = realloc(text->bytes, room);
         if (!larger) exit(EXIT_FAILURE);
         text->bytes = larger;
         text->room = room;
@@ -30,13 +30,13 @@ static void add(Text *text, const char *bytes, size_t size) {
     text->bytes[text->size] = '\0';
 }
 
-static void add_words(Text *text, const char *words) {
+static void add_words(Text* text, const char* words) {
     add(text, words, strlen(words));
 }
 
 /* Adds an expression that has these bytes as its value. A literal of the language cannot
  * hold a quotation mark, nor C text a NUL: FAO makes them of their codes. */
-static void add_quoted(Text *text, const char *bytes, size_t size) {
+static void add_quoted(Text* text, const char* bytes, size_t size) {
     size_t i;
     add_words(text, "\"");
     for (i = 0; i < size; ++i) {
@@ -51,15 +51,15 @@ static void add_quoted(Text *text, const char *bytes, size_t size) {
     add_words(text, "\"");
 }
 
-static void run(TPU_Context *session, const char *statement) {
+static void run(TPU_Context* session, const char* statement) {
     if (TPU_ExecuteCommand(session, statement) == 0) return;
     fputs("host: memory is short\n", stderr);
     exit(EXIT_FAILURE);
 }
 
 /* Runs a statement of two parts with the bytes as a literal in between. */
-static void run_with(TPU_Context *session, const char *before, const char *bytes, size_t size,
-                     const char *after) {
+static void run_with(TPU_Context* session, const char* before, const char* bytes, size_t size,
+                     const char* after) {
     Text statement = {NULL, 0, 0};
     add_words(&statement, before);
     add_quoted(&statement, bytes, size);
@@ -70,7 +70,7 @@ static void run_with(TPU_Context *session, const char *before, const char *bytes
 
 /* The text of an expression. It travels as a message, behind a blank: text like
  * "TPU$_SUCCESS" on its own would be taken for the name of a message. */
-static Text value_of(TPU_Context *session, const char *expression) {
+static Text value_of(TPU_Context* session, const char* expression) {
     Text statement = {NULL, 0, 0}, value = {NULL, 0, 0};
     char digits[32];
     add_words(&statement, "host_value := ");
@@ -88,7 +88,7 @@ static Text value_of(TPU_Context *session, const char *expression) {
     return value;
 }
 
-static Text all_of(FILE *file) {
+static Text all_of(FILE* file) {
     Text text = {NULL, 0, 0};
     char part[65536];
     size_t size;
@@ -97,9 +97,9 @@ static Text all_of(FILE *file) {
     return text;
 }
 
-int main(int argc, char **argv) {
+int main(int argc, char** argv) {
     Text input, output;
-    TPU_Context *session;
+    TPU_Context* session;
     char said[1000];
     if (argc != 3) {
         fputs("usage: host FILE STATEMENT < TEXT\n", stderr);

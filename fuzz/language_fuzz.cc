@@ -27,7 +27,7 @@ class ImpatientTerminal : public Terminal {
     std::string start() override { return {}; }
     ScreenSize size() override { return {8, 30}; }
     void present(const Frame&) override {}
-    int read_key(int) override { return kKeyHangup; }
+    int read_key(int, const Awaited&) override { return kKeyHangup; }
     bool key_waiting() override { return false; }
     bool interrupt_waiting() override {
         return ++looks_ > kMostLooks ||

@@ -5,7 +5,7 @@
  * message. Sessions write nothing to the host's terminal, install no signal handlers,
  * leave the locale alone, and know nothing of each other.
  *
- *     TPU_Context *context = TPU_Initialize();
+ *     TPU_Context* context = TPU_Initialize();
  *     char message[256];
  *     TPU_ExecuteCommand(context, "MESSAGE(FAO(\"!SL lines\", 6 * 7))");
  *     TPU_GetMessage(context, message, (int)sizeof message);    -> "42 lines"
@@ -28,33 +28,33 @@ extern "C" {
 typedef struct TPU_Context TPU_Context;
 
 /* Begins a session. No start-up file is read. Null when memory is short. */
-TPU_Context *TPU_Initialize(void);
+TPU_Context* TPU_Initialize(void);
 
 /* Executes `command`, NUL-terminated text, as one statement: an assignment, or the call of
  * a built-in or a procedure. Returns 0 when it was executed, whatever came of it: what
  * TPU makes of a failure is a message, and what ERROR and ERROR_TEXT tell. Returns -1
  * when `context` or `command` is null, or when memory became short; the session goes on
  * then, with the statement done in part. */
-int TPU_ExecuteCommand(TPU_Context *context, const char *command);
+int TPU_ExecuteCommand(TPU_Context* context, const char* command);
 
 /* Copies the session's message, which is empty at first, to `buffer`, which has room for
  * `size` bytes, and a NUL behind it; of a longer message the first `size` - 1 bytes.
  * Returns the number of bytes copied, without that NUL; messages may hold NULs
  * themselves. Returns -1 when `context` or `buffer` is null or `size` is below 1. */
-int TPU_GetMessage(TPU_Context *context, char *buffer, int size);
+int TPU_GetMessage(TPU_Context* context, char* buffer, int size);
 
 /* Ends the session and its subprocesses, and frees the context. Nothing is saved. Null is
  * ignored. */
-void TPU_Cleanup(TPU_Context *context);
+void TPU_Cleanup(TPU_Context* context);
 
 /* The same three under the names of the language's tradition. */
 #if defined(__clang__)
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wdollar-in-identifier-extension"
 #endif
-TPU_Context *TPU$INITIALIZE(void);
-int TPU$EXECUTE_COMMAND(TPU_Context *context, const char *command);
-void TPU$CLEANUP(TPU_Context *context);
+TPU_Context* TPU$INITIALIZE(void);
+int TPU$EXECUTE_COMMAND(TPU_Context* context, const char* command);
+void TPU$CLEANUP(TPU_Context* context);
 #if defined(__clang__)
 #pragma clang diagnostic pop
 #endif

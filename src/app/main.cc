@@ -1,4 +1,5 @@
 #include <langinfo.h>
+#include <signal.h>
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -31,10 +32,24 @@ void use_roomy_stack() {
     tpu::fresh_stack::set_first_share(std::min(limit.rlim_cur / 4 * 3, kMost));
 }
 
+std::string variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? value : "";
+}
+
+// In the folder for the state of programs, unless that is switched off.
+std::string recovery_folder() {
+    if (variable("TPU_RECOVERY") == "off") return {};
+    std::string state = variable("XDG_STATE_HOME"), home = variable("HOME");
+    if (!state.starts_with('/')) state = home.starts_with('/') ? home + "/.local/state" : "";
+    return state.empty() ? state : state + "/tpu/recovery";
+}
+
 tpu::StartFiles start_files() {
     tpu::StartFiles files;
-    if (const char* source = std::getenv("TPU_STARTUP")) files.source = source;
+    files.source = variable("TPU_STARTUP");
     if (const char* home = std::getenv("HOME")) files.home = home;
+    files.recovery_folder = recovery_folder();
     return files;
 }
 
@@ -48,6 +63,7 @@ int flushed() {
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     use_roomy_stack();
+    signal(SIGCHLD, SIG_DFL);  // who started us may ignore it: then no child has a status
     if (arguments.size() >= 2 && arguments[0] == "--test") {
         tpu::Charset charset = charset_of_locale();
         tpu::CursesTerminal terminal;

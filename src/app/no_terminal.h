@@ -11,7 +11,7 @@ class NoTerminal : public Terminal {
     std::string start() override { return "no terminal"; }
     ScreenSize size() override { return {}; }
     void present(const Frame&) override {}
-    int read_key(int) override { return kKeyHangup; }
+    int read_key(int, const Awaited&) override { return kKeyHangup; }
     bool key_waiting() override { return false; }
     bool interrupt_waiting() override { return false; }
     std::string take_paste() override { return {}; }

@@ -21,10 +21,11 @@ struct Options {
     static Options parse(const std::vector<std::string>& arguments);
 };
 
-// What the environment says about start-up files.
+// What the environment says about the files of the editor.
 struct StartFiles {
     std::string source;               // TPU_STARTUP; empty: unset
     std::optional<std::string> home;  // HOME, where .tpurc is looked for
+    std::string recovery_folder;      // where unsaved work is kept; empty: nowhere
 };
 
 // What --help prints.

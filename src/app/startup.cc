@@ -6,7 +6,8 @@
 #include "app/source_file.h"
 #include "editor/editor.h"
 #include "editor/glyphs.h"
-#include "store/file_names.h"
+#include "editor/recovery.h"
+#include "store/section.h"
 
 namespace tpu {
 
@@ -50,21 +51,25 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     TPUEditor editor(ports);
     editor.charset = charset;
     Buffer* main = editor.create_buffer("MAIN", "");
+    editor.named_file = options.file;
+    editor.named_line = options.line;
     std::string trouble;
     if (!options.file.empty()) {
         main->name = options.file;
-        trouble = load_or_begin(*main, options.file, editor.loading()).trouble;
+        trouble = main->edit_file(options.file, editor.loading());
     }
     go_to_line(*main, options.line);
     editor.init_screen();
-    if (!options.section_file.empty()) {
+    if (!options.section_file.empty() && !tpu_section_restore(editor, options.section_file)) {
         std::string line = "tpu: /SECTION=" + options.section_file + " failed to load";
         complain(ports.terminal, printable(line, charset));
     }
     run_start_files(editor, options, files);
+    editor.recovery = std::make_unique<Recovery>(editor, files.recovery_folder);
     editor.set_message(kGreeting);
     // Faults in start-up files are not to go by unseen.
     if (!editor.parser.error_list.empty()) editor.set_message(editor.parser.error_list.front());
+    if (trouble.empty()) trouble = editor.recovery->greeting(*main);
     if (!trouble.empty()) editor.set_message(trouble);
     editor.run();
     return editor.exit_status;

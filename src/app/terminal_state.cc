@@ -11,6 +11,7 @@ namespace {
 termios saved_attributes;
 bool attributes_saved = false;
 void (*volatile screen_ender)() = nullptr;
+void (*volatile children_ender)() = nullptr;
 
 }  // namespace
 
@@ -26,9 +27,14 @@ void set_screen_ender(void (*end)()) {
     screen_ender = end;
 }
 
+void set_children_ender(void (*end)()) {
+    children_ender = end;
+}
+
 void terminal_signal_handler(int) {
     if (screen_ender) screen_ender();
     restore_terminal_state();
+    if (children_ender) children_ender();
     _exit(0);  // Deliberate: a hang-up or an interrupt is an ordinary end.
 }
 

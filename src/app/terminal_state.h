@@ -14,8 +14,11 @@ void restore_terminal_state();
 // handler. Null: there is nothing to leave.
 void set_screen_ender(void (*end)());
 
-// For SIGINT, SIGTERM and SIGHUP: leaves full-screen work, restores the terminal
-// and ends the process. The status is always 0.
+// Registers what ends the children of the program, with the same condition.
+void set_children_ender(void (*end)());
+
+// For SIGINT, SIGTERM and SIGHUP: leaves full-screen work, restores the terminal,
+// ends the children and the process. The status is always 0.
 void terminal_signal_handler(int signal);
 
 // For signals that mean a fault: leaves full-screen work, restores the terminal and

@@ -46,6 +46,7 @@ struct Command {
     std::string_view help;        // one sentence
     std::size_t least = 0;        // words; with fewer the form is shown
     bool edits = false;           // needs a buffer whose text can be changed
+    bool at_character = false;    // uses the cursor's place; so do those that edit
     bool without_buffer = false;  // runs even when no buffer is current
     bool in_full = false;         // its first word cannot be shortened
     About about = About::other;

@@ -22,13 +22,18 @@ Completion offer(std::size_t from, const Names& names) {
     return completion;
 }
 
-// Of the names those that begin with `begun`, in any case of letters when told so.
-Completion complete_word(std::size_t from, std::string_view begun, const Names& names,
-                         bool any_case) {
-    std::string wanted = any_case ? ascii::upper(begun) : std::string(begun);
+bool needs_quotes(std::string_view name) {
+    return std::any_of(name.begin(), name.end(), ascii::is_space);
+}
+
+// Of the names those that begin with `begun`, in any case of letters.
+Completion complete_word(std::size_t from, std::string_view begun, const Names& names) {
+    if (begun.starts_with('"')) begun.remove_prefix(1);
+    std::string wanted = ascii::upper(begun);
     Names fitting;
     for (const std::string& name : names) {
-        if ((any_case ? ascii::upper(name) : name).starts_with(wanted)) fitting.insert(name);
+        if (!ascii::upper(name).starts_with(wanted)) continue;
+        fitting.insert(needs_quotes(name) ? '"' + name + '"' : name);
     }
     return offer(from, fitting);
 }
@@ -39,7 +44,7 @@ std::filesystem::path folder_to_look_in(const std::string& typed) {
     return typed.empty() ? "." : typed;
 }
 
-// A name with blanks gets double quotes around it.
+// Names with blanks get double quotes around them.
 Completion complete_file(std::size_t from, std::string_view begun) {
     if (begun.starts_with('"')) begun.remove_prefix(1);
     std::size_t slash = begun.rfind('/');
@@ -54,7 +59,7 @@ Completion complete_file(std::size_t from, std::string_view begun) {
         std::error_code unknown;
         if (entry->is_directory(unknown)) found += '/';
         found.insert(0, folder);
-        if (found.find(' ') != found.npos) found.insert(0, 1, '"');
+        if (needs_quotes(found)) found.insert(0, 1, '"');
         if (found.front() == '"' && found.back() != '/') found += '"';
         fitting.insert(found);
     }
@@ -113,19 +118,20 @@ Completion TPUEditor::complete_command(std::string_view typed) {
     if (i > 0) line.words[0] = resolve_command(line.upper(0));
     Names names = next_words(line, i);
     if (i == 0) add_names(parser.procedures, names);
-    Completion completion = complete_word(from, word, names, true);
+    Completion completion = complete_word(from, word, names);
     if (!completion.candidates.empty() || i == 0) return completion;
     const Command* command = find_command(Layer::eve, line);
     if (!command) command = find_command(Layer::editor, line);
     if (!command) return {};
     CommandLine form{std::string(command->words)};
-    if (command->about != About::file || i < form.words.size()) {
-        return complete_word(from, word, names_of(*this, command->about), true);
-    }
+    if (i < form.words.size()) return {};
     // All that follows the command may be one name in quotes.
     std::size_t begin = i > form.words.size() ? line.places[form.words.size()] : from;
     if (typed.substr(begin).starts_with('"')) from = begin;
-    return complete_file(from, typed.substr(from));
+    std::string_view name = typed.substr(from);
+    return command->about == About::file
+               ? complete_file(from, name)
+               : complete_word(from, name, names_of(*this, command->about));
 }
 
 }  // namespace tpu

@@ -92,6 +92,14 @@ void select_range(TPUEditor& editor, Line) {
     editor.set_message(active ? "SELECT_RANGE active" : "No SELECT active");
 }
 
+// A name in double quotes, or one with ~, is that of a buffer that there is.
+void go_to_buffer(TPUEditor& editor, Line line) {
+    std::vector<std::string> words = line.words;
+    bool known = words.size() < 2 || editor.find_buffer(words[1]);
+    if (!known && editor.find_buffer(line.file(1))) words[1] = line.file(1);
+    editor.buffer_command(words);
+}
+
 void execute(TPUEditor& editor, Line line) {
     std::string name = line.word(1);
     if (!editor.parser.execute_procedure(name)) editor.set_message("No such procedure: " + name);
@@ -126,13 +134,13 @@ constexpr Command kRows[] = {
     {.words = "ERASE_LINE", .run = erase_line, .form = "ERASE_LINE",
      .help = "Erase the current line.", .edits = true},
     {.words = "SELECT", .run = select, .form = "SELECT",
-     .help = "Start a selection at the cursor."},
+     .help = "Start a selection at the cursor.", .at_character = true},
     {.words = "SELECT_RANGE", .run = select_range, .form = "SELECT_RANGE",
      .help = "Tell whether there is a selection."},
     {.words = "MOVE_TEXT", .run = [](TPUEditor& e, Line) { e.cut_selection(); }, .form = "MOVE_TEXT",
      .help = "Cut the selection.", .edits = true},
     {.words = "COPY_TEXT", .run = [](TPUEditor& e, Line) { e.copy_selection(); }, .form = "COPY_TEXT",
-     .help = "Copy the selection."},
+     .help = "Copy the selection.", .at_character = true},
     {.words = "INSERT", .run = [](TPUEditor& e, Line) { set_insert_mode(e, true); }, .form = "INSERT",
      .help = "Type in insert mode."},
     {.words = "OVERSTRIKE", .run = [](TPUEditor& e, Line) { set_insert_mode(e, false); }, .form = "OVERSTRIKE",
@@ -140,7 +148,7 @@ constexpr Command kRows[] = {
     {.words = "SHOW", .run = [](TPUEditor& e, Line l) { e.show_command(l.words); }, .form = "SHOW item [name]",
      .help = "Show the state of the editor; SHOW alone lists the items.",
      .without_buffer = true, .about = About::show_item},
-    {.words = "BUFFER", .run = [](TPUEditor& e, Line l) { e.buffer_command(l.words); }, .form = "BUFFER name",
+    {.words = "BUFFER", .run = go_to_buffer, .form = "BUFFER name",
      .help = "Go to the buffer of that name; it is made if there is none.",
      .without_buffer = true, .about = About::buffer},
     {.words = "COMPILE", .run = [](TPUEditor& e, Line) { e.compile_current_buffer(); }, .form = "COMPILE",

@@ -1,10 +1,9 @@
 // Commands on buffers and their files, and the shell.
-#include <sys/stat.h>
-
 #include <algorithm>
 
 #include "commands/command_words.h"
 #include "editor/editor.h"
+#include "editor/recovery.h"
 #include "store/file_names.h"
 
 namespace tpu::commands {
@@ -36,14 +35,16 @@ void get_file(TPUEditor& editor, Line line) {
     Buffer* buffer = buffer_of_file(editor, file);
     if (!buffer) {
         auto loaded = std::make_unique<Buffer>(unused_name(editor, file), file);
-        FileState state = load_or_begin(*loaded, file, editor.loading());
-        if (state.result == FileState::unreadable) return editor.set_message(state.trouble);
-        if (state.result == FileState::missing) message = "New file " + file;
+        std::string trouble = loaded->edit_file(file, editor.loading());
+        if (!trouble.empty()) return editor.set_message(trouble);
+        if (loaded->file_time == 0) message = "New file " + file;
         buffer = loaded.get();
         editor.buffers.push_back(std::move(loaded));
     }
     editor.position(buffer);
-    editor.set_message(message);
+    std::string unsaved =
+        editor.recovery && !buffer->modified ? editor.recovery->greeting(*buffer) : "";
+    editor.set_message(unsaved.empty() ? message : unsaved);
 }
 
 void include_file(TPUEditor& editor, Line line) {

@@ -88,7 +88,7 @@ constexpr Command kRows[] = {
     {.words = "SET RIGHT MARGIN", .run = set_right_margin, .form = kRight,
      .help = "Set the column up to which filled and wrapped lines reach.", .least = 4},
     {.words = "SET MARGINS", .run = set_margins, .form = kMargins,
-     .help = "Set both margins.", .least = 3},
+     .help = "Set both margins.", .least = 4},
     {.words = "SET LINE NUMBER", .run = set_line_numbers, .form = "SET LINE NUMBER [ON or OFF]",
      .help = "Show the numbers of lines or not; without a word, the other of the two.", .without_buffer = true},
     {.words = "SET TAB STOPS", .run = set_tab_stops, .form = kTabStops,

@@ -155,12 +155,12 @@ void paste(TPUEditor& editor, Line) {
 // clang-format off
 constexpr Command kRows[] = {
     {.words = "COPY", .run = copy, .form = "COPY [TO name]",
-     .help = "Copy the selection, and keep it under a name.", .about = About::paste},
+     .help = "Copy the selection, and keep it under a name.", .at_character = true, .about = About::paste},
     {.words = "CUT", .run = cut, .form = "CUT [TO name]",
      .help = "Cut the selection, and keep it under a name.", .edits = true, .about = About::paste},
     {.words = "STORE", .run = store, .form = "STORE name",
      .help = "Keep the selection, or else the text cut or copied last, under a name.",
-     .in_full = true, .about = About::paste},
+     .at_character = true, .in_full = true, .about = About::paste},
     {.words = "PASTE PREVIOUS", .run = [](TPUEditor& e, Line) { e.paste_previous(); }, .form = "PASTE PREVIOUS",
      .help = "Paste the text that was cut or copied before.", .edits = true},
     {.words = "PASTE FROM", .run = [](TPUEditor& e, Line l) { e.recall_named_paste(l.word(2), true); },
@@ -193,19 +193,19 @@ constexpr Command kRows[] = {
     {.words = "CASE", .run = change_case, .form = "CASE [UPPER or LOWER]",
      .help = "Change the case of the selection, or of the word at the cursor.", .edits = true, .in_full = true},
     {.words = "MARK", .run = mark, .form = "MARK",
-     .help = "Start a selection at the cursor.", .in_full = true},
+     .help = "Start a selection at the cursor.", .at_character = true, .in_full = true},
     {.words = "BOX SELECT", .run = box_select, .form = "BOX SELECT",
-     .help = "Start a rectangle at the cursor.", .in_full = true},
+     .help = "Start a rectangle at the cursor.", .at_character = true, .in_full = true},
     {.words = "BOX CUT", .run = box_cut, .form = "BOX CUT",
      .help = "Cut the rectangle.", .edits = true, .in_full = true},
     {.words = "BOX REMOVE", .run = box_cut, .form = "BOX REMOVE",
      .help = "Cut the rectangle.", .edits = true, .in_full = true},
     {.words = "BOX COPY", .run = box_copy, .form = "BOX COPY",
-     .help = "Copy the rectangle.", .in_full = true},
+     .help = "Copy the rectangle.", .at_character = true, .in_full = true},
     {.words = "BOX PASTE", .run = box_paste, .form = "BOX PASTE",
      .help = "Insert the rectangle with its corner at the cursor.", .edits = true, .in_full = true},
     {.words = "BOX", .run = box_usage, .form = "BOX SELECT|CUT|COPY|PASTE",
-     .help = "Tell the forms of the command.", .in_full = true},
+     .help = "Alone it tells these forms.", .in_full = true},
 };
 // clang-format on
 

@@ -8,13 +8,16 @@ namespace tpu {
 
 namespace {
 
+// A cursor within a character, where moving up or down may leave it, goes to its beginning
+// before a command that would take the character apart.
 void run(TPUEditor& editor, const Command& command, const CommandLine& line) {
-    const Buffer* buffer = editor.current_buffer;
+    Buffer* buffer = editor.current_buffer;
     if (!buffer && !command.without_buffer) return editor.set_message("There is no buffer");
     if (line.words.size() < command.least) return editor.set_message(std::string(command.form));
     if (command.edits && !buffer->modifiable) {
         return editor.set_message("Buffer " + buffer->name + " is not modifiable");
     }
+    if (buffer && (command.edits || command.at_character)) buffer->leave_character(editor.charset);
     command.run(editor, line);
 }
 

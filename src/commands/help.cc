@@ -79,13 +79,17 @@ void add_keys(std::string& text) {
     for (const DefaultKey& key : default_keys()) add_row(text, key_name_of(key.code), key.comment);
 }
 
-// All commands, or only those of several words.
-void add_commands(std::string& text, bool of_several_words) {
+// A form that covers several commands is written once.
+void add_commands(std::string& text, std::span<const Command* const> commands) {
     text += '\n';
-    for (const Command* command : all_commands()) {
-        bool of_several = command->words != command->first_word();
-        if (of_several || !of_several_words) add_row(text, command->form, command->help);
+    std::set<std::string_view> forms;
+    for (const Command* command : commands) {
+        if (forms.insert(command->form).second) add_row(text, command->form, command->help);
     }
+}
+
+void add_eve_commands(std::string& text) {
+    add_commands(text, commands_of(Layer::eve));
 }
 
 std::string alternatives(std::span<const std::string_view> names) {
@@ -97,7 +101,7 @@ std::string alternatives(std::span<const std::string_view> names) {
 }
 
 void add_commands_and_items(std::string& text) {
-    add_commands(text, false);
+    add_commands(text, all_commands());
     text += "\nThe items of SHOW:\n\n";
     for (const ShowItem& item : show_items()) add_row(text, alternatives(item.names), item.help);
 }
@@ -142,14 +146,14 @@ constexpr HelpTopic kTopics[] = {
     {"EDITING", "changing text, selections, cut and paste, undo", &prose::kEditing, add_families<builtins::editing>},
     {"SEARCH", "finding text", &prose::kSearch, add_families<builtins::search>},
     {"PATTERNS", "what can be searched for besides plain text", &prose::kPatterns, add_families<builtins::patterns>},
-    {"BUFFERS", "texts and files, and the paste registers", &prose::kBuffers, add_families<builtins::buffers>},
+    {"BUFFERS", "texts and files, journals and section files", &prose::kBuffers, add_families<builtins::buffers, builtins::journal, builtins::sections>},
     {"WINDOWS", "several texts on the screen", &prose::kWindows, add_families<builtins::windows>},
     {"KEYMAPS", "binding keys, key maps and lists of them", &prose::kKeymaps, add_families<builtins::keys, builtins::learn>},
     {"SET", "attributes of buffers, windows and the session", &prose::kSet, add_attributes},
     {"BUILTINS", "all built-in procedures of the language", &prose::kBuiltins, add_all_builtins},
     {"TYPES", "the values of the language", &prose::kTypes, add_families<builtins::texts, builtins::objects>},
     {"LANGUAGE", "statements, procedures, expressions, errors", &prose::kLanguage, add_families<builtins::control>},
-    {"EVE", "commands of several words", &prose::kEve, [](std::string& text) { add_commands(text, true); }},
+    {"EVE", "commands that go before your procedures, many of several words", &prose::kEve, add_eve_commands},
     {"EVENTS", "the mouse, the timer, procedures around keys, processes", &prose::kEvents, add_families<builtins::input, builtins::processes>},
     {"WRAP", "margins, wrapping, filling and tab stops", &prose::kWrap, nullptr},
 };
@@ -167,11 +171,32 @@ std::string overview() {
     std::string text = "Vorlane HELP\nType  HELP <topic>  for details. Topics:\n";
     add_topics(text);
     return text +
-           "\nHELP and the name of a command, a built-in or an attribute shows how it is\n"
-           "written. To type a command, press Ctrl-Z first.\n"
+           "\nHELP and the name of a command, a built-in, an attribute or a key shows how\n"
+           "it is written and what it does. To type a command, press Ctrl-Z first.\n"
            "\nHELP is a buffer like any other: the usual keys move in it, and the command\n"
            "NEXT BUFFER leaves it. Ctrl-X ends the editor with it, and saves nothing.\n"
            "\nPress Ctrl-X to leave the help buffer.\n";
+}
+
+template <class Names>
+bool holds(const Names& names, std::string_view name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// What the tables of the language say on a name.
+void add_language_rows(std::string& text, std::string_view name) {
+    if (const Builtin* row = find_builtin(name)) {
+        add_row(text, row->form, "Built-in: " + std::string(row->help));
+    }
+    for (const SetKeyword& keyword : set_keywords()) {
+        if (keyword.name == name) add_row(text, form_of(keyword), keyword.help);
+    }
+    if (holds(ignored_set_keywords(), name)) {
+        add_row(text, "SET(" + std::string(name) + ", ...)", "Accepted, and changes nothing.");
+    }
+    for (const InfoItem& item : info_items()) {
+        if (holds(item.names, name)) add_row(text, "GET_INFO, " + form_of(item), item.help);
+    }
 }
 
 // What the tables say on a name; empty when none has it.
@@ -181,15 +206,12 @@ std::string rows_named(std::string_view name) {
         if (command->run && command->first_word() == name)
             add_row(text, command->form, "Command: " + std::string(command->help));
     }
-    if (const Builtin* row = find_builtin(name)) {
-        add_row(text, row->form, "Built-in: " + std::string(row->help));
+    for (const ShowItem& item : show_items()) {
+        if (holds(item.names, name)) add_row(text, "SHOW " + std::string(name), item.help);
     }
-    for (const SetKeyword& keyword : set_keywords()) {
-        if (keyword.name == name) add_row(text, form_of(keyword), keyword.help);
-    }
-    for (const InfoItem& item : info_items()) {
-        if (std::find(item.names.begin(), item.names.end(), name) == item.names.end()) continue;
-        add_row(text, "GET_INFO, " + form_of(item), item.help);
+    add_language_rows(text, name);
+    for (const DefaultKey& key : default_keys()) {
+        if (key_name_of(key.code) == name) add_row(text, "Key " + std::string(name), key.comment);
     }
     return text;
 }
@@ -199,6 +221,7 @@ std::set<std::string_view> known_names() {
     for (const HelpTopic& topic : kTopics) names.insert(topic.name);
     for (const Command* command : all_commands()) names.insert(command->first_word());
     for (const Builtin* row : sorted_builtins()) names.insert(row->name);
+    for (const ShowItem& item : show_items()) names.insert(item.names.begin(), item.names.end());
     for (const SetKeyword& keyword : set_keywords()) names.insert(keyword.name);
     for (const InfoItem& item : info_items()) names.insert(item.names.begin(), item.names.end());
     names.erase("");

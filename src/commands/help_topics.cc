@@ -27,12 +27,21 @@ KEYMAPS tells how to bind keys.
 const std::string_view kCommands = R"help(COMMANDS
 
 Ctrl-Z asks for a command. Upper and lower case are the same; blanks stand
-between the words. The first word may be shortened as long as it fits only one
-command, so EXI is EXIT; commands of several words that have no short form are
-typed in full. A line that is none of the commands below is run as a statement
-of the language, so procedures and built-ins are commands as well:
+between the words. The first word may be shortened when only one command
+begins so: EXI is EXIT, but SEL may be SELECT or SELECT_RANGE and is neither.
+All words but the first are typed in full, and so are BOX, CASE, CHANGE,
+CHECK, DCL, FETCH, FILL, GO, MARK, RECALL, REMOVE, REMOVE_KEY, RESTORE, SHIFT,
+SPAWN, STORE, UNDEFINE and WHAT.
 
-  UNDO                      Undo the last step.
+  GET notes.txt             Edit one more file.
+  FIND needle               Go to the next place of a text.
+  REPLACE grey gray ALL     Replace a text wherever it stands.
+  GO TO 120                 Go to line 120.
+
+A line that is none of the commands below is run as a statement of the
+language, so procedures and built-ins are commands as well. A line whose
+second word is := is always an assignment.
+
   MOVE_VERTICAL(100)        Go down by 100 lines.
   x := 5                    Assign a value to a variable.
 
@@ -40,49 +49,85 @@ Left, Right, Home and End move in the line, Ctrl-U empties it, Up and Down
 bring back earlier lines. Tab completes the names of commands, files, buffers
 and topics; pressed again it goes through all that fit. Ctrl-G gives up.
 
-A procedure of yours goes before a command of the same name, but for the forms
-that HELP EVE lists. A file name with blanks stands in double quotes, and ~/
-is your home directory. What may be left out stands in square brackets.
+A procedure of yours goes before a command of the same name, but not before
+those that HELP EVE lists. The name of a file or buffer that has blanks in it
+stands in double quotes, and ~/ is your home directory. What may be left
+out stands in square brackets.
 )help";
 
 const std::string_view kMovement = R"help(MOVEMENT
 
 Arrows move by a character or a line, Home and End to the ends of the line,
 Page Up and Page Down by a screenful. GOLD T and the command TOP go to the
-beginning of the buffer, GOLD E and BOTTOM to its end. With the mouse
-switched on, SET(MOUSE, ON), a click moves the cursor. FREE_CURSOR lets it
-stand past the end of a line: SET(FREE_CURSOR, ON).
+beginning of the buffer, GOLD E and BOTTOM to its end. GO TO 120 goes to line
+120, or to the last one when there are fewer, GO TO COLUMN 5 to a column of
+the line, and WHAT LINE tells where the cursor is. SET LINE NUMBER ON shows
+the numbers of the lines.
 
-Programs move with these built-ins. Lines and columns count bytes from 1
-where they are shown or asked for.
+With the mouse switched on, SET(MOUSE, ON), a click moves the cursor.
+FREE_CURSOR lets it stand past the end of a line: SET(FREE_CURSOR, ON).
+
+Lines and columns are counted from 1, and columns in bytes. Programs move with
+these built-ins:
 )help";
 
 const std::string_view kEditing = R"help(EDITING
 
 Typing inserts, or overstrikes: the commands INSERT and OVERSTRIKE, or the
-Insert key. Return splits the line, Backspace and Delete erase a character.
+Insert key. Return splits the line, Backspace and Delete erase a character,
+ERASE_LINE the line. GOLD U or UNDO undoes the last step, GOLD R or REDO does
+it again. A key is one step, and so is a command or a procedure. Each buffer
+keeps 200 steps.
 
 A selection begins at the cursor with Ctrl-V or SELECT and reaches to where
-the cursor goes. Ctrl-W cuts it, MOVE_TEXT does the same, and
-COPY_TEXT(SELECT_RANGE) copies it. Ctrl-Y or PASTE inserts what was cut or
-copied last in this buffer. PASTE PREVIOUS goes back from text to text through
-the last 32. STORE_PASTE("NAME") keeps a text under a name, and
-RECALL_PASTE("NAME") inserts it; SHOW PASTES lists them.
+the cursor goes. Ctrl-W or CUT cuts it, COPY copies it, F4 or DELETE deletes
+it. Ctrl-Y or PASTE inserts what was cut or copied last in this buffer, and
+PASTE PREVIOUS goes back from text to text through the last 32. Texts can be
+kept under names, which SHOW PASTES lists:
 
-GOLD U or UNDO undoes the last step, GOLD R or REDO does it again. A key is
-one step, and so is a command or a procedure. Each buffer keeps 200 steps.
+  COPY TO address           Copy the selection, and keep it.
+  STORE address             Keep the selection, or what was cut last.
+  PASTE FROM address        Insert it, in any buffer.
+
+CASE UPPER, CASE LOWER and CASE alone, which inverts, change the selection, or
+the word at the cursor. SHIFT RIGHT 4 and SHIFT LEFT 4 move the selected lines
+or the cursor line, and FILL fills the selected lines (HELP WRAP).
+
+REPLACE old new replaces the next place of a text, behind the cursor and then
+from the top. It asks for what is not given. A number or ALL goes on:
+
+  REPLACE grey gray         the next place
+  REPLACE grey gray 3       the next three
+  REPLACE "a b" "" ALL      all of them; a text with blanks has quotes
+
+A rectangle has its corners at BOX SELECT and at the cursor; the column of the
+cursor is just outside. BOX CUT takes it out, BOX COPY copies it, and BOX
+PASTE inserts it with its upper left corner at the cursor, in the same buffer.
 )help";
 
 const std::string_view kSearch = R"help(SEARCH
 
 Ctrl-F, F3, GOLD F or FIND alone search while the text is typed, from the
-cursor on and then from the top. FIND text goes to the next place of the text
-after the cursor, up to the end of the buffer. The case of letters counts.
+cursor on and then from the top. Ctrl-F goes on to the next place, Return
+stays there, Escape or Ctrl-G goes back. The text can have ASCII characters.
 
-SEARCH is a built-in too. It takes a text or a pattern (HELP PATTERNS) and
-searches in the direction of the buffer, which SET(FORWARD) and SET(REVERSE)
-change, or in the one that is given. As a function it gives the range that
-was found, and the cursor stays:
+FIND text goes to the next place of any text after the cursor, up to the end
+of the buffer. The case of letters counts. Quotes around the text are left
+out; they keep blanks at its ends. A text with the name of a pattern in it is
+a pattern:
+
+  FIND to be                the text as it stands
+  FIND "I"                  a text that stands in the word FIND itself
+  FIND LINE_BEGIN & "#"     a pattern; see HELP PATTERNS
+
+The text begins where its first word stands first in the whole line, so one
+that is a part of the word FIND needs the quotes. REPLACE is explained in HELP
+EDITING.
+
+SEARCH is a built-in too. It takes a text or a pattern and searches in the
+direction of the buffer, which SET(FORWARD) and SET(REVERSE) change, or in the
+one that is given. As a function it gives the range that was found, and the
+cursor stays:
 
   found := SEARCH("needle");
   IF found THEN POSITION(found); ENDIF;
@@ -92,11 +137,17 @@ const std::string_view kPatterns = R"help(PATTERNS
 
 A pattern is made of the elements below and of texts, joined with + or &. They
 are matched one behind the other, from left to right, without going back.
+There are no alternatives. A pattern is a value: it can be kept in a variable
+and be a part of another one.
 
-  number := SPAN("0123456789");
-  SEARCH(LINE_BEGIN + "#" + number)
+  digits := SPAN("0123456789");
+  date := digits + "-" + digits + "-" + digits;
+  SEARCH(date)
+  SEARCH(LINE_BEGIN + "#" + digits)
 
-LINE_BEGIN and LINE_END match the beginning and the end of a line.
+LINE_BEGIN and LINE_END match the beginning and the end of a line. FIND takes
+patterns without a call around them: FIND digits is the text "digits", but
+FIND SPAN("0123456789") goes to a number.
 )help";
 
 const std::string_view kBuffers = R"help(BUFFERS
@@ -109,11 +160,28 @@ attributes of the current one. The editor's own buffers, such as this one, the
 list of messages in $MESSAGE_BUFFER and what SHOW makes, take part in this;
 they cannot be written.
 
+GET file edits a file in a buffer of its own; when a buffer holds it already,
+that one becomes current. INCLUDE file inserts a file at the cursor.
+
+  GET ~/notes.txt
+  GET "a name with blanks"
+
 Ctrl-S or WRITE saves a buffer to its file, WRITE name to another one, which
 is the buffer's file from then on. The previous file is kept with .bak behind
 its name, unless SET(BACKUP, OFF) says otherwise. A save that fails leaves the
 file as it was. The last line of a file gets no line end. Nothing is saved by
-itself, and nothing is asked when the editor ends.
+itself, and nothing is asked when the editor ends. CHECK_DISK tells whether
+somebody else has changed the file since, and RELOAD reads it again when the
+buffer has no changes of its own.
+
+When the editor or the machine has died, opening the file again tells of the
+unsaved work, and RECOVER_BUFFER brings it back. It is kept in the folder
+~/.local/state/tpu/recovery until the file is saved or the editor is left.
+
+JOURNAL_OPEN("file") records all that is done to the buffer from then on, for
+RECOVER_BUFFER("file") to do again on the text that there was. SAVE("file")
+keeps the procedures, names and keys of the session in a section file, which
+RESTORE("file") or the option --section=file brings back.
 )help";
 
 const std::string_view kWindows = R"help(WINDOWS
@@ -140,9 +208,20 @@ TPU$KEY_MAP, in the list TPU$KEY_MAP_LIST. A buffer may use another list:
 SET(KEY_MAP_LIST, "NAME"). SHOW KEYS, SHOW KEYMAPS and SHOW KEY_MAP_LISTS show
 what there is, and SHOW KEY name what one key does.
 
+On the command line the key comes first and the text is the rest of the line:
+
+  DEFINE_KEY F8 MOVE_VERTICAL(10)
+  DEFINE_KEY GOLD_S WRITE FILE
+  UNDEFINE_KEY F8
+
+The text begins where its first word stands first in the whole line. As a
+built-in, in the start-up file too, DEFINE_KEY takes the text first:
+
   DEFINE_KEY("quote_lines(1)", "F8")
   DEFINE_KEY("WRITE FILE", "GOLD_S", "GOLD-S write")
   DEFINE_KEY("BOTTOM", KEY_NAME("CTRL_B"))
+
+SET GOLD KEY F6 makes another key the GOLD key.
 
 The text is a statement or a command; a command that is also the name of a
 built-in, such as SHOW, is written like a call: SHOW(BUFFERS). Keys are named
@@ -208,19 +287,30 @@ A line end or a semicolon ends a statement, - at the end of a line continues
 it, and ! begins a comment. Case does not count in names.
 
   x := 5                     assignment; a{"key"} := 5 stores an element
-  NAME(a, b)                 call of a built-in or a procedure
-  IF x > 3 THEN ... ELSE ... ENDIF
-  LOOP ... EXITIF x > 3 ... ENDLOOP
-  ON_ERROR ... ENDON_ERROR   what to do after an ABORT in the same block
+  MESSAGE("done")            call of a built-in or a procedure
+  IF x > 3 THEN y := 1; ELSE y := 2; ENDIF
 
-  PROCEDURE triangle(n)
-    IF n < 1 THEN RETURN 0; ENDIF;
-    RETURN n + triangle(n - 1);
+  PROCEDURE sum(n)
+    LOCAL i := 0, total := 0;
+    LOOP
+      EXITIF i = n;
+      i := i + 1;
+      total := total + i;
+    ENDLOOP;
+    RETURN total;
   ENDPROCEDURE;
 
-A missing argument has no value, one too many is ignored. A name that is not
-declared LOCAL is the caller's, or else global. A loop ends by itself after
-100,000 passes; calls nest 100,000 deep.
+  PROCEDURE careful
+    ON_ERROR
+      MESSAGE("given up");   ! what to do after an ABORT in this procedure
+    ENDON_ERROR;
+    IF sum(4) <> 10 THEN ABORT; ENDIF;
+  ENDPROCEDURE;
+
+LOOP, ON_ERROR and what ends them are statements of their own: a line end or a
+semicolon follows. A missing argument has no value, one too many is ignored. A
+name that is not declared LOCAL is the caller's, or else global. A loop ends
+by itself after 100,000 passes; calls nest 100,000 deep.
 
 Operators from loose to tight: OR; AND; = <> < <= > >=; + - &; * /; - and NOT
 before a value. Comparisons are of texts when one side is a string. + and &
@@ -231,13 +321,19 @@ A built-in that fails records an error: see ERROR, ERROR_TEXT and ERROR_LINE.
 The start-up file is the one that the environment variable TPU_STARTUP names,
 or else .tpurc in the home directory. The option --command=FILE runs one more,
 and --test FILE runs a file without a terminal and prints what ASSERT found.
+In the editor, COMPILE runs the text of the current buffer.
 )help";
 
 const std::string_view kEve = R"help(EVE
 
-Some commands are two words, to be read like a sentence. They are typed on the
-command line (Ctrl-Z) or bound to keys, and go before commands of one word and
-before procedures. Only their first word can be shortened, and not in all.
+Many of these commands are two words or three, to be read like a sentence.
+They are typed on the command line (Ctrl-Z) or bound to keys, and go before
+procedures of the same name. HELP COMMANDS tells which can be shortened.
+
+  NEXT BUFFER
+  PASTE FROM address
+  SET TAB STOPS 5 10 20
+  SHIFT RIGHT 4
 )help";
 
 const std::string_view kEvents = R"help(EVENTS
@@ -255,6 +351,9 @@ shows what is set.
 
 A process runs beside the editor, and what it writes goes into a buffer.
 ATTACH sends what is typed to it: Ctrl-D ends its input, Ctrl-Z comes back.
+SPAWN command runs it on the whole screen instead, and waits for its end.
+
+  p := CREATE_PROCESS("date", CREATE_BUFFER("dates"))
 )help";
 
 const std::string_view kWrap = R"help(WRAP
@@ -262,6 +361,7 @@ const std::string_view kWrap = R"help(WRAP
 Each buffer has margins: the column where filled and wrapped lines begin, and
 the one up to which they reach; 1 and 80 at first.
 
+  SET RIGHT MARGIN 72        a command; SET MARGINS 5 72 sets both
   SET(WRAP)                  a blank typed past the right margin wraps
   SET(NO_WRAP)               lines stay as they are typed
   SET(LEFT_MARGIN, 5)        one margin

@@ -74,21 +74,43 @@ std::optional<Wanted> wanted_by(TPUEditor& editor, const CommandLine& line) {
     return wanted;
 }
 
-// Replaces the matches in the offsets [from, to) and leaves the cursor behind the last of
-// them; how many there were. `to` moves with the text before it.
-std::uint64_t replace_between(Buffer& buffer, const Wanted& wanted, std::uint64_t most,
-                              std::uint64_t from, std::uint64_t& to) {
-    std::uint64_t done = 0;
-    while (done < most) {
-        std::optional<std::uint64_t> found = buffer.lines.find(wanted.old_text, from, to);
-        if (!found) break;
-        buffer.replace_bytes(*found, wanted.old_text.size(), wanted.new_text);
-        from = *found + wanted.new_text.size();
-        to = to + wanted.new_text.size() - wanted.old_text.size();
-        ++done;
+// One replacing that is under way.
+class Replacing {
+  public:
+    Replacing(TPUEditor& editor, const Wanted& wanted) : editor_(editor), wanted_(wanted) {}
+
+    // Replaces the matches in the offsets [from, to), which move with the text, and leaves
+    // the cursor behind the last of them.
+    void between(std::uint64_t from, std::uint64_t to) {
+        Buffer& buffer = *editor_.current_buffer;
+        while (done_ < wanted_.most && !stopped_) {
+            std::optional<std::uint64_t> found = buffer.lines.find(wanted_.old_text, from, to);
+            if (!found) break;
+            buffer.replace_bytes(*found, wanted_.old_text.size(), wanted_.new_text);
+            from = *found + wanted_.new_text.size();
+            to = to + wanted_.new_text.size() - wanted_.old_text.size();
+            ++done_;
+            look_for_interrupt();
+        }
     }
-    return done;
-}
+
+    std::string message() const {
+        if (done_ == 0) return "Not found";
+        if (!wanted_.counts) return "Replaced";
+        return "Replaced " + std::to_string(done_) + (stopped_ ? ", stopped by Ctrl-C" : "");
+    }
+
+  private:
+    void look_for_interrupt() {
+        constexpr std::uint64_t kBetweenLooks = 256;
+        stopped_ = done_ % kBetweenLooks == 0 && editor_.parser.interrupt_wanted();
+    }
+
+    TPUEditor& editor_;
+    const Wanted& wanted_;
+    std::uint64_t done_ = 0;
+    bool stopped_ = false;
+};
 
 }  // namespace
 
@@ -101,15 +123,12 @@ void replace(TPUEditor& editor, const CommandLine& line) {
     std::uint64_t length = buffer.line_length();
     std::uint64_t start =
         buffer.lines.offset({buffer.cursor_row, std::min(buffer.cursor_column + 1, length)});
-    std::uint64_t end = buffer.lines.bytes();
-    std::uint64_t done = 0;
+    Replacing replacing(editor, *wanted);
     if (!wanted->old_text.empty()) {
-        done = replace_between(buffer, *wanted, wanted->most, start, end);
-        std::uint64_t rest = std::min(start + wanted->old_text.size() - 1, buffer.lines.bytes());
-        done += replace_between(buffer, *wanted, wanted->most - done, 0, rest);
+        replacing.between(start, buffer.lines.bytes());
+        replacing.between(0, std::min(start + wanted->old_text.size() - 1, buffer.lines.bytes()));
     }
-    if (done == 0) return editor.set_message("Not found");
-    editor.set_message(wanted->counts ? "Replaced " + std::to_string(done) : "Replaced");
+    editor.set_message(replacing.message());
 }
 
 }  // namespace tpu::commands

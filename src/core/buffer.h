@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@
 
 namespace tpu {
 
+class JournalMirror;
 struct TPUPattern;
 
 class Buffer {
@@ -71,6 +73,8 @@ class Buffer {
     std::string eob_text = "[End of file]";
     std::string key_map_list;  // name of the list for keys in this buffer; empty: the editor's
     std::string journal_file;
+    bool journal_strayed = false;  // its statements so far leave another buffer current
+    std::shared_ptr<JournalMirror> journal_mirror;
     std::uint64_t file_time = 0;  // milliseconds since the epoch; 0: unknown
     std::vector<VideoRegion> video_regions;
     std::vector<Snapshot> undo_stack;  // oldest first
@@ -84,6 +88,7 @@ class Buffer {
     bool free_cursor = false;
     std::uint64_t history_moves = 0;  // how often undo and redo have succeeded
     Snapshot last_restored;           // what the latest of them brought back
+    LineStore saved_lines;            // the text as it was read or written last
     std::uint64_t loading_size = 0;   // bytes of the file that is being loaded in steps; 0: none
 
     // buffer_cursor.cc: cursor, marks, selection
@@ -173,6 +178,9 @@ class Buffer {
     // but shows the file itself until TextBlock::settle_some has copied all of it;
     // then finish_loading() has to follow.
     bool load_file(const std::string& path, Loading how = Loading::at_once);
+    // The same for a file that need not be there yet: what to tell about one that is but
+    // cannot be read, else empty. In any case it is where the buffer is written.
+    std::string edit_file(const std::string& path, Loading how = Loading::at_once);
     void finish_loading();
     bool write_file(const std::string& path);                     // empty: to file_name
     static std::uint64_t file_mtime_ms(const std::string& path);  // 0: unknown

@@ -28,6 +28,14 @@ Decoded decode_utf8(std::string_view bytes) {
     return {code, size};
 }
 
+std::size_t cut_character(std::string_view bytes) {
+    for (std::size_t size = 1; size < kLongestCharacter && size <= bytes.size(); ++size) {
+        auto byte = static_cast<unsigned char>(bytes[bytes.size() - size]);
+        if ((byte & 0xc0) != 0x80) return utf8_length(byte) > size ? size : 0;
+    }
+    return 0;
+}
+
 std::string encode_utf8(char32_t code) {
     auto continuation = [&](int shift) { return static_cast<char>(0x80 | (code >> shift & 0x3f)); };
     if (code < 0x80) return {static_cast<char>(code)};

@@ -25,6 +25,9 @@ Decoded decode_utf8(std::string_view bytes);
 // The UTF-8 sequence of a character.
 std::string encode_utf8(char32_t code);
 
+// How many of the bytes at the end begin a sequence whose other bytes are still to come.
+std::size_t cut_character(std::string_view bytes);
+
 // Bytes that a sequence with this first byte has: 1 to 4, or 0 for a byte that begins none.
 std::size_t utf8_length(unsigned char first);
 

@@ -1,15 +1,15 @@
 #include "core/descriptor.h"
 
-#include <unistd.h>
-
 #include <cerrno>
+
+#include "core/system_calls.h"
 
 namespace tpu {
 
 bool Descriptor::close() {
     if (fd_ < 0) return true;
     // An interrupted close has closed: a second one could hit another file.
-    return ::close(std::exchange(fd_, -1)) == 0 || errno == EINTR;
+    return sys::close(std::exchange(fd_, -1)) == 0 || errno == EINTR;
 }
 
 }  // namespace tpu

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <utility>
+#include <vector>
 
 namespace tpu {
 
@@ -24,6 +25,12 @@ class Descriptor {
 
   private:
     int fd_ = -1;
+};
+
+// Descriptors that something may be done with soon.
+struct Awaited {
+    std::vector<int> readable;
+    std::vector<int> writable;
 };
 
 }  // namespace tpu

@@ -1,6 +1,7 @@
 // What a key does.
 #include "core/ascii.h"
 #include "editor/editor.h"
+#include "editor/journal_mirror.h"
 #include "editor/undo_step.h"
 #include "lang/nesting.h"
 #include "proc/process.h"
@@ -31,12 +32,13 @@ bool feed_process(TPUEditor& editor, int key) {
             break;
         case '\n':
         case '\r':
-        case kKeyEnter: process.send("\n"); break;
+        case kKeyEnter: editor.send_text(process, "\n"); break;
         case kKeyBackspace:
         case 127:
-        case '\b': process.send("\b"); break;
+        case '\b': editor.send_text(process, "\b"); break;
         default:
-            if (is_character(key)) process.send(std::string(1, static_cast<char>(key)));
+            if (is_character(key))
+                editor.send_text(process, std::string(1, static_cast<char>(key)));
     }
     return true;
 }
@@ -98,26 +100,8 @@ bool run_binding(TPUEditor& editor, int code) {
     return true;
 }
 
-// The bytes of the character that `first` begins: more are read when it takes more.
-std::string read_character(TPUEditor& editor, int first) {
-    constexpr int kWait = 25;  // milliseconds; the bytes of a character come together
-    std::string bytes(1, static_cast<char>(first));
-    if (editor.charset != Charset::utf8) return bytes;
-    std::size_t size = utf8_length(static_cast<unsigned char>(first));
-    while (bytes.size() < size) {
-        int key = editor.read_key(kWait);
-        if (key == kNoKey) break;
-        if ((key & ~0x3f) != 0x80) {
-            editor.unread_key(key);
-            break;
-        }
-        bytes += static_cast<char>(key);
-    }
-    return bytes;
-}
-
 void insert_character(TPUEditor& editor, int key) {
-    std::string bytes = read_character(editor, key);
+    std::string bytes = editor.read_character(key);
     Buffer* buffer = editor.current_buffer;
     if (!buffer) return;
     bool whole = decode_utf8(bytes).size == bytes.size();
@@ -148,12 +132,30 @@ void TPUEditor::handle_key(int key) {
     last_key = key;
     if (feed_process(*this, key) || follow_mouse(*this, key)) return;
     UndoStep step(*this);
+    JournaledKey journaled(*this);
     run_procedure(*this, pre_key_procedure);
     if (!take_prefix(*this, key)) {
         step.watch_current_buffer();
         act_on_key(*this, key);
     }
     run_procedure(*this, post_key_procedure);
+}
+
+std::string TPUEditor::read_character(int first) {
+    constexpr int kWait = 25;  // milliseconds; the bytes of a character come together
+    std::string bytes(1, static_cast<char>(first));
+    if (charset != Charset::utf8) return bytes;
+    std::size_t size = utf8_length(static_cast<unsigned char>(first));
+    while (bytes.size() < size) {
+        int key = read_key(kWait);
+        if (key == kNoKey) break;
+        if ((key & ~0x3f) != 0x80) {
+            unread_key(key);
+            break;
+        }
+        bytes += static_cast<char>(key);
+    }
+    return bytes;
 }
 
 void TPUEditor::run_key_text(const std::string& text) {
@@ -171,9 +173,10 @@ void TPUEditor::run_key_text(const std::string& text) {
 
 void TPUEditor::insert_paste(const std::string& text) {
     if (attached_process) {
-        attached_process->send(text);
+        send_text(*attached_process, text);
     } else if (current_buffer) {
         UndoStep step(*this);
+        JournaledKey journaled(*this);
         current_buffer->copy_text(text, charset);
     }
 }

@@ -1,5 +1,6 @@
 #include "editor/editor.h"
 
+#include "editor/recovery.h"
 #include "proc/process.h"
 
 namespace tpu {
@@ -10,8 +11,9 @@ TPUEditor::TPUEditor(Ports outside)
 }
 
 TPUEditor::~TPUEditor() {
-    constexpr std::chrono::milliseconds kPatience(800);
-    TPUProcess::end_all(processes, kPatience);
+    std::vector<std::shared_ptr<TPUProcess>> all = processes;
+    all.insert(all.end(), dismissed_processes_.begin(), dismissed_processes_.end());
+    TPUProcess::end_all(all);
     leave_sessions();
 }
 

@@ -24,6 +24,7 @@
 
 namespace tpu {
 
+class Recovery;
 class TPUProcess;
 class UndoStep;
 
@@ -54,6 +55,7 @@ class TPUEditor {
     int rows = 0;  // screen cells
     int cols = 0;
     bool running = true;
+    bool hung_up = false;  // nobody has told it to end
     int exit_status = 0;
     std::string message;  // on the message line
     int gold_key = kKeyF0 + 1;
@@ -62,6 +64,8 @@ class TPUEditor {
     bool bell = true;    // the terminal may beep
     bool mouse = false;  // the terminal is to report the mouse
     bool headless = false;
+    std::string named_file;            // on the command line of the program; empty: none
+    std::uint64_t named_line = 0;      // likewise, counting from 1; 0: none
     Charset charset = Charset::bytes;  // of what people see and type
     int last_key = 0;
     std::vector<std::shared_ptr<TPUProcess>> processes;
@@ -83,6 +87,7 @@ class TPUEditor {
     std::vector<std::string> command_history;       // command lines, oldest first
     bool in_set_message = false;
     std::uint64_t message_buffer_limit = 1000;  // lines; 0: no limit
+    std::unique_ptr<Recovery> recovery;         // null: unsaved work is not kept
     UndoStep* undo_step = nullptr;              // the outermost one under way
     FileSearch file_search;
     bool search_succeeded = false;         // the last SEARCH
@@ -140,14 +145,24 @@ class TPUEditor {
     Buffer::Loading loading() const {
         return headless ? Buffer::Loading::at_once : Buffer::Loading::in_steps;
     }
-    void poll_processes();
-    bool key_waiting();         // read_key would give a key at once
-    int read_key(int wait_ms);  // of the terminal, but for keys put back
+    void hang_up();      // the terminal is gone: the session ends
+    bool key_waiting();  // read_key would give a key at once
+    // Of the terminal, but for keys put back.
+    int read_key(int wait_ms, const Awaited& others = {});
     void unread_key(int key) { unread_keys_.push_front(key); }
     void sleep(std::chrono::milliseconds time);  // or until Ctrl-C
 
+    // processes.cc
+    void poll_processes();
+    // Asks it to end; afterwards the session has no such process.
+    void dismiss_process(const std::shared_ptr<TPUProcess>& process);
+    void send_text(TPUProcess& process, std::string_view text);  // or says that it cannot
+    bool processes_talk() const;                                 // the last poll has found output
+    Awaited awaited_of_processes() const;
+
     // dispatch.cc
     void handle_key(int key);
+    std::string read_character(int first);       // with the bytes that belong to the first one
     void run_key_text(const std::string& text);  // statements, or a command
     void insert_paste(const std::string& text);
 
@@ -230,7 +245,8 @@ class TPUEditor {
     void leave_sessions();
 
     std::deque<int> unread_keys_;
-    std::vector<std::unique_ptr<Buffer>> deleted_buffers_;  // until no code runs
+    std::vector<std::shared_ptr<TPUProcess>> dismissed_processes_;  // until they have ended
+    std::vector<std::unique_ptr<Buffer>> deleted_buffers_;          // until no code runs
     std::vector<std::unique_ptr<TPUWindow>> deleted_windows_;
     std::vector<std::unique_ptr<KeyMap>> replaced_key_maps_;  // a list may still hold them
     std::vector<std::unique_ptr<KeyMapList>> replaced_key_map_lists_;

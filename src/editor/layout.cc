@@ -11,7 +11,7 @@ void adjust(TPUWindow& window, int top_delta, int bottom_delta, int rows) {
     std::int64_t top = std::max<std::int64_t>(std::int64_t{window.top} + top_delta, 0);
     std::int64_t end = std::int64_t{window.top} + window.height + bottom_delta;
     end = std::min<std::int64_t>(end, rows - 1);
-    window.top = static_cast<int>(std::min<std::int64_t>(top, INT32_MAX));
+    window.top = static_cast<int>(std::min<std::int64_t>(top, kFarthestRow));
     window.height = static_cast<int>(std::max<std::int64_t>(end - top, 1));
 }
 
@@ -51,8 +51,8 @@ Place place_of(const TPUWindow& window) {
 // An edge at `edge` of `old_size` cells, on a screen with `size` of them.
 int scale(int edge, int old_size, int size) {
     if (old_size <= 0) return edge;
-    return static_cast<int>((std::int64_t{edge} * size * 2 + old_size) /
-                            (std::int64_t{old_size} * 2));
+    std::int64_t scaled = (std::int64_t{edge} * size * 2 + old_size) / (std::int64_t{old_size} * 2);
+    return static_cast<int>(std::clamp<std::int64_t>(scaled, 0, layout::kFarthestRow));
 }
 
 // Scales one dimension: begin and extent, kept within [0, limit).

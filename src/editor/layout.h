@@ -8,6 +8,9 @@
 
 namespace tpu::layout {
 
+// Windows may stand past the ends of the screen, but not so far that sums overflow.
+constexpr int kFarthestRow = 1 << 28;
+
 // Moves the edges of a window by so many rows, within a screen of `rows` rows.
 // Deliberate: unlike a new window it may reach down over the global status line.
 void adjust(TPUWindow& window, int top_delta, int bottom_delta, int rows);

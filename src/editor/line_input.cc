@@ -10,14 +10,21 @@ namespace {
 
 constexpr std::size_t kLongestLine = 2047;  // bytes
 
+bool continues_character(char c) {
+    return (c & 0xc0) == 0x80;
+}
+
+// What all texts begin with, in whole characters.
 std::string common_prefix(const std::vector<std::string>& texts) {
-    std::string prefix = texts.front();
+    const std::string& first = texts.front();
+    std::string prefix = first;
     for (const std::string& text : texts) {
         std::size_t size = std::min(prefix.size(), text.size());
         auto [end, other] = std::mismatch(
             prefix.begin(), prefix.begin() + static_cast<std::ptrdiff_t>(size), text.begin());
         prefix.erase(end, prefix.end());
     }
+    while (!prefix.empty() && continues_character(first[prefix.size()])) prefix.pop_back();
     return prefix;
 }
 

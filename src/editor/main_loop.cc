@@ -2,8 +2,9 @@
 #include <algorithm>
 
 #include "editor/editor.h"
+#include "editor/journal_mirror.h"
+#include "editor/recovery.h"
 #include "lang/nesting.h"
-#include "proc/process.h"
 
 namespace tpu {
 
@@ -12,9 +13,26 @@ namespace {
 constexpr int kWithoutLimit = -1;
 constexpr int kServiceInterval = 200;  // milliseconds between looks at timer and processes
 
-int wait_for_key(const TPUEditor& editor) {
-    if (editor.timer_interval >= 1) return std::min(editor.timer_interval, kServiceInterval);
-    return editor.processes.empty() ? kWithoutLimit : kServiceInterval;
+// Does what is due meanwhile. How long a key may be waited for then, in milliseconds.
+int serve(TPUEditor& editor) {
+    int wait = kWithoutLimit;
+    auto limit = [&](int most) { wait = wait < 0 ? most : std::min(wait, most); };
+    if (!editor.processes.empty()) limit(kServiceInterval);
+    if (editor.timer_interval >= 1) limit(std::min(editor.timer_interval, kServiceInterval));
+    if (flush_journals(editor, false)) limit(kServiceInterval);
+    if (editor.recovery) {
+        std::chrono::milliseconds next = editor.recovery->serve();
+        if (next.count() >= 0) limit(static_cast<int>(next.count()));
+    }
+    return wait;
+}
+
+// The next key, or kNoKey when there is something else to do.
+int wait_for_key(TPUEditor& editor) {
+    int wait = serve(editor);
+    if (!editor.processes_talk()) return editor.read_key(wait, editor.awaited_of_processes());
+    constexpr int kBetweenDrawings = 20;  // milliseconds, lest a flood draws all the time
+    return editor.read_key(std::min(kBetweenDrawings, wait));
 }
 
 void run_timer(TPUEditor& editor) {
@@ -32,7 +50,7 @@ bool handle_report(TPUEditor& editor, int key) {
         case kNoKey: return true;
         case kKeyResize: editor.resize_screen(); return true;
         case kKeyPaste: editor.insert_paste(editor.ports.terminal.take_paste()); return true;
-        case kKeyHangup: editor.running = false; return true;
+        case kKeyHangup: editor.hang_up(); return true;
         default: return false;
     }
 }
@@ -55,11 +73,19 @@ void TPUEditor::run() {
         // Keys that wait already are handled first: what they change is drawn once.
         if (!key_waiting()) draw();
         settle_files(*this);
-        int key = read_key(wait_for_key(*this));
+        int key = wait_for_key(*this);
         poll_processes();
         run_timer(*this);
         if (!handle_report(*this, key)) handle_key(key);
+        if (recovery && key != kNoKey) recovery->note_key();
     }
+    flush_journals(*this, true);
+    if (recovery) hung_up ? recovery->write() : recovery->discard();
+}
+
+void TPUEditor::hang_up() {
+    hung_up = true;
+    running = false;
 }
 
 void TPUEditor::sleep(std::chrono::milliseconds time) {
@@ -76,23 +102,11 @@ bool TPUEditor::key_waiting() {
     return !unread_keys_.empty() || ports.terminal.key_waiting();
 }
 
-int TPUEditor::read_key(int wait_ms) {
-    if (unread_keys_.empty()) return ports.terminal.read_key(wait_ms);
+int TPUEditor::read_key(int wait_ms, const Awaited& others) {
+    if (unread_keys_.empty()) return ports.terminal.read_key(wait_ms, others);
     int key = unread_keys_.front();
     unread_keys_.pop_front();
     return key;
-}
-
-void TPUEditor::poll_processes() {
-    for (std::size_t i = 0; i < processes.size();) {
-        std::shared_ptr<TPUProcess> process = processes[i];
-        if (process->poll_output()) {
-            ++i;
-            continue;
-        }
-        processes.erase(processes.begin() + static_cast<std::ptrdiff_t>(i));
-        if (attached_process == process) attached_process.reset();
-    }
 }
 
 }  // namespace tpu

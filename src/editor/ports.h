@@ -6,6 +6,7 @@
 #include <string>
 #include <thread>
 
+#include "core/descriptor.h"
 #include "editor/frame.h"
 #include "keys/key_code.h"
 
@@ -34,10 +35,11 @@ class Terminal {
     virtual void present(const Frame& frame) = 0;
 
     // The next key code, waiting at most `wait_ms` milliseconds for it (below 0:
-    // without limit); kNoKey when the time is up. kKeyResize: size() has changed.
+    // without limit); kNoKey when the time is up, or one of `others` is ready and no key
+    // has come. kKeyResize: size() has changed.
     // kKeyPaste: fetch the text with take_paste(). kKeyMouse: fetch it with mouse().
     // kKeyHangup: no more keys will come.
-    virtual int read_key(int wait_ms) = 0;
+    virtual int read_key(int wait_ms, const Awaited& others) = 0;
     // True when read_key would give a key without waiting.
     virtual bool key_waiting() = 0;
     // True when Ctrl-C was pressed since the last key was read. The keys up to it, and

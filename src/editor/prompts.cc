@@ -24,7 +24,7 @@ int TPUEditor::read_one_key(const std::string& prompt) {
     for (;;) {
         present_prompt(*this, prompt);
         int key = read_key(-1);
-        if (key == kKeyHangup) running = false;
+        if (key == kKeyHangup) hang_up();
         if (key == kKeyResize) {
             resize_screen();
         } else if (key == kKeyPaste) {
@@ -48,7 +48,7 @@ std::optional<std::string> TPUEditor::ask(const std::string& prompt, Asking how)
         if (key == kKeyPaste) input.paste(ports.terminal.take_paste());
         if (key == kKeyHangup) {
             // Nobody has finished this line: it must not be acted upon.
-            running = false;
+            hang_up();
             return std::nullopt;
         }
     } while (!input.key(key));
@@ -88,7 +88,7 @@ void TPUEditor::prompt_find() {
         if (key == kKeyResize) resize_screen();
         if (key == kKeyPaste) session.paste(ports.terminal.take_paste());
         if (key == kKeyHangup) {
-            running = false;
+            hang_up();
             return;
         }
     } while (!session.key(key));

@@ -16,10 +16,15 @@ UndoStep::~UndoStep() {
     if (outer_) return;
     editor_.undo_step = nullptr;
     try {
-        for (const Watched& watched : watched_) finish(watched);
+        finish();
     } catch (const std::bad_alloc&) {
         // The change stays, and undoing goes back to a state before it.
     }
+}
+
+void UndoStep::finish() {
+    for (const Watched& watched : watched_) finish(watched);
+    watched_.clear();
 }
 
 void UndoStep::watch_current_buffer() {

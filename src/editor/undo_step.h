@@ -20,6 +20,8 @@ class UndoStep {
     UndoStep& operator=(const UndoStep&) = delete;
 
     void forget(const Buffer* buffer);  // it is being deleted
+    // Makes a step of what has changed so far, and watches no buffer until told to.
+    void finish();
     // Watches the buffer that is current now as well.
     void watch_current_buffer();
 

@@ -35,8 +35,14 @@ void leave(TPUEditor& editor) {
 }
 
 void select(TPUEditor& editor) {
+    buffer(editor).leave_character(editor.charset);
     buffer(editor).select();
     editor.set_message("SELECT");
+}
+
+void cut(TPUEditor& editor) {
+    buffer(editor).leave_character(editor.charset);
+    editor.cut_selection();
 }
 
 void split_window(TPUEditor& editor) {
@@ -81,7 +87,7 @@ constexpr DefaultKey kDefaultKeys[] = {
     {control('F'), [](TPUEditor& e) { e.prompt_find(); }, "", "SEARCH"},
     {control('Z'), [](TPUEditor& e) { e.command_mode(); }, "", "COMMAND MODE"},
     {control('V'), select, "", "SELECT"},
-    {control('W'), [](TPUEditor& e) { e.cut_selection(); }, "", "MOVE_TEXT SELECT_RANGE"},
+    {control('W'), cut, "", "MOVE_TEXT SELECT_RANGE"},
     {control('Y'), [](TPUEditor& e) { e.paste(); }, "", "COPY_TEXT paste_buffer"},
     {control('O'), split_window, "", "SPLIT_WINDOW"},
     {control('N'), next_window, "", "NEXT_WINDOW"},
@@ -101,10 +107,25 @@ constexpr DefaultKey kDefaultKeys[] = {
 };
 // clang-format on
 
+std::function<void()> action_of(TPUEditor& editor, const DefaultKey& key) {
+    if (!key.action) return {};
+    // Without a buffer one can only leave.
+    return [&editor, action = key.action] {
+        if (editor.current_buffer || action == leave) action(editor);
+    };
+}
+
 }  // namespace
 
 std::span<const DefaultKey> default_keys() {
     return kDefaultKeys;
+}
+
+std::function<void()> default_action(TPUEditor& editor, int code) {
+    for (const DefaultKey& key : kDefaultKeys) {
+        if (key.code == code) return action_of(editor, key);
+    }
+    return {};
 }
 
 KeyMap* TPUEditor::create_key_map(const std::string& name) {
@@ -137,14 +158,7 @@ void TPUEditor::define_default_keys() {
     KeyMap* map = create_key_map("TPU$KEY_MAP");
     current_key_map_list = create_key_map_list("TPU$KEY_MAP_LIST", map);
     for (const DefaultKey& key : kDefaultKeys) {
-        KeyBinding binding{key.text, {}, key.comment};
-        if (key.action) {
-            // Without a buffer one can only leave.
-            binding.action = [this, action = key.action] {
-                if (current_buffer || action == leave) action(*this);
-            };
-        }
-        map->define_key(key.code, std::move(binding));
+        map->define_key(key.code, {key.text, action_of(*this, key), key.comment});
     }
     for (auto& [code, binding] : own) {
         if (binding.action || !binding.text.empty()) map->define_key(code, std::move(binding));

@@ -1,6 +1,7 @@
 // The bindings that a session starts with.
 #pragma once
 
+#include <functional>
 #include <span>
 
 namespace tpu {
@@ -15,5 +16,8 @@ struct DefaultKey {
 };
 
 std::span<const DefaultKey> default_keys();
+
+// What a session does by itself for the key of that code; empty when that is nothing.
+std::function<void()> default_action(TPUEditor& editor, int code);
 
 }  // namespace tpu

@@ -62,6 +62,8 @@ struct Call {
     MiniTPUParser& parser;
     std::string_view name;  // upper case
     Args& args;
+    bool is_statement = false;  // nobody will see what it gives
+    bool told = false;          // a message says already what went wrong
 
     // The current buffer; a built-in runs only while there is one.
     Buffer& buffer() const;
@@ -79,6 +81,7 @@ struct Builtin {
     Declares declares = Declares::nothing;
     bool bare = false;            // stands in an expression without parentheses
     bool without_buffer = false;  // can do without a current buffer
+    bool only_called = false;     // of a text that may be a command, only when "(" follows
     std::int8_t least = 0;        // arguments
     std::int8_t most = 0;
     std::string_view form;  // how it is written

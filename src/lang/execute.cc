@@ -3,6 +3,7 @@
 
 #include "core/array.h"
 #include "editor/editor.h"
+#include "editor/journal_entry.h"
 #include "editor/undo_step.h"
 #include "lang/compile.h"
 #include "lang/deeper.h"
@@ -81,10 +82,16 @@ inline void run_one(MiniTPUParser& run, const Stmt& stmt) {
     }
 }
 
-void run_handler(MiniTPUParser& run, const std::vector<Stmt>& statements) {
+const Stmt* take_handler(MiniTPUParser& run, const std::vector<Stmt>& statements) {
     const Stmt* handler = run.interrupted ? nullptr : find_handler(statements);
-    if (!handler || !can_be_handled(run.control_signal)) return;
+    if (!handler || !can_be_handled(run.control_signal)) return nullptr;
     run.control_signal = Signal::none;
+    return handler;
+}
+
+void run_handler(MiniTPUParser& run, const std::vector<Stmt>& statements) {
+    const Stmt* handler = take_handler(run, statements);
+    if (!handler) return;
     for (const Stmt& stmt : handler->body) {
         run_one(run, stmt);
         if (run.control_signal != Signal::none) return;
@@ -107,12 +114,25 @@ void run_nested(MiniTPUParser& run, const std::vector<Stmt>& statements) {
     }
 }
 
-// Each of them is one step of undo.
+void run_recorded(MiniTPUParser& run, const Stmt& stmt) {
+    JournalEntry entry(run.editor, stmt);
+    run_one(run, stmt);
+}
+
+// Each of them is one step of undo, together with the handler that it may cause to run,
+// and a record in the journal. Handlers are looked for here: the journal has what they do.
 void run_outermost(MiniTPUParser& run, const std::vector<Stmt>& statements) {
     for (const Stmt& stmt : statements) {
+        if (stmt.kind == Stmt::kOnError) continue;
         UndoStep step(run.editor);
-        run_one(run, stmt);
-        if (run.control_signal != Signal::none) return run_handler(run, statements);
+        run_recorded(run, stmt);
+        if (run.control_signal == Signal::none) continue;
+        const Stmt* handler = take_handler(run, statements);
+        for (std::size_t i = 0; handler && i < handler->body.size(); ++i) {
+            run_recorded(run, handler->body[i]);
+            if (run.control_signal != Signal::none) return;
+        }
+        return;
     }
 }
 

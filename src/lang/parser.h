@@ -66,12 +66,17 @@ class MiniTPUParser {
     std::size_t stopped_at = 0;      // byte of the expression where reading stopped
     const Node* returned = nullptr;  // what the RETURN that set the signal returns
     std::shared_ptr<const std::vector<Stmt>> returned_from;  // its code, if nobody else keeps it
-    bool was_interrupted = false;       // the outermost statement that ended last
-    bool interrupted = false;           // everything is to end, the outermost statement too
-    int unrecorded = 0;                 // see Unrecorded
-    int block_depth = 0;                // blocks and statements under way
-    int program_depth = 0;              // programs and texts among them
-    const char* stack_limit = nullptr;  // where the running stack is nearly used up
+    bool was_interrupted = false;  // the outermost statement that ended last
+    bool interrupted = false;      // everything is to end, the outermost statement too
+    int unrecorded = 0;            // see Unrecorded
+    int block_depth = 0;           // blocks and statements under way
+    int program_depth = 0;         // programs and texts among them
+    struct FileId {
+        std::uint64_t device, number;
+        bool operator==(const FileId&) const = default;
+    };
+    std::vector<FileId> replayed_journals;  // innermost last
+    const char* stack_limit = nullptr;      // where the running stack is nearly used up
     CodeCache code_cache;
 
     // Bytes; an expression whose text would be longer fails.
@@ -129,6 +134,8 @@ class MiniTPUParser {
     // Runs one statement. An unknown one is reported as a message. True when the
     // statement was executed, which includes having been reported.
     bool execute_statement(const std::string& text);
+    // Runs one statement, which may be a block.
+    void execute_whole(const std::string& statement);
     // Runs what a text says: several statements, blocks and procedures, or just one.
     void execute_text(const std::string& text);
     // True when the leading word of `text` names something execute_statement runs.
@@ -142,6 +149,7 @@ class MiniTPUParser {
     void record_end();
     // Runs a learn sequence; one that comes to run itself ends with a recorded error.
     void replay(const std::shared_ptr<std::vector<std::string>>& learned);
+    bool is_replaying() const { return !replaying_.empty(); }
     bool can_run(const Builtin& builtin) const;  // most need a current buffer
     void run_builtin(const Builtin& builtin, const CallSite& site);
 
@@ -150,6 +158,9 @@ class MiniTPUParser {
     void compile_text(const std::string& text);
     // Parses a source text: its procedures are defined, its other statements returned.
     std::vector<Stmt> compile_program(const std::string& text);
+    // Defines the procedure that a text consists of, which is parsed when it is called.
+    // False, and nothing is defined, when it is not so plain that nothing can be wrong.
+    bool define_unparsed(const std::string& source);
     int line_at(std::size_t index) const;  // of the statement of the source being compiled
     // False: there is no such procedure.
     bool execute_procedure(const std::string& name);

@@ -1,4 +1,6 @@
 // Source texts and procedures.
+#include <algorithm>
+
 #include "core/ascii.h"
 #include "lang/block_parser.h"
 #include "lang/compile.h"
@@ -34,6 +36,16 @@ Procedure read_header(std::string_view header) {
         if (comma != std::string_view::npos) list.remove_prefix(comma + 1);
     }
     return procedure;
+}
+
+// True when a line ends with "-" and blanks, in a string or not.
+bool continues_line(std::string_view source) {
+    for (std::size_t at = source.find('-'); at != std::string_view::npos;) {
+        std::size_t next = source.find_first_not_of(" \t", at + 1);
+        if (next == std::string_view::npos || source[next] == '\n') return true;
+        at = source.find('-', at + 1);
+    }
+    return false;
 }
 
 std::string source_of(std::span<const std::string> statements) {
@@ -130,6 +142,40 @@ std::vector<Stmt> MiniTPUParser::compile_program(const std::string& text) {
     return program;
 }
 
+// Such a text holds nothing which would have to be looked at more closely: what makes a
+// comment or continues a line, a header with more behind it, an open string, or so much
+// that blocks might be nested too deeply.
+bool MiniTPUParser::define_unparsed(const std::string& source) {
+    constexpr std::size_t kLargest = 32 << 10;
+    std::size_t end = source.find('\n');
+    std::string_view header = std::string_view(source).substr(0, end);
+    bool plain = source.size() <= kLargest && begins_procedure(source) &&
+                 source.ends_with("\nENDPROCEDURE;\n") && source.find('!') == std::string::npos &&
+                 header.find_first_of(";\"") == std::string_view::npos && !continues_line(source) &&
+                 std::count(source.begin(), source.end(), '"') % 2 == 0;
+    if (!plain) return false;
+    Procedure procedure = read_header(ascii::trim(header.substr(kProcedure.size())));
+    if (procedure.name.empty()) return false;
+    procedure.source = source;
+    procedure.is_parsed = false;
+    define(std::move(procedure));
+    return true;
+}
+
+namespace {
+
+const std::vector<Stmt>& body_of(const Procedure& procedure) {
+    if (procedure.is_parsed) return procedure.body;
+    std::vector<int> lines;
+    std::vector<std::string> statements = source::split_statements(procedure.source, lines);
+    std::size_t index = 1;
+    procedure.body = parse_block(statements, lines, index, {kEndProcedure});
+    procedure.is_parsed = true;
+    return procedure.body;
+}
+
+}  // namespace
+
 int MiniTPUParser::line_at(std::size_t index) const {
     if (!current_lines || current_lines->empty()) return 0;
     return (*current_lines)[std::min(index, current_lines->size() - 1)];
@@ -186,7 +232,7 @@ Word MiniTPUParser::call_here(const Procedure& procedure, std::span<const Word> 
     for (; bound < arguments.size(); ++bound) Value::adopt(arguments[bound]);
     Signal outer = std::exchange(control_signal, Signal::none);
     look_for_interrupt();
-    if (!interrupted) run_body(procedure.body);
+    if (!interrupted) run_body(body_of(procedure));
     Value result;
     if (value_wanted && control_signal == Signal::returning && returned) {
         control_signal = Signal::none;

@@ -3,6 +3,7 @@
 
 #include "core/ascii.h"
 #include "editor/editor.h"
+#include "editor/journal_entry.h"
 #include "editor/undo_step.h"
 #include "lang/builtin.h"
 #include "lang/compile.h"
@@ -22,6 +23,8 @@ void declare(MiniTPUParser& run, Declares kind, const Declared& declared) {
     std::optional<Value> value;
     if (declared.value) value = run.eval_root(*declared.value);
     if (kind == Declares::constant) {
+        // One from a section file still waits for its value.
+        if (symbol.is_bound() && tpu_value_is_unspecified(symbol.value)) symbol.constant = false;
         if (value) run.assign(symbol, *std::move(value));
         symbol.constant = true;
     } else if (kind == Declares::variable) {
@@ -47,8 +50,10 @@ bool MiniTPUParser::knows(std::string_view text) const {
     text = ascii::trim(text);
     if (source::find_assignment(text) != std::string_view::npos) return true;
     std::string word = ascii::upper(source::leading_word(text));
-    return find_builtin(word) || is_control_word(word) || procedures.contains(word) ||
-           procedures.contains(ascii::upper(text));
+    const Builtin* row = find_builtin(word);
+    bool is_call = ascii::trim(text.substr(word.size())).starts_with('(');
+    return (row && (is_call || !row->only_called)) || is_control_word(word) ||
+           procedures.contains(word) || procedures.contains(ascii::upper(text));
 }
 
 bool MiniTPUParser::execute_statement(const std::string& text) {
@@ -59,6 +64,7 @@ bool MiniTPUParser::execute_statement(const std::string& text) {
     Nesting nesting(*this);
     if (nesting.is_outermost()) {
         UndoStep step(editor);
+        JournalEntry entry(editor, statement);
         run_statement(*code, statement);
     } else {
         run_statement(*code, statement);
@@ -66,12 +72,18 @@ bool MiniTPUParser::execute_statement(const std::string& text) {
     return true;
 }
 
+void MiniTPUParser::execute_whole(const std::string& statement) {
+    if (is_control_word(ascii::upper(source::leading_word(ascii::trim(statement))))) {
+        compile_text(statement);
+    } else {
+        execute_statement(statement);
+    }
+}
+
 void MiniTPUParser::execute_text(const std::string& text) {
     std::vector<std::string> statements = split_statements(text);
-    bool plain = statements.size() == 1 &&
-                 !is_control_word(ascii::upper(source::leading_word(statements.front())));
-    if (plain) {
-        execute_statement(statements.front());
+    if (statements.size() == 1) {
+        execute_whole(statements.front());
     } else {
         compile_text(text);
     }
@@ -143,7 +155,7 @@ bool MiniTPUParser::can_run(const Builtin& builtin) const {
 void MiniTPUParser::run_builtin(const Builtin& builtin, const CallSite& site) {
     if (!can_run(builtin)) return;
     Args args(*this, site);
-    Call call{editor, *this, builtin.name, args};
+    Call call{editor, *this, builtin.name, args, true};
     if (builtin.statement) {
         builtin.statement(call);
     } else if (builtin.function) {

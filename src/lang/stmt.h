@@ -35,9 +35,10 @@ struct Stmt {
 struct Procedure {
     std::string name;                     // as in the header
     std::vector<std::string> parameters;  // as in the header
-    std::vector<Stmt> body;
-    std::string source;            // from PROCEDURE to ENDPROCEDURE, one statement a line
-    std::vector<Symbol*> symbols;  // of the parameters
+    mutable std::vector<Stmt> body;       // see is_parsed
+    std::string source;                   // from PROCEDURE to ENDPROCEDURE, one statement a line
+    std::vector<Symbol*> symbols;         // of the parameters
+    mutable bool is_parsed = true;        // false: the source says what the body will be
 };
 
 }  // namespace tpu

@@ -3,8 +3,11 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <ctime>
 #include <string_view>
 #include <vector>
 
@@ -30,7 +33,7 @@ std::vector<std::string> child_environment() {
 }
 
 // Signals as a program expects them, whatever the editor ignores or blocks.
-void set_attributes(posix_spawnattr_t& attributes, ProcessGroup group) {
+void set_attributes(posix_spawnattr_t& attributes) {
     sigset_t all, none;
     sigfillset(&all);
     sigdelset(&all, SIGKILL);
@@ -38,10 +41,38 @@ void set_attributes(posix_spawnattr_t& attributes, ProcessGroup group) {
     sigemptyset(&none);
     posix_spawnattr_setsigdefault(&attributes, &all);
     posix_spawnattr_setsigmask(&attributes, &none);
-    int flags = POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK;
-    if (group == ProcessGroup::its_own) flags |= POSIX_SPAWN_SETPGROUP;
-    posix_spawnattr_setpgroup(&attributes, 0);
-    posix_spawnattr_setflags(&attributes, static_cast<short>(flags));
+    constexpr int kFlags = POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSID;
+    posix_spawnattr_setflags(&attributes, static_cast<short>(kFlags));
+}
+
+using std::chrono::milliseconds;
+
+// Reaps. A second look finds no such child any more.
+bool any_child_runs(std::span<const pid_t> children) {
+    bool any = false;
+    for (pid_t child : children) any |= waitpid(child, nullptr, WNOHANG) == 0;
+    return any;
+}
+
+bool any_group_is_left(std::span<const pid_t> children) {
+    auto is_left = [](pid_t child) { return kill(-child, 0) == 0; };
+    return std::any_of(children.begin(), children.end(), is_left);
+}
+
+// Waits until all have ended, at most for `patience`, and once the children themselves
+// have, `more` for what they have started.
+void wait_for_end(std::span<const pid_t> children, milliseconds patience, milliseconds more) {
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point end = Clock::now() + patience;
+    for (;;) {
+        bool runs = any_child_runs(children);
+        if (!runs && !any_group_is_left(children)) return;
+        Clock::time_point now = Clock::now();
+        if (!runs) end = std::min(end, now + more);
+        if (now >= end) return;
+        timespec step = {0, 2'000'000};
+        nanosleep(&step, nullptr);
+    }
 }
 
 }  // namespace
@@ -64,7 +95,7 @@ bool set_nonblocking(const Descriptor& descriptor) {
     return flags >= 0 && fcntl(descriptor.get(), F_SETFL, flags | O_NONBLOCK) == 0;
 }
 
-pid_t spawn_shell(std::string command, const ChildStreams& streams, ProcessGroup group) {
+pid_t spawn_shell(std::string command, const ChildStreams& streams) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, streams.in.get(), STDIN_FILENO);
@@ -72,7 +103,7 @@ pid_t spawn_shell(std::string command, const ChildStreams& streams, ProcessGroup
     posix_spawn_file_actions_adddup2(&actions, streams.errors.get(), STDERR_FILENO);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
-    set_attributes(attributes, group);
+    set_attributes(attributes);
 
     std::string name = "sh", option = "-c";
     char* arguments[] = {name.data(), option.data(), command.data(), nullptr};
@@ -87,6 +118,20 @@ pid_t spawn_shell(std::string command, const ChildStreams& streams, ProcessGroup
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     return failure == 0 ? pid : -1;
+}
+
+void signal_child(pid_t child, int signal) {
+    kill(-child, signal);
+}
+
+void end_children(std::span<const pid_t> children, milliseconds patience) {
+    constexpr milliseconds kToFollow{50};
+    constexpr milliseconds kToDie{100};  // more than enough, unless the system is stuck
+    if (children.empty()) return;
+    for (pid_t child : children) signal_child(child, SIGTERM);
+    wait_for_end(children, patience, kToFollow);
+    for (pid_t child : children) signal_child(child, SIGKILL);
+    wait_for_end(children, kToDie, milliseconds(0));
 }
 
 }  // namespace tpu

@@ -3,6 +3,8 @@
 
 #include <sys/types.h>
 
+#include <chrono>
+#include <span>
 #include <string>
 
 #include "core/descriptor.h"
@@ -29,10 +31,17 @@ struct ChildStreams {
     const Descriptor& errors;
 };
 
-enum class ProcessGroup { ours, its_own };
-
 // Starts the shell on a command line; its process id, or -1. The child finds default
-// signals, the editor's environment and, since pipes are none, a dumb terminal.
-pid_t spawn_shell(std::string command, const ChildStreams& streams, ProcessGroup group);
+// signals, the editor's environment and, since pipes are none, a dumb terminal. It
+// leads a session of its own: it cannot take the editor's terminal, and all that it
+// starts can be signalled through it.
+pid_t spawn_shell(std::string command, const ChildStreams& streams);
+
+// Signals a child and all that it has started and that stayed in its group.
+void signal_child(pid_t child, int signal);
+
+// Asks running children to end, with all that they have started, and kills what is
+// left after `patience`. They are reaped. Fit to run in a signal handler.
+void end_children(std::span<const pid_t> children, std::chrono::milliseconds patience);
 
 }  // namespace tpu

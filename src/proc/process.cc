@@ -8,41 +8,42 @@
 #include <array>
 #include <cassert>
 #include <cerrno>
-#include <thread>
 #include <utility>
 
 #include "core/buffer.h"
 #include "core/held_signal.h"
 #include "proc/child.h"
+#include "proc/running_children.h"
 
 namespace tpu {
 
 namespace {
 
-// Most bytes that one poll delivers, so that a child which never stops writing
-// leaves the editor time for keys.
-constexpr std::size_t kMostPerPoll = 1 << 20;
-
 constexpr std::size_t kMostUnsent = 16 << 20;
+
+// The most that a pipe holds, whatever the child has made of it.
+constexpr std::size_t kLargestPipe = 1 << 20;
 
 }  // namespace
 
 TPUProcess::~TPUProcess() {
     if (pid_ <= 0) return;
-    kill(pid_, SIGTERM);
-    reap();
+    signal_child(pid_, SIGTERM);
+    if (!reap()) has_ended();
 }
 
-bool TPUProcess::start(const std::string& command_line, Buffer* output_buffer) {
+bool TPUProcess::start(const std::string& command_line, Buffer* output_buffer, Charset charset) {
     assert(pid_ < 0 && !output_);
     command = command_line;
     output = output_buffer;
+    charset_ = charset;
     Pipe to_child, from_child;
     if (!to_child.open() || !from_child.open()) return false;
     if (!set_nonblocking(to_child.write) || !set_nonblocking(from_child.read)) return false;
     const Descriptor& out = from_child.write;
-    pid_ = spawn_shell(command, {to_child.read, out, out}, ProcessGroup::ours);
+    pid_ = spawn_shell(command, {to_child.read, out, out});
     if (pid_ < 0) return false;
+    remember_child(pid_);
     input_ = std::move(to_child.write);
     output_ = std::move(from_child.read);
     return true;
@@ -50,7 +51,7 @@ bool TPUProcess::start(const std::string& command_line, Buffer* output_buffer) {
 
 bool TPUProcess::send(std::string_view text) {
     if (input_closed_ || !input_) return true;
-    if (unsent_.size() + text.size() > kMostUnsent) return false;
+    if (unsent_.size() - sent_ + text.size() > kMostUnsent) return false;
     unsent_ += text;
     flush_input();
     return true;
@@ -59,6 +60,13 @@ bool TPUProcess::send(std::string_view text) {
 void TPUProcess::send_eof() {
     input_closed_ = true;
     flush_input();
+}
+
+void TPUProcess::dismiss() {
+    output = nullptr;
+    input_.close();
+    output_.close();
+    if (pid_ > 0) signal_child(pid_, SIGTERM);
 }
 
 // Hands over as much input as the pipe takes at once. To wait for more room could be
@@ -71,35 +79,39 @@ void TPUProcess::flush_input() {
 
 void TPUProcess::write_unsent() {
     HeldSignal no_reader(SIGPIPE);
-    while (!unsent_.empty()) {
-        ssize_t written = write(input_.get(), unsent_.data(), unsent_.size());
+    while (sent_ < unsent_.size()) {
+        ssize_t written = write(input_.get(), unsent_.data() + sent_, unsent_.size() - sent_);
         if (written >= 0) {
-            unsent_.erase(0, static_cast<std::size_t>(written));
+            sent_ += static_cast<std::size_t>(written);
         } else if (errno == EAGAIN) {
-            return;
+            break;
         } else if (errno != EINTR) {
-            unsent_.clear();  // nobody will read it
+            sent_ = unsent_.size();  // nobody will read it
         }
     }
+    if (sent_ < unsent_.size() / 2) return;
+    unsent_.erase(0, sent_);
+    sent_ = 0;
 }
 
 void TPUProcess::deliver(std::string_view text) {
-    if (!output) return;
+    if (!output || text.empty()) return;
     bool modifiable = std::exchange(output->modifiable, true);
-    output->copy_text(text);
+    output->copy_text(text, charset_);
     output->modifiable = modifiable;
 }
 
-// Reads what is there now, within the share of one poll. False when that is used up.
-bool TPUProcess::collect_output() {
+// Reads what is there now. False when `most` bytes have come and there may be more.
+bool TPUProcess::read_output(std::string& text, std::size_t most) {
     std::array<char, 16384> chunk;
-    for (std::size_t total = 0; output_ && total < kMostPerPoll;) {
+    for (std::size_t total = 0; output_ && total < most;) {
         flush_input();  // what was read may have made room for more input
-        ssize_t count = read(output_.get(), chunk.data(), chunk.size());
+        ssize_t count = read(output_.get(), chunk.data(), std::min(chunk.size(), most - total));
         if (count < 0 && errno == EINTR) continue;
+        if (count == 0) output_.close();  // lest its end is awaited again and again
         if (count <= 0) return true;
         total += static_cast<std::size_t>(count);
-        deliver({chunk.data(), static_cast<std::size_t>(count)});
+        text.append(chunk.data(), static_cast<std::size_t>(count));
     }
     return !output_;
 }
@@ -109,37 +121,46 @@ bool TPUProcess::reap() {
     if (pid_ <= 0) return false;
     pid_t result = waitpid(pid_, nullptr, WNOHANG);
     if (result == 0 || (result < 0 && errno == EINTR)) return false;
-    pid_ = -1;  // an error says that there is no such child any more
+    has_ended();  // an error says that there is no such child any more
     return true;
 }
 
-void TPUProcess::end_all(const std::vector<std::shared_ptr<TPUProcess>>& processes,
-                         std::chrono::milliseconds patience) {
-    using Clock = std::chrono::steady_clock;
+void TPUProcess::has_ended() {
+    forget_child(pid_);
+    pid_ = -1;
+}
+
+void TPUProcess::end_all(const std::vector<std::shared_ptr<TPUProcess>>& processes) {
+    std::vector<pid_t> children;
     for (const auto& process : processes) {
-        if (process->pid_ > 0) kill(process->pid_, SIGTERM);
+        if (process->pid_ > 0) children.push_back(process->pid_);
     }
-    auto all_ended = [&] {
-        return std::all_of(processes.begin(), processes.end(), [](const auto& process) {
-            return process->pid_ <= 0 || process->reap();
-        });
-    };
-    for (Clock::time_point end = Clock::now() + patience; !all_ended();) {
-        if (Clock::now() >= end) break;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
+    end_children(children, kChildPatience);
     for (const auto& process : processes) {
-        if (process->pid_ <= 0) continue;
-        kill(process->pid_, SIGKILL);
-        waitpid(process->pid_, nullptr, 0);
-        process->pid_ = -1;
+        if (process->pid_ > 0) process->has_ended();
     }
 }
 
-bool TPUProcess::poll_output() {
+bool TPUProcess::poll_output(std::size_t most) {
+    flush_input();
+    std::string text = std::exchange(cut_, {});
+    std::size_t before = text.size();
     // Once the child is known to have ended, its last words are in the pipe.
-    if (collect_output() && reap()) collect_output();
+    bool ended = read_output(text, most) && reap();
+    if (ended) read_output(text, kLargestPipe);
+    talking_ = text.size() > before;
+    if (pid_ > 0 && charset_ == Charset::utf8) {
+        std::size_t whole = text.size() - cut_character(text);
+        cut_ = text.substr(whole);
+        text.resize(whole);
+    }
+    deliver(text);
     return pid_ > 0;
+}
+
+void TPUProcess::await(Awaited& awaited) const {
+    if (output_) awaited.readable.push_back(output_.get());
+    if (input_ && !unsent_.empty()) awaited.writable.push_back(input_.get());
 }
 
 }  // namespace tpu

@@ -46,9 +46,9 @@ class Deadline {
 };
 
 // A command of the shell. Its complaints, most often that there is no such command,
-// are no business of the user's. It has a process group of its own, so that it can be
-// ended with all that it has started, and does not end with the terminal: many a
-// command leaves a process behind that holds the selection.
+// are no business of the user's. It can be ended with all that it has started, and does
+// not end with the terminal: many a command leaves a process behind that holds the
+// selection.
 class Command {
   public:
     Command() = default;
@@ -60,7 +60,7 @@ class Command {
         Descriptor nowhere = open_null_device();
         if (!nowhere) return false;
         const ChildStreams streams{in ? in : nowhere, out ? out : nowhere, nowhere};
-        pid_ = spawn_shell(line, streams, ProcessGroup::its_own);
+        pid_ = spawn_shell(line, streams);
         return pid_ > 0;
     }
 
@@ -87,7 +87,7 @@ class Command {
     void end() {
         constexpr milliseconds kToDie{100};  // more than enough, unless the system is stuck
         if (has_ended()) return;
-        kill(-pid_, SIGKILL);
+        signal_child(pid_, SIGKILL);
         succeeds(Deadline(kToDie));
     }
 

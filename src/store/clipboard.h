@@ -10,7 +10,8 @@
 
 namespace tpu {
 
-constexpr std::chrono::milliseconds kClipboardWait{2000};
+// With what it takes to end a command that hangs: less than two seconds.
+constexpr std::chrono::milliseconds kClipboardWait{1900};
 
 // Puts `text` on the clipboard. False when no command took it, within `wait` in all.
 [[nodiscard]] bool clipboard_write_system(std::string_view text,

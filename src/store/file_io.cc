@@ -1,11 +1,12 @@
 #include "store/file_io.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
 #include <vector>
+
+#include "core/system_calls.h"
 
 namespace tpu {
 
@@ -22,16 +23,16 @@ auto finish(Call call) {
 }  // namespace
 
 Descriptor open_file(const std::string& path, int flags, mode_t mode) {
-    return Descriptor(finish([&] { return ::open(path.c_str(), flags | O_CLOEXEC, mode); }));
+    return Descriptor(finish([&] { return sys::open(path.c_str(), flags | O_CLOEXEC, mode); }));
 }
 
 ssize_t read_some(int fd, char* place, std::size_t size) {
-    return finish([&] { return ::read(fd, place, size); });
+    return finish([&] { return sys::read(fd, place, size); });
 }
 
 bool write_all(int fd, std::string_view text) {
     while (!text.empty()) {
-        ssize_t written = finish([&] { return ::write(fd, text.data(), text.size()); });
+        ssize_t written = finish([&] { return sys::write(fd, text.data(), text.size()); });
         if (written <= 0) return false;
         text.remove_prefix(static_cast<std::size_t>(written));
     }
@@ -48,11 +49,7 @@ bool copy_all(int from, int to) {
 }
 
 bool sync_file(int fd) {
-#ifdef F_FULLFSYNC
-    // There fsync only hands the data to the drive, which may keep them in memory.
-    if (::fcntl(fd, F_FULLFSYNC) == 0) return true;
-#endif
-    return finish([&] { return ::fsync(fd); }) == 0;
+    return finish([&] { return sys::sync(fd); }) == 0;
 }
 
 bool sync_folder_of(const std::string& path) {

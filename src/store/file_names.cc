@@ -2,8 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 
 namespace tpu {
@@ -18,19 +16,6 @@ bool is_same_file(const std::string& a, const std::string& b) {
     std::error_code error;
     return std::filesystem::absolute(a, error).lexically_normal() ==
            std::filesystem::absolute(b, error).lexically_normal();
-}
-
-FileState load_or_begin(Buffer& buffer, const std::string& file, Buffer::Loading how) {
-    if (buffer.load_file(file, how)) return {FileState::loaded, ""};
-    int error = errno;
-    struct stat status;
-    if (stat(file.c_str(), &status) != 0) {
-        if (errno == ENOENT) return {FileState::missing, ""};
-        error = errno;
-    } else if (S_ISDIR(status.st_mode)) {
-        error = EISDIR;
-    }
-    return {FileState::unreadable, "Cannot read " + file + ": " + std::strerror(error)};
 }
 
 }  // namespace tpu

@@ -1,7 +1,10 @@
 // Loading a buffer from a file.
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "core/buffer.h"
@@ -24,6 +27,15 @@ std::uint64_t mtime_ms(const struct stat& status) {
 
 // Smaller files are read as quickly as they are mapped.
 constexpr std::uint64_t kWorthMapping = std::uint64_t{1} << 20;
+// A device may give bytes for ever; what a pipe gives is seldom as much.
+constexpr std::uint64_t kMostOfStream = std::uint64_t{1} << 30;
+
+// Reading a terminal would wait for keys, and never end.
+bool is_terminal(int fd) {
+    if (isatty(fd) == 0) return false;
+    errno = ENOTSUP;
+    return true;
+}
 
 }  // namespace
 
@@ -32,22 +44,33 @@ bool Buffer::load_file(const std::string& path, Loading how) {
     Descriptor file = open_file(path, O_RDONLY);
     struct stat status;
     if (!file || fstat(file.get(), &status) != 0 || S_ISDIR(status.st_mode)) return false;
+    if (is_terminal(file.get())) return false;
     // The size of a pipe or device says nothing about what can be read from it.
-    std::uint64_t expected =
-        S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
+    bool regular = S_ISREG(status.st_mode);
+    std::uint64_t expected = regular ? static_cast<std::uint64_t>(status.st_size) : 0;
     std::optional<LineStore> text;
     if (how == Loading::in_steps && expected >= kWorthMapping) {
         text = map_lines(file.get(), expected);
     }
     loading_size = text ? expected : 0;
-    if (!text) text = read_lines(file.get(), expected);
+    if (!text) text = read_lines(file.get(), expected, regular ? UINT64_MAX : kMostOfStream);
     if (!text) return false;
     lines = std::move(*text);
+    saved_lines = lines;
     cursor_row = cursor_column = view_line = 0;
     modified = false;
     // As it was before reading: a change made meanwhile must not go unnoticed.
     file_time = mtime_ms(status);
     return true;
+}
+
+std::string Buffer::edit_file(const std::string& path, Loading how) {
+    if (load_file(path, how)) return {};
+    int error = errno;
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0 && errno == ENOENT) return {};
+    if (S_ISDIR(status.st_mode)) error = EISDIR;
+    return "Cannot read " + path + ": " + std::strerror(error);
 }
 
 // What was written to the file while it was mapped is in the text, as it would be
@@ -60,6 +83,7 @@ void Buffer::finish_loading() {
                      static_cast<std::uint64_t>(status.st_size) == size;
     if (unchanged) return;
     lines.recount();
+    saved_lines.recount();
     for (Snapshot& snapshot : undo_stack) snapshot.lines.recount();
     for (Snapshot& snapshot : redo_stack) snapshot.lines.recount();
     clamp_cursor();

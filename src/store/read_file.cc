@@ -1,6 +1,7 @@
 #include "store/read_file.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <limits>
 
@@ -36,9 +37,10 @@ char* copy_without_cr(const char* from, const char* end, char* out) {
 // is still in the cache.
 class Filler {
   public:
-    Filler(int fd, Ref<TextBlock> block) : fd_(fd), block_(std::move(block)) {}
+    Filler(int fd, Ref<TextBlock> block, std::uint64_t most)
+        : fd_(fd), most_(most), block_(std::move(block)) {}
 
-    // False when reading fails or memory is short.
+    // False when reading fails, memory is short or there is too much to read.
     bool read_all() {
         for (;;) {
             if (!make_room()) return false;
@@ -51,6 +53,10 @@ class Filler {
             if (got == 0) return true;
             take(begin, held + static_cast<std::size_t>(got));
             count_pieces();
+            if (block_->used() > most_) {
+                errno = EFBIG;
+                return false;
+            }
         }
     }
 
@@ -88,6 +94,7 @@ class Filler {
     }
 
     int fd_;
+    std::uint64_t most_;
     Ref<TextBlock> block_;
     bool holds_cr_ = false;             // a CR follows the used part
     std::vector<std::uint32_t> feeds_;  // line feeds of each whole piece
@@ -118,11 +125,11 @@ std::optional<LineStore> map_lines(int fd, std::uint64_t size) {
     return LineStore::from_block(block, text.size() - text.ends_with('\n'), feeds);
 }
 
-std::optional<LineStore> read_lines(int fd, std::uint64_t expected) {
+std::optional<LineStore> read_lines(int fd, std::uint64_t expected, std::uint64_t most) {
     if (expected > std::numeric_limits<std::size_t>::max() / 2) return std::nullopt;
     Ref<TextBlock> block = TextBlock::create(static_cast<std::size_t>(expected) + kSlack);
     if (!block) return std::nullopt;
-    Filler filler(fd, std::move(block));
+    Filler filler(fd, std::move(block), most);
     if (!filler.read_all()) return std::nullopt;
     return filler.lines();
 }

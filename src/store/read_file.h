@@ -11,8 +11,9 @@ namespace tpu {
 // The lines of all that is left of a file. Lines end at line feeds; a carriage
 // return at the end of a line is dropped, and so is a line feed at the end of the
 // file. `expected` is the number of bytes to make room for; more and fewer are
-// fine. Nothing when reading fails or memory is short.
-std::optional<LineStore> read_lines(int fd, std::uint64_t expected);
+// fine. Nothing when reading fails, memory is short, or there are more than `most` bytes.
+std::optional<LineStore> read_lines(int fd, std::uint64_t expected,
+                                    std::uint64_t most = UINT64_MAX);
 
 // The lines of a file of `size` bytes without copying them: the text is only mapped,
 // and TextBlock::settle_some must make it the editor's own soon. Nothing when the

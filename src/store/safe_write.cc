@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "core/held_signal.h"
+#include "core/system_calls.h"
 #include "store/file_io.h"
 #include "store/file_traits.h"
 #include "store/temp_file.h"
@@ -66,7 +67,7 @@ bool create_file(const Job& job) {
     if (job.write(fresh.get()) && sync_file(fresh.get()) && fresh.close() && sync_folder_of(real)) {
         return true;
     }
-    unlink(real.c_str());
+    sys::unlink(real.c_str());
     return false;
 }
 
@@ -80,13 +81,13 @@ Outcome outcome_of_rename() {
 // Gives the file its backup name, besides its own where the file system has links.
 bool link_backup(const Job& job) {
     const char *path = job.path.c_str(), *backup = job.backup.c_str();
-    if (unlink(backup) != 0 && errno != ENOENT) return false;
-    return link(path, backup) == 0 || std::rename(path, backup) == 0;
+    if (sys::unlink(backup) != 0 && errno != ENOENT) return false;
+    return sys::link(path, backup) == 0 || sys::rename(path, backup) == 0;
 }
 
 void unlink_backup(const Job& job) {
     // The rename does nothing when both names still mean one file.
-    if (std::rename(job.backup.c_str(), job.path.c_str()) == 0) unlink(job.backup.c_str());
+    if (sys::rename(job.backup.c_str(), job.path.c_str()) == 0) sys::unlink(job.backup.c_str());
 }
 
 Outcome replace_file(const Job& job, const FileTraits& old) {
@@ -95,7 +96,7 @@ Outcome replace_file(const Job& job, const FileTraits& old) {
     set_traits(fresh.fd(), old);
     if (traits_of(fresh.name()) != old) return Outcome::not_replaceable;
     // Writing takes set-id bits away, so the mode is given once more.
-    if (!job.write(fresh.fd()) || fchmod(fresh.fd(), old.mode) != 0 || !sync_file(fresh.fd()) ||
+    if (!job.write(fresh.fd()) || sys::chmod(fresh.fd(), old.mode) != 0 || !sync_file(fresh.fd()) ||
         !fresh.close()) {
         return Outcome::failed;
     }
@@ -110,8 +111,8 @@ Outcome replace_file(const Job& job, const FileTraits& old) {
 
 // Fills an open file from its begin and cuts off what is left behind the new text.
 bool overwrite(int fd, const WriteText& write) {
-    return lseek(fd, 0, SEEK_SET) == 0 && write(fd) && ftruncate(fd, lseek(fd, 0, SEEK_CUR)) == 0 &&
-           sync_file(fd);
+    return lseek(fd, 0, SEEK_SET) == 0 && write(fd) &&
+           sys::truncate(fd, lseek(fd, 0, SEEK_CUR)) == 0 && sync_file(fd);
 }
 
 bool rewrite_file(const Job& job, const FileTraits& old) {
@@ -133,6 +134,13 @@ bool rewrite_file(const Job& job, const FileTraits& old) {
     // stays under its own.
     if (!copy.rename_to(job.backup)) copy.keep();
     return false;
+}
+
+// Of a new file.
+mode_t usual_mode() {
+    mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
 }
 
 bool can_be_replaced(const std::string& path, const struct stat& status) {
@@ -159,6 +167,28 @@ bool write_safely(const std::string& path, bool keep_backup, const WriteText& wr
         if (outcome != Outcome::not_replaceable) return outcome == Outcome::saved;
     }
     return rewrite_file(job, *old);
+}
+
+bool write_at_once(const std::string& path, const WriteText& write) {
+    HeldSignal size_limit(SIGXFSZ);
+    std::error_code unknown;
+    std::string real = std::filesystem::weakly_canonical(path, unknown).string();
+    if (unknown || path.empty()) return false;
+    struct stat status;
+    bool exists = stat(real.c_str(), &status) == 0;
+    if (exists &&
+        (!S_ISREG(status.st_mode) || faccessat(AT_FDCWD, real.c_str(), W_OK, AT_EACCESS) != 0)) {
+        return false;
+    }
+    TempFile fresh(real);
+    if (!fresh || !write(fresh.fd())) return false;
+    std::optional<FileTraits> old = exists ? traits_of(real) : std::nullopt;
+    if (old) {
+        set_traits(fresh.fd(), *old);
+    } else if (sys::chmod(fresh.fd(), usual_mode()) != 0) {
+        return false;
+    }
+    return sync_file(fresh.fd()) && fresh.close() && fresh.rename_to(real) && sync_folder_of(real);
 }
 
 }  // namespace tpu

@@ -25,4 +25,9 @@ using WriteText = std::function<bool(int fd)>;
 // the text could not be saved.
 [[nodiscard]] bool write_safely(const std::string& path, bool keep_backup, const WriteText& write);
 
+// Writes a text to the regular file `path`, which need not exist, so that it is never
+// seen unfinished: the name changes hands when the text is on the disk. False when the
+// text could not be written; then there is what was there before.
+[[nodiscard]] bool write_at_once(const std::string& path, const WriteText& write);
+
 }  // namespace tpu

@@ -42,6 +42,7 @@ bool Buffer::write_file(const std::string& path) {
     if (!write_safely(target, backup_on_write, write)) return false;
     file_name = target;
     modified = false;
+    saved_lines = lines;
     file_time = file_mtime_ms(target);
     return true;
 }

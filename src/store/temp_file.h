@@ -1,13 +1,9 @@
 // A new file that vanishes unless it is given a name to stay under.
 #pragma once
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
+#include "core/system_calls.h"
 #include "store/file_io.h"
 
 namespace tpu {
@@ -16,11 +12,11 @@ class TempFile {
   public:
     // In the folder that `path` names a file in; nobody else may read it yet.
     explicit TempFile(const std::string& path) : name_(folder_of(path) + "/.tpu-XXXXXX") {
-        file_ = Descriptor(mkostemp(name_.data(), O_CLOEXEC));
+        file_ = Descriptor(sys::make_temporary(name_.data()));
         exists_ = static_cast<bool>(file_);
     }
     ~TempFile() {
-        if (exists_) unlink(name_.c_str());
+        if (exists_) sys::unlink(name_.c_str());
     }
     TempFile(const TempFile&) = delete;
     TempFile& operator=(const TempFile&) = delete;
@@ -33,7 +29,7 @@ class TempFile {
     // Takes the name `path`, from another file if need be. False, with errno set,
     // when that fails.
     [[nodiscard]] bool rename_to(const std::string& path) {
-        if (std::rename(name_.c_str(), path.c_str()) != 0) return false;
+        if (sys::rename(name_.c_str(), path.c_str()) != 0) return false;
         keep();
         return true;
     }

@@ -38,6 +38,22 @@ TEST_F(Language, the_named_start_up_file_wins_when_it_can_be_read) {
     EXPECT_TRUE(other.shows(23, "Unknown command: bad(  (line 2)")) << other.screen();
 }
 
+TEST_F(Language, a_section_file_is_restored_before_start_up_files) {
+    tty.write(".tpurc", "greet(\"home\")");
+    tty.write("s.sect",
+              "#ZKSECT 1\nIDENT=test\nBEGIN PROCEDURES\n"
+              "PROCEDURE greet(whom)\nCOPY_TEXT(\"hello \" + whom)\nENDPROCEDURE;\nEND PROCEDURES\n"
+              "BEGIN KEYMAPS\nKEYMAP TPU$KEY_MAP\nKEY 272|greet(\" key\")|\nEND KEYMAPS\n#END\n");
+    tty.start({"/SECTION=s.sect"});
+    EXPECT_TRUE(tty.shows(0, "hello home")) << tty.screen();
+    tty.type("\033[19~");
+    EXPECT_TRUE(tty.shows(0, "hello homehello  key")) << tty.screen();
+    PtySession other;
+    other.start({"--section=none.sect"});
+    EXPECT_TRUE(other.eventually([&] { return other.row(23).starts_with("Ctrl-Z command"); }));
+    EXPECT_EQ(other.errors(), "tpu: /SECTION=none.sect failed to load\n");
+}
+
 TEST_F(Language, control_c_stops_a_program_and_undo_takes_it_back) {
     tty.write(".tpurc",
               "PROCEDURE spin\nCOPY_TEXT(\"spun\")\nLOOP\nLOOP\nspin_on\nENDLOOP\nENDLOOP\n"

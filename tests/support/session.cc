@@ -4,8 +4,9 @@
 
 namespace tpu {
 
-int FakeTerminal::read_key(int wait_ms) {
+int FakeTerminal::read_key(int wait_ms, const Awaited& beside) {
     waits.push_back(wait_ms);
+    others = beside;
     if (before_key) before_key();
     if (keys.empty()) return kKeyHangup;
     int key = keys.front();

@@ -21,7 +21,7 @@ class FakeTerminal : public Terminal {
         shown = frame;
         ++frames;
     }
-    int read_key(int wait_ms) override;
+    int read_key(int wait_ms, const Awaited& others) override;
     bool key_waiting() override { return !keys.empty(); }
     bool interrupt_waiting() override {
         auto pressed = std::find(keys.begin(), keys.end(), control('C'));
@@ -45,6 +45,7 @@ class FakeTerminal : public Terminal {
     Frame shown;
     int frames = 0;
     std::vector<int> waits;            // milliseconds that each key was waited for
+    Awaited others;                    // what was awaited beside the last key
     std::function<void()> before_key;  // called before each key is given
 };
 

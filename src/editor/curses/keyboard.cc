@@ -37,6 +37,28 @@ int shorter(int limit_ms, int other_ms) {
     return limit_ms < 0 ? other_ms : std::min(limit_ms, other_ms);
 }
 
+// Select, since macOS cannot poll a terminal.
+class DescriptorSet {
+  public:
+    explicit DescriptorSet(const std::vector<int>& descriptors) {
+        FD_ZERO(&set_);
+        for (int descriptor : descriptors) add(descriptor);
+    }
+    // Too high a number for such a set is left out.
+    void add(int descriptor) {
+        if (descriptor >= FD_SETSIZE) return;
+        FD_SET(descriptor, &set_);
+        end_ = std::max(end_, descriptor + 1);
+    }
+    bool has(int descriptor) const { return FD_ISSET(descriptor, &set_); }
+    fd_set* get() { return &set_; }
+    int end() const { return end_; }
+
+  private:
+    fd_set set_;
+    int end_ = 0;
+};
+
 }  // namespace
 
 void Keyboard::open(int descriptor, std::vector<KeySequence> (*keys)()) {
@@ -49,7 +71,7 @@ void Keyboard::open(int descriptor, std::vector<KeySequence> (*keys)()) {
     sigaction(SIGWINCH, &action, nullptr);
 }
 
-int Keyboard::read_key(int wait_ms) {
+int Keyboard::read_key(int wait_ms, const Awaited& others) {
     SteadyTime start = std::chrono::steady_clock::now();
     for (;;) {
         int key = next_key();
@@ -57,9 +79,9 @@ int Keyboard::read_key(int wait_ms) {
         int wait = remaining(wait_ms, start);
         bool incomplete = key == kIncompleteKey;
         if (incomplete) wait = shorter(wait, remaining(patience(), last_input_));
-        if (fill(wait)) continue;
+        if (fill(wait, others)) continue;
         if (incomplete && remaining(patience(), last_input_) == 0) return decoder_.next_now();
-        if (remaining(wait_ms, start) == 0) return kNoKey;
+        if (others_ready_ || remaining(wait_ms, start) == 0) return kNoKey;
     }
 }
 
@@ -97,28 +119,30 @@ int Keyboard::patience() const {
 }
 
 // Waits for input and takes it. True when something is new.
-bool Keyboard::fill(int wait_ms) {
-    bool readable = wait_for_input(wait_ms);
+bool Keyboard::fill(int wait_ms, const Awaited& others) {
+    bool readable = wait_for_input(wait_ms, others);
     if (readable) read_input();
     return readable || hung_up_ || size_changed;
 }
 
+// True when there is input for us; the wait also ends when one of the others is ready.
 // The signal is let in during the wait only, so that none is missed before it.
-bool Keyboard::wait_for_input(int wait_ms) {
+bool Keyboard::wait_for_input(int wait_ms, const Awaited& others) {
     sigset_t size_change, before;
     sigemptyset(&size_change);
     sigaddset(&size_change, SIGWINCH);
     sigprocmask(SIG_BLOCK, &size_change, &before);
-    fd_set descriptors;
-    FD_ZERO(&descriptors);
-    FD_SET(descriptor_, &descriptors);
+    DescriptorSet readable(others.readable), writable(others.writable);
+    readable.add(descriptor_);
     if (size_changed) wait_ms = 0;
     timespec limit = {wait_ms / 1000, wait_ms % 1000 * 1000000L};
-    int ready = pselect(descriptor_ + 1, &descriptors, nullptr, nullptr,
-                        wait_ms < 0 ? nullptr : &limit, &before);
+    int ready = pselect(std::max(readable.end(), writable.end()), readable.get(), writable.get(),
+                        nullptr, wait_ms < 0 ? nullptr : &limit, &before);
     if (ready < 0 && errno != EINTR) hung_up_ = true;
     sigprocmask(SIG_SETMASK, &before, nullptr);
-    return ready > 0;
+    bool ours = ready > 0 && readable.has(descriptor_);
+    others_ready_ = ready > (ours ? 1 : 0);
+    return ours;
 }
 
 void Keyboard::read_input() {

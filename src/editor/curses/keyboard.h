@@ -17,7 +17,7 @@ class Keyboard {
     void open(int descriptor, std::vector<KeySequence> (*keys)());
 
     // As Terminal does; kKeyResize is told once for each change.
-    int read_key(int wait_ms);
+    int read_key(int wait_ms, const Awaited& others);
     bool key_waiting();
     bool interrupt_waiting();
     std::string take_paste() { return decoder_.take_paste(); }
@@ -28,8 +28,8 @@ class Keyboard {
 
     int next_key();
     int patience() const;
-    bool fill(int wait_ms);
-    bool wait_for_input(int wait_ms);
+    bool fill(int wait_ms, const Awaited& others = {});
+    bool wait_for_input(int wait_ms, const Awaited& others = {});
     void read_input();
 
     int descriptor_ = -1;
@@ -37,6 +37,7 @@ class Keyboard {
     KeyDecoder decoder_;
     int ahead_ = kNoKey;  // found by key_waiting()
     bool hung_up_ = false;
+    bool others_ready_ = false;  // after wait_for_input()
     SteadyTime last_input_;
 };
 

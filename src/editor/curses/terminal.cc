@@ -180,9 +180,9 @@ void CursesTerminal::present(const Frame& frame) {
     if (screen_) painter_.present(frame);
 }
 
-int CursesTerminal::read_key(int wait_ms) {
+int CursesTerminal::read_key(int wait_ms, const Awaited& others) {
     if (!screen_) return kKeyHangup;
-    int key = keyboard_.read_key(wait_ms);
+    int key = keyboard_.read_key(wait_ms, others);
     if (key == kKeyResize) resize();
     return key;
 }

@@ -22,7 +22,7 @@ class CursesTerminal : public Terminal {
     std::string start() override;
     ScreenSize size() override { return size_; }
     void present(const Frame& frame) override;
-    int read_key(int wait_ms) override;
+    int read_key(int wait_ms, const Awaited& others) override;
     bool key_waiting() override { return screen_ && keyboard_.key_waiting(); }
     bool interrupt_waiting() override { return screen_ && keyboard_.interrupt_waiting(); }
     std::string take_paste() override { return keyboard_.take_paste(); }

@@ -109,7 +109,7 @@ Value offset(const Subject& s) {
 
 Value shown_row(const Subject& s) {
     const Buffer* buffer = s.window->buffer;
-    if (buffer != s.place.buffer) return tpu_unspecified();
+    if (!buffer || buffer != s.place.buffer) return tpu_unspecified();
     auto last = static_cast<std::uint64_t>(s.window->text_rows()) - 1;
     bool is_marker = s.object.is(Type::marker);
     if (is_marker && (s.place.row < buffer->view_line || s.place.row > buffer->view_line + last)) {
@@ -128,14 +128,45 @@ Value status_line(const Subject& s) {
 
 Value range_length(const Subject& s) {
     std::shared_ptr<Range> range = s.object.range();
-    return range->valid ? number(range->start.buffer->lines_of_range(*range).bytes())
-                        : tpu_unspecified();
+    Buffer* buffer = range->buffer();
+    return buffer ? number(buffer->lines_of_range(*range).bytes()) : tpu_unspecified();
 }
 
 template <auto end>
 Value range_end(const Subject& s) {
     std::shared_ptr<Range> range = s.object.range();
     return range->valid ? Value::make_marker((*range).*end) : tpu_unspecified();
+}
+
+// Of a key map or a list of them, which stand for themselves under their names.
+
+template <class Map>
+const typename Map::mapped_type::element_type* named(const Map& owned, const Value& object) {
+    bool is_text = object.is(Type::string) || object.is(Type::keyword);
+    auto found = is_text ? owned.find(std::string(object.text())) : owned.end();
+    return found == owned.end() ? nullptr : found->second.get();
+}
+
+Value own_name(const Subject& s) {
+    return Value::make_str(s.object.text());
+}
+
+Value bound_keys(const Subject& s) {
+    return number(named(s.editor.key_maps, s.object)->bindings.size());
+}
+
+// The first list that holds the key map.
+Value list_of_key_map(const Subject& s) {
+    const KeyMap* map = named(s.editor.key_maps, s.object);
+    for (const auto& [name, list] : s.editor.key_map_lists) {
+        const auto& maps = list->maps;
+        if (std::find(maps.begin(), maps.end(), map) != maps.end()) return Value::make_str(name);
+    }
+    return Value::make_str("");
+}
+
+Value maps_in_list(const Subject& s) {
+    return number(named(s.editor.key_map_lists, s.object)->maps.size());
 }
 
 // Walks: FIRST, LAST, CURRENT, NEXT, PREVIOUS over what a session has, with the integer
@@ -176,12 +207,23 @@ constexpr InfoItem kItems[] = {
     {{"HEIGHT", "VISIBLE_LENGTH"}, Of::screen_word, session_number<&TPUEditor::rows>, "The rows of the screen."},
     {{"WIDTH"}, Of::screen_word, session_number<&TPUEditor::cols>, "The columns of the screen."},
 
+    {{"FILE_NAME", "INPUT_FILE", "OUTPUT_FILE"}, Of::command_line_word, session_text<&TPUEditor::named_file>,
+     "The file that the program was started with; empty without one."},
+    {{"ROW", "CURRENT_ROW"}, Of::command_line_word, session_number<&TPUEditor::named_line>,
+     "The line that the program was told to start on, counting from 1; 0 without one."},
+
     {{"FIRST", "LAST"}, Of::buffers_word, walk_buffers, "The oldest or the newest buffer; the walk is there then."},
     {{"CURRENT"}, Of::buffers_word, walk_buffers, "The current buffer; the walk is there then."},
     {{"NEXT", "PREVIOUS"}, Of::buffers_word, walk_buffers, "The buffer that follows or precedes in the walk; the integer 0 when there is none."},
     {{"FIRST", "LAST"}, Of::windows_word, walk_windows, "The first or the last window; the walk is there then."},
     {{"CURRENT"}, Of::windows_word, walk_windows, "The current window; the walk is there then."},
     {{"NEXT", "PREVIOUS"}, Of::windows_word, walk_windows, "The window that follows or precedes in the walk; the integer 0 when there is none."},
+
+    {{"NAME"}, Of::key_map, own_name, "Its name."},
+    {{"LENGTH", "RECORD_COUNT"}, Of::key_map, bound_keys, "The number of keys that it binds."},
+    {{"KEY_MAP_LIST"}, Of::key_map, list_of_key_map, "The name of the first key-map list that holds it; empty without one."},
+    {{"NAME"}, Of::key_map_list, own_name, "Its name."},
+    {{"LENGTH", "RECORD_COUNT"}, Of::key_map_list, maps_in_list, "The number of its key maps."},
 
     {{"TOP", "ORIGINAL_TOP", "VISIBLE_TOP"}, Of::window, [](const Subject& s) { return number(s.window->top); },
      "Its first row on the screen, counting from 0."},
@@ -261,8 +303,11 @@ bool has_part(const Subject& s, Of of) {
     switch (of) {
         case Of::range: return s.object.is(Type::range);
         case Of::screen_word: return is_word(s.object, "SCREEN");
+        case Of::command_line_word: return is_word(s.object, "COMMAND_LINE");
         case Of::buffers_word: return is_word(s.object, "BUFFERS");
         case Of::windows_word: return is_word(s.object, "WINDOWS");
+        case Of::key_map: return named(s.editor.key_maps, s.object);
+        case Of::key_map_list: return named(s.editor.key_map_lists, s.object);
         case Of::window: return s.window != nullptr;
         case Of::place: return s.place.buffer != nullptr;
         case Of::buffer:
@@ -291,8 +336,8 @@ TPUWindow* window_that_shows(const TPUEditor& editor, const Buffer* buffer) {
 
 std::string_view name_of(Of of) {
     constexpr std::string_view kNames[] = {
-        "range",  "`SCREEN`",         "`BUFFERS`", "`WINDOWS`",
-        "window", "marker or cursor", "buffer",    "session",
+        "range",        "`SCREEN`", "`COMMAND_LINE`",   "`BUFFERS`", "`WINDOWS`", "key map",
+        "key-map list", "window",   "marker or cursor", "buffer",    "session",
     };
     return kNames[static_cast<std::size_t>(of)];
 }

@@ -25,13 +25,16 @@ struct Subject {
     TPUWindow* window;      // the window, or one that shows the place; null without any
 };
 
-// What an item is asked of: one of the first four is an object of just that kind, the
+// What an item is asked of: those before the window are objects of just that kind, the
 // others are a part of every subject that has it.
 enum class Of : unsigned char {
     range,
     screen_word,
+    command_line_word,
     buffers_word,
     windows_word,
+    key_map,
+    key_map_list,
     window,
     place,
     buffer,

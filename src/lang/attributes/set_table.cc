@@ -5,6 +5,7 @@
 
 #include "core/ascii.h"
 #include "editor/editor.h"
+#include "lang/builtins/common.h"
 
 namespace tpu {
 
@@ -71,29 +72,43 @@ void switch_mouse(SetCall& call) {
     if (!call.editor.headless) call.editor.ports.terminal.set_mouse(call.editor.mouse);
 }
 
-// What is no text stands for no statement.
-std::string statement(SetCall& call, std::size_t i) {
+// Takes over a statement: its text, or none for OFF and the like.
+void put_statement(SetCall& call, std::size_t i, std::string& statement) {
+    using Type = Value::Type;
     const Value& value = call.value(i);
-    bool is_text = value.is(Value::Type::string) || value.is(Value::Type::keyword);
-    return is_text ? call.text(i) : std::string();
+    bool is_text = value.is(Type::string) || value.is(Type::keyword);
+    bool is_off = value.is(Type::integer) && value.integer() == 0;
+    if (!is_text && !is_off) {
+        return call.editor.set_message("SET needs the text of a statement");
+    }
+    statement = is_text && call.word(i) != "OFF" ? call.text(i) : std::string();
 }
 
 template <auto procedure>
 void put_procedure(SetCall& call) {
-    call.editor.*procedure = statement(call, 0);
+    put_statement(call, 0, call.editor.*procedure);
 }
 
 // Without a procedure the timer keeps the one that it has.
 void put_timer(SetCall& call) {
     TPUEditor& editor = call.editor;
     editor.timer_interval = static_cast<int>(call.number(0, 0, std::numeric_limits<int>::max()));
-    if (call.count() > 1) editor.timer_action = statement(call, 1);
+    if (call.count() > 1) put_statement(call, 1, editor.timer_action);
     editor.timer_start = editor.ports.clock.now();
 }
 
+// A key is a code or the name of a key.
 void put_shift_key(SetCall& call) {
-    int code = TPUEditor::key_name_to_code(call.text());
-    call.editor.shift_key = code == kNoKey ? 0 : code;
+    const Value& key = call.value();
+    std::string word = call.word();
+    int code = 0;
+    if (key.is(Value::Type::integer)) {
+        code = std::max(builtins::bounded(key.integer()), 0);
+    } else if (!word.empty() && word != "OFF") {
+        code = TPUEditor::key_name_to_code(word);
+    }
+    if (code == kNoKey) return call.editor.set_message("Unknown key name");
+    call.editor.shift_key = code;
 }
 
 void put_status_line(SetCall& call) {
@@ -105,6 +120,8 @@ void put_status_line(SetCall& call) {
         window->status_format = call.text(2);
     } else if (word == "OFF" || word == "NONE") {
         window->has_status = false;
+    } else {
+        call.editor.set_message("SET(STATUS_LINE) needs ON, TEXT, OFF or NONE");
     }
 }
 
@@ -129,7 +146,7 @@ constexpr SetKeyword kKeywords[] = {
     {.name = "MODIFIABLE", .apply = switch_buffer<&Buffer::modifiable>, .value = "ON or OFF", .takes_buffer = true,
      .help = "Whether the text can be changed."},
     {.name = "NO_WRITE", .apply = switch_buffer<&Buffer::no_write>, .value = "ON or OFF", .takes_buffer = true,
-     .help = "Marks the buffer as one that is not to be written."},
+     .help = "Marks the buffer as one that is not written: trying to fails."},
     {.name = "PERMANENT", .apply = put<&Buffer::permanent, true>,
      .help = "The buffer cannot be deleted from now on."},
     {.name = "SYSTEM", .apply = switch_buffer<&Buffer::system>, .value = "ON or OFF", .takes_buffer = true,
@@ -164,8 +181,8 @@ constexpr SetKeyword kKeywords[] = {
      .help = "What runs after each key; nothing when it is empty or OFF."},
     {.name = "UNDEFINED_KEY", .apply = put_procedure<&TPUEditor::undefined_key_procedure>, .value = "statement",
      .help = "What runs for a key that is neither bound nor a character; nothing when it is empty or OFF."},
-    {.name = "SHIFT_KEY", .apply = put_shift_key, .value = "key name",
-     .help = "A second key that works like GOLD; none when the name is no key's."},
+    {.name = "SHIFT_KEY", .apply = put_shift_key, .value = "key, or OFF",
+     .help = "A second key that works like GOLD, given by its name or code."},
     {.name = "VIDEO", .apply = set_video, .value = "OFF, or attributes", .takes_buffer = true,
      .help = "How the selection, or else the cursor line, looks: BOLD, REVERSE, UNDERLINE, DIM, BLINK, STANDOUT or NORMAL; OFF takes away all that touches it."},
     {.name = "STATUS_LINE", .apply = put_status_line, .value = "window, ON or TEXT or OFF or NONE [, text]",

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "core/buffer.h"
+#include "editor/editor.h"
 #include "lang/attributes/set_table.h"
 
 namespace tpu {
@@ -85,7 +85,10 @@ void set_video(SetCall& call) {
     }
     std::string words;
     for (std::size_t i = 0; i < call.count(); ++i) words += call.word(i) + " ";
-    if (std::optional<Attr> attr = attrs_named(words)) show_with(buffer, span, *attr);
+    std::optional<Attr> attr = attrs_named(words);
+    if (attr) return show_with(buffer, span, *attr);
+    call.editor.set_message(
+        "SET(VIDEO) needs BOLD, REVERSE, UNDERLINE, DIM, BLINK, STANDOUT, NORMAL or OFF");
 }
 
 }  // namespace tpu

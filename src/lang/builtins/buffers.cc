@@ -25,16 +25,16 @@ Value create_buffer(Call& call) {
     if (Buffer* buffer = call.editor.find_buffer(name)) return Value::make_buffer(buffer);
     Buffer* buffer = call.editor.create_buffer(name, "");
     if (call.args.count() > 1) {
-        std::string file = call.args.text(1);
-        if (!buffer->load_file(file)) buffer->file_name = file;
+        std::string trouble = buffer->edit_file(call.args.text(1));
+        if (!trouble.empty()) call.editor.set_message(trouble);
     }
     return Value::make_buffer(buffer);
 }
 
 void read_file(Call& call) {
-    std::string name = call.args.text(0);
+    std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
     Buffer file("", "");
-    if (call.args.count() == 0 || !file.load_file(name)) {
+    if (!file.load_file(name)) {
         return call.editor.set_message("READ_FILE: cannot open " + name);
     }
     call.buffer().copy_lines(file.lines, call.editor.charset);
@@ -42,6 +42,7 @@ void read_file(Call& call) {
 
 bool write_range(const Range& range, const std::string& name) {
     Buffer part("", name);
+    part.backup_on_write = range.buffer()->backup_on_write;
     part.lines = range.buffer()->lines_of_range(range);
     return part.write_file(name);
 }
@@ -74,8 +75,7 @@ void forget_shared(Call& call, const std::shared_ptr<T>& object,
 }
 
 void delete_process(Call& call, const std::shared_ptr<TPUProcess>& process) {
-    std::erase(call.editor.processes, process);
-    if (call.editor.attached_process == process) call.editor.attached_process.reset();
+    call.editor.dismiss_process(process);
     forget_shared(call, process, &Value::process);
 }
 
@@ -115,7 +115,7 @@ void delete_object(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "GET_BUFFER", .function = get_buffer, .least = 1, .most = 1, .form = "GET_BUFFER(name)",
+    {.name = "GET_BUFFER", .statement = shown<get_buffer>, .function = get_buffer, .least = 1, .most = 1, .form = "GET_BUFFER(name)",
      .help = "The buffer of that name; unspecified without one."},
     {.name = "CREATE_BUFFER", .function = create_buffer, .most = 2, .form = "CREATE_BUFFER(name [, file])",
      .help = "The buffer of that name, which is made, and loaded from the file, when there is none."},

@@ -1,8 +1,7 @@
 #include "lang/builtins/common.h"
 
 #include "core/marker.h"
-#include "editor/window.h"
-#include "lang/parser.h"
+#include "editor/editor.h"
 #include "pattern/join.h"
 #include "pattern/pattern_text.h"
 
@@ -11,7 +10,13 @@ namespace tpu::builtins {
 Value wrong_type(Call& call, std::string_view wanted) {
     call.parser.record_error("TPU$_INVPARAM",
                              std::string(call.name) + " needs " + std::string(wanted));
+    if (call.is_statement) call.editor.set_message(call.parser.error_text);
+    call.told = call.is_statement;
     return tpu_unspecified();
+}
+
+void show_value(Call& call, const Value& value) {
+    if (!call.told) call.editor.set_message(value.as_string());
 }
 
 Buffer* buffer_of(const Value& value) {

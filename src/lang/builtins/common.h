@@ -17,9 +17,17 @@ inline int bounded(long long n) {
     return static_cast<int>(std::clamp<long long>(n, -Limits::max(), Limits::max()));
 }
 
-// Records that an argument has a type that the built-in cannot use; gives the
-// unspecified value.
+// Records that an argument has a type that the built-in cannot use, and shows it when
+// the call is a statement; gives the unspecified value.
 Value wrong_type(Call& call, std::string_view wanted);
+
+// The statement form of a function: its value as a message.
+void show_value(Call& call, const Value& value);
+
+template <Value (*function)(Call&)>
+void shown(Call& call) {
+    show_value(call, function(call));
+}
 
 // The buffer that a value names: a buffer, or the one of a window, marker or range;
 // null for any other value.

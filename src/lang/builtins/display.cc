@@ -46,10 +46,6 @@ void bell(Call& call) {
     if (call.editor.bell && !call.editor.headless) call.editor.ports.terminal.beep();
 }
 
-void show(Call& call, const Value& value) {
-    call.editor.set_message(value.as_string());
-}
-
 Value current_line(Call& call) {
     return Value::make_str(call.buffer().current_line());
 }
@@ -82,12 +78,6 @@ Value current_direction(Call& call) {
 Value current_window(Call& call) {
     TPUWindow* window = call.editor.current_window;
     return window ? Value::make_window(window) : tpu_unspecified();
-}
-
-// The statement form of a function: its value as a message.
-template <Value (*function)(Call&)>
-void shown(Call& call) {
-    show(call, function(call));
 }
 
 // clang-format off

@@ -26,8 +26,7 @@ Value read_char(Call& call) {
     std::string prompt = call.args.count() > 0 ? call.args.text(0) : "Press a key...";
     int key = call.editor.read_one_key(prompt);
     if (key < 0 || key > kLastCharacter) return Value::make_str("");
-    char c = static_cast<char>(key);
-    return Value::make_str({&c, 1});
+    return Value::make_str(call.editor.read_character(key));
 }
 
 void read_char_shown(Call& call) {

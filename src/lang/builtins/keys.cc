@@ -67,8 +67,8 @@ KeyMapList* list_argument(Call& call, std::size_t i) {
     return nullptr;
 }
 
-// What a key runs: a text, or a program or learn sequence.
-KeyBinding binding_of(Call& call, const Value& what) {
+// What a key runs: a text, or a program or learn sequence. Nothing for other values.
+std::optional<KeyBinding> binding_of(Call& call, const Value& what) {
     KeyBinding binding;
     TPUEditor* editor = &call.editor;
     if (what.is(Type::program)) {
@@ -77,8 +77,12 @@ KeyBinding binding_of(Call& call, const Value& what) {
         };
     } else if (what.is(Type::learn)) {
         binding.action = [editor, learned = what.learn()] { editor->parser.replay(learned); };
+    } else if ((what.is(Type::string) || what.is(Type::keyword)) &&
+               !tpu_value_is_unspecified(what)) {
+        binding.text = what.text();
     } else {
-        binding.text = what.as_string();
+        wrong_type(call, "a text, a program or a learn sequence");
+        return {};
     }
     return binding;
 }
@@ -87,14 +91,15 @@ KeyBinding binding_of(Call& call, const Value& what) {
 void define_key(Call& call) {
     if (call.args.count() < 2)
         return call.editor.set_message("DEFINE_KEY(text, key [, comment [, key map]])");
-    KeyBinding binding = binding_of(call, call.args.value(0));
+    std::optional<KeyBinding> binding = binding_of(call, call.args.value(0));
+    if (!binding) return;
     int code = key_argument(call.args, 1);
     if (code < 0) {
         call.parser.record_error("TPU$_BADKEY", "Unknown key name " + call.args.text(1));
         return call.editor.set_message("Unknown key name");
     }
-    binding.comment = call.args.count() > 2 ? call.args.text(2) : "User-defined key";
-    if (KeyMap* map = map_argument(call, 3)) map->define_key(code, std::move(binding));
+    binding->comment = call.args.count() > 2 ? call.args.text(2) : "User-defined key";
+    if (KeyMap* map = map_argument(call, 3)) map->define_key(code, *std::move(binding));
 }
 
 void undefine_key(Call& call) {
@@ -174,7 +179,7 @@ constexpr Builtin kRows[] = {
      .help = "Take the binding of a key away."},
     {.name = "LOOKUP_KEY", .statement = lookup_key_shown, .function = lookup_key, .least = 1, .most = 2,
      .form = "LOOKUP_KEY(key [, PROGRAM or COMMENT])", .help = "The text or the comment that is bound to a key."},
-    {.name = "KEY_NAME", .function = key_name, .least = 1, .most = 2, .form = "KEY_NAME(key [, GOLD])",
+    {.name = "KEY_NAME", .statement = shown<key_name>, .function = key_name, .least = 1, .most = 2, .form = "KEY_NAME(key [, GOLD])",
      .help = "The code of a key, given by its name or character."},
     {.name = "CREATE_KEY_MAP", .function = create_key_map, .least = 1, .most = 1, .form = "CREATE_KEY_MAP(name)",
      .help = "Make an empty key map."},

@@ -9,9 +9,12 @@ namespace {
 
 void learn_begin(Call& call) {
     TPUEditor& editor = call.editor;
-    if (editor.learning) {
-        call.parser.record_error("TPU$_ONELEARN", "A learn sequence is being recorded already");
-        return;
+    // Nor while one is replayed: nobody would end what it begins.
+    if (editor.learning || call.parser.is_replaying()) {
+        call.parser.record_error("TPU$_ONELEARN", editor.learning
+                                                      ? "A learn sequence is being recorded already"
+                                                      : "A learn sequence cannot begin another");
+        return editor.set_message(call.parser.error_text);
     }
     editor.learning = true;
     editor.learn_keys = std::make_shared<std::vector<std::string>>();
@@ -20,7 +23,6 @@ void learn_begin(Call& call) {
 
 Value learn_end(Call& call) {
     TPUEditor& editor = call.editor;
-    if (!editor.learning) call.parser.record_error("TPU$_NOTLEARNING", "Nothing is being learned");
     editor.learning = false;
     editor.set_message("LEARN_END");
     if (!editor.learn_keys) return tpu_unspecified();
@@ -53,7 +55,7 @@ constexpr Builtin kRows[] = {
      .help = "End recording; as a function, the learn sequence."},
     {.name = "LEARN_ABORT", .statement = learn_abort, .form = "LEARN_ABORT",
      .help = "End recording and forget what was recorded."},
-    {.name = "EXPAND_LEARN", .function = expand_learn, .least = 1, .most = 1, .form = "EXPAND_LEARN(sequence)",
+    {.name = "EXPAND_LEARN", .statement = shown<expand_learn>, .function = expand_learn, .least = 1, .most = 1, .form = "EXPAND_LEARN(sequence)",
      .help = "The statements of a learn sequence as text, each on a line."},
 };
 // clang-format on

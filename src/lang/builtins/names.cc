@@ -16,9 +16,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-template <Value (*function)(Call&)>
-void shown(Call& call) {
-    call.editor.set_message(function(call).as_string());
+// The first argument; empty without one.
+std::string first_text(Call& call) {
+    return call.args.count() > 0 ? call.args.text(0) : std::string();
 }
 
 // What a word asks for of a file name; nothing when it is no such word.
@@ -77,7 +77,7 @@ std::vector<std::string> matching_files(const std::string& pattern) {
 // The files that a pattern names, one with each call; the empty text after the last.
 Value file_search(Call& call) {
     FileSearch& search = call.editor.file_search;
-    std::string pattern = call.args.text(0);
+    std::string pattern = first_text(call);
     if (call.args.count() == 0 || pattern != search.pattern) {
         search = {pattern, matching_files(pattern), 0};
     }
@@ -88,7 +88,7 @@ Value file_search(Call& call) {
 
 void file_search_shown(Call& call) {
     std::string file = file_search(call).as_string();
-    call.editor.set_message(file.empty() ? call.args.text(0) + ": (no match)" : file);
+    call.editor.set_message(file.empty() ? first_text(call) + ": (no match)" : file);
 }
 
 // The names that begin like `prefix`, of the kind that a word says, in byte order.
@@ -112,7 +112,7 @@ std::set<std::string> names_like(TPUEditor& editor, std::string_view prefix,
 
 // EXPAND_NAME(prefix [, PROCEDURES or VARIABLES or KEYWORDS or BUILTINS or ALL])
 Value expand_name(Call& call) {
-    std::string prefix = ascii::upper(call.args.text(0));
+    std::string prefix = ascii::upper(first_text(call));
     std::string kind = call.args.count() > 1 ? ascii::upper(call.args.text(1)) : "ALL";
     std::string list;
     for (const std::string& name : names_like(call.editor, prefix, kind)) {
@@ -125,7 +125,7 @@ Value expand_name(Call& call) {
 
 void expand_name_shown(Call& call) {
     std::string list = expand_name(call).as_string();
-    call.editor.set_message(list.empty() ? call.args.text(0) + ": (no match)" : list);
+    call.editor.set_message(list.empty() ? first_text(call) + ": (no match)" : list);
 }
 
 Value help_text(Call& call) {

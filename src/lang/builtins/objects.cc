@@ -25,7 +25,7 @@ Value create_range(Call& call) {
     if (call.args.value(1).is(Type::range) && end) end = call.args.value(1).range()->end;
     if (!start || !end) return wrong_type(call, "two markers");
     Range range(*start, *end);
-    if (!range.valid) return wrong_type(call, "two markers of one buffer");
+    if (!range.buffer()) return wrong_type(call, "two markers of one buffer");
     return Value::make_range(range);
 }
 
@@ -39,7 +39,7 @@ Value modify_range(Call& call) {
     bool all_markers = start && (end || call.args.count() < 3);
     if (!all_markers) return wrong_type(call, "markers");
     Range changed(start.value_or(range.start), end.value_or(range.end));
-    if (!changed.valid) return wrong_type(call, "markers of one buffer");
+    if (!changed.buffer()) return wrong_type(call, "markers of one buffer");
     *value.range() = changed;
     return value;
 }

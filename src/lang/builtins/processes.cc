@@ -29,7 +29,7 @@ Value create_process(Call& call) {
     std::string command = call.args.text(0);
     Buffer* given = call.args.value(1).buffer();
     auto process = std::make_shared<TPUProcess>();
-    if (!process->start(command, given ? given : &call.buffer())) {
+    if (!process->start(command, given ? given : &call.buffer(), editor.charset)) {
         editor.set_message("CREATE_PROCESS failed");
         return tpu_unspecified();
     }
@@ -42,9 +42,7 @@ void send(Call& call) {
     if (call.args.count() == 0) return;
     std::string text = call.args.text(0) + "\n";
     Process process = target(call, 1);
-    if (process && !process->send(text)) {
-        call.editor.set_message("SEND: the process does not read; the text was dropped");
-    }
+    if (process) call.editor.send_text(*process, text);
 }
 
 void send_eof(Call& call) {
@@ -63,7 +61,7 @@ constexpr Builtin kRows[] = {
     {.name = "SPAWN", .statement = spawn, .most = 1, .form = "SPAWN(command)",
      .help = "Run a command of the shell on the whole screen."},
     {.name = "CREATE_PROCESS", .function = create_process, .least = 1, .most = 2, .form = "CREATE_PROCESS(command [, buffer])",
-     .help = "Start a command of the shell whose output goes to the end of a buffer."},
+     .help = "Start a command of the shell whose output goes into a buffer, at its cursor."},
     {.name = "SEND", .statement = send, .least = 1, .most = 2, .form = "SEND(text [, process])",
      .help = "Give a process a line of input; without one, the process that was started last."},
     {.name = "SEND_EOF", .statement = send_eof, .most = 1, .form = "SEND_EOF[(process)]",

@@ -10,9 +10,9 @@ namespace tpu {
 std::span<const std::span<const Builtin>> builtin_families() {
     using namespace builtins;
     static const std::array kFamilies = {
-        movement(), editing(),  search(),    display(),   control(),    testing(), texts(),
-        objects(),  patterns(), input(),     names(),     attributes(), windows(), buffers(),
-        keys(),     learn(),    processes(), clipboard(), toolkit(),
+        movement(), editing(),  search(),    display(),   control(),    testing(),  texts(),
+        objects(),  patterns(), input(),     names(),     attributes(), windows(),  buffers(),
+        keys(),     learn(),    processes(), clipboard(), journal(),    sections(), toolkit(),
     };
     return kFamilies;
 }

@@ -17,15 +17,17 @@ TPUWindow* window_argument(Call& call, std::size_t i) {
     return nullptr;
 }
 
+// Rows of the screen, or past its end; few enough to be added up.
+int rows_argument(Call& call, std::size_t i) {
+    constexpr long long kMost = layout::kFarthestRow;
+    return static_cast<int>(std::clamp(call.args.number(i), -kMost, kMost));
+}
+
 // CREATE_WINDOW(top, height [, ON or OFF])
 Value create_window(Call& call) {
     if (call.args.count() < 2) return wrong_type(call, "a top row and a height");
-    TPUEditor& editor = call.editor;
-    int rows = std::max(editor.rows - 2, 1);
-    int top = std::clamp(bounded(call.args.number(0)), 0, rows - 1);
-    int height = std::clamp(bounded(call.args.number(1)), 1, rows - top);
-    TPUWindow* window = editor.create_window(top, height, call.args.on(2, true));
-    return Value::make_window(window);
+    int top = rows_argument(call, 0), height = rows_argument(call, 1);
+    return Value::make_window(call.editor.create_window(top, height, call.args.on(2, true)));
 }
 
 void map(Call& call) {
@@ -47,19 +49,13 @@ void unmap(Call& call) {
 void adjust_window(Call& call) {
     TPUWindow* window = window_argument(call, 0);
     if (!window) return;
-    call.editor.adjust_window(window, bounded(call.args.number(1)), bounded(call.args.number(2)));
+    call.editor.adjust_window(window, rows_argument(call, 1), rows_argument(call, 2));
 }
 
 void delete_window(Call& call) {
     TPUWindow* window =
         call.args.count() == 0 ? call.editor.current_window : window_argument(call, 0);
-    if (!window) return;
-    if (call.editor.windows.size() == 1) {
-        return call.editor.set_message("The last window cannot be deleted");
-    }
-    call.editor.delete_window(window);
-    TPUWindow* left = call.editor.current_window;
-    if (left && left->buffer) call.editor.position(left->buffer);
+    if (window) call.editor.delete_window(window);
 }
 
 void locate_mouse(Call& call) {
@@ -73,9 +69,9 @@ constexpr Builtin kRows[] = {
      .form = "CREATE_WINDOW(top, height [, status ON or OFF])",
      .help = "A new window from a row on, the screen's first being 0; its height counts the status line."},
     {.name = "MAP", .statement = map, .least = 2, .most = 2, .form = "MAP(window, buffer)",
-     .help = "Let a window show a buffer."},
+     .help = "Let a window show a buffer; that of the current window becomes the current buffer."},
     {.name = "UNMAP", .statement = unmap, .least = 1, .most = 1, .form = "UNMAP(window)",
-     .help = "Let a window show nothing."},
+     .help = "Let a window show nothing; the current one shows the current buffer when the screen is drawn."},
     {.name = "ADJUST_WINDOW", .statement = adjust_window, .least = 3, .most = 3,
      .form = "ADJUST_WINDOW(window, top, bottom)", .help = "Move the top and the bottom of a window by so many rows."},
     {.name = "SPLIT_WINDOW", .statement = [](Call& c) { c.editor.split_window_horizontal(); },
@@ -85,7 +81,7 @@ constexpr Builtin kRows[] = {
     {.name = "NEXT_WINDOW", .statement = [](Call& c) { c.editor.next_window(); },
      .form = "NEXT_WINDOW", .help = "Go to the next window."},
     {.name = "DELETE_WINDOW", .statement = delete_window, .most = 1, .form = "DELETE_WINDOW[(window)]",
-     .help = "Delete a window, or the current one."},
+     .help = "Delete a window, or the current one; when none is left, a new one fills the screen."},
     {.name = "LOCATE_MOUSE", .statement = locate_mouse, .form = "LOCATE_MOUSE",
      .help = "Show where the mouse was clicked last."},
 };

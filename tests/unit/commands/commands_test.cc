@@ -149,6 +149,10 @@ TEST_F(Commands, find_texts_and_patterns) {
     EXPECT_EQ(session.cursor(), (Position{2, 5}));
     EXPECT_EQ(run("search \"one\""), "Not found");
     run("TOP");
+    EXPECT_EQ(run("FIND \"two\" "), "Found");
+    EXPECT_EQ(run("FIND six "), "Found");
+    run("TOP");
+    EXPECT_EQ(run("FIND \"six \""), "Not found");
     EXPECT_EQ(run("FIND LINE_END"), "Found");
     EXPECT_EQ(session.cursor(), (Position{0, 7}));
     EXPECT_EQ(run("FIND span(\"x\") & line_end"), "Found");
@@ -266,6 +270,26 @@ TEST_F(Commands, cut_and_paste_rectangles) {
     EXPECT_EQ(text(), "twone\ne  hr\nfour fiouve six");
 }
 
+TEST_F(Commands, take_no_character_apart) {
+    main.lines = LineStore::from_text("h\xc3\xa4user\nabcd");
+    const std::string before = text();
+    go(0, 2);
+    run("SELECT");
+    go(1, 0);
+    EXPECT_EQ(run("CUT"), "MOVE_TEXT SELECT_RANGE");
+    EXPECT_EQ(text(), "habcd");
+    go(0, 1);
+    run("PASTE");
+    EXPECT_EQ(text(), before);
+    go(1, 2);
+    run("BOX SELECT");
+    go(1, 3);
+    run("BOX CUT");
+    go(0, 2);
+    run("BOX PASTE");
+    EXPECT_EQ(text(), "hc\xc3\xa4user\nabd");
+}
+
 TEST_F(Commands, replace_one_some_or_all_matches) {
     EXPECT_EQ(run("REPLACE o 0"), "Replaced");
     EXPECT_EQ(text(), "one tw0\nthree\nfour five six");
@@ -283,6 +307,15 @@ TEST_F(Commands, replace_one_some_or_all_matches) {
     main.insert_mode = false;
     EXPECT_EQ(run("REPLACE ree ousand"), "Replaced");
     EXPECT_EQ(text(), "00ne tw00\nthousand\nf00ur ");
+}
+
+TEST_F(Commands, replacing_ends_with_ctrl_c_and_can_be_undone) {
+    main.lines = LineStore::from_text(std::string(1000, 'o'));
+    session.clock.step = std::chrono::milliseconds(100);
+    session.terminal.keys = {control('C')};
+    EXPECT_EQ(run("REPLACE o 0 ALL"), "Replaced 256, stopped by Ctrl-C");
+    run("UNDO");
+    EXPECT_EQ(text(), std::string(1000, 'o'));
 }
 
 TEST_F(Commands, replace_asks_for_what_is_not_said) {
@@ -308,6 +341,8 @@ TEST_F(Commands, set_attributes) {
     EXPECT_EQ(main.left_margin, 5u);
     EXPECT_EQ(main.right_margin, 70u);
     EXPECT_EQ(run("SET LEFT MARGIN x"), "SET LEFT MARGIN n");
+    EXPECT_EQ(run("SET MARGINS 9"), "SET MARGINS left right");
+    EXPECT_EQ(main.left_margin, 5u);
     EXPECT_EQ(run("SET RIGHT MARGIN"), "SET RIGHT MARGIN n");
     run("SET TAB STOPS 4");
     EXPECT_EQ(main.tab_interval, 4u);
@@ -361,11 +396,17 @@ TEST_F(Commands, bind_keys) {
     EXPECT_EQ(editor.message, "LAST_KEY = 26");
     session.press("<CTRL_Z>read_key<RETURN><PF4>");
     EXPECT_EQ(editor.message, "READ_KEY = 268");
+    session.press("<CTRL_Z>read_key<RETURN>\xc3\xa4");
+    EXPECT_EQ(editor.message, "READ_KEY = 195");
+    EXPECT_FALSE(main.modified);
 }
 
 TEST_F(Commands, list_and_make_buffers) {
     EXPECT_EQ(run("BUFFER"), "BUFFER requires name");
     EXPECT_EQ(run("BUFFER other"), "Current buffer: other");
+    EXPECT_EQ(run("BUFFER MAIN"), "Current buffer: MAIN");
+    editor.create_buffer("a b", "");
+    EXPECT_EQ(run("BUFFER \"a b\""), "Current buffer: a b");
     EXPECT_EQ(run("BUFFER MAIN"), "Current buffer: MAIN");
     EXPECT_TRUE(run("PREVIOUS BUFFER").starts_with("Buffer "));
     EXPECT_TRUE(run("NEXT BUFFER").starts_with("Buffer "));
@@ -393,6 +434,46 @@ TEST_F(Commands, leave_an_unmodifiable_buffer_alone) {
     }
     EXPECT_TRUE(editor.kill_ring.empty());
     EXPECT_FALSE(main.modified);
+}
+
+// Commands that leave the editor, or write files wherever one is named.
+bool acts_outside(const Command& command) {
+    std::string_view word = command.first_word();
+    return word == "SPAWN" || word == "DCL" || word == "WRITE" || word == "SAVE";
+}
+
+// Whatever stands behind a command, and wherever the cursor is: nothing breaks, and what
+// cannot be changed is not.
+TEST_F(Commands, take_odd_arguments) {
+    const std::string before = text();
+    auto run_on = [&](const std::string& line, bool modifiable, bool selected) {
+        editor.position(&main);
+        main.lines = LineStore::from_text(before);
+        main.modifiable = modifiable;
+        main.select_anchor.reset();
+        if (selected) select({2, 40}, {0, 1});
+        main.box_select = selected;
+        run(line);
+        main.lines.check_invariants();
+    };
+    for (const Command* command : all_commands()) {
+        if (acts_outside(*command)) continue;
+        for (const char* argument :
+             {"", " 0", " -1", " 99999999999999999999", " \"", " \"\" \"\" ALL", " \xc3", " TO",
+              " a b c d e f", " TO \xe2\x82\xac", " ANY(", " gold_", " /nowhere/at/all"}) {
+            std::string line = std::string(command->words) + argument;
+            SCOPED_TRACE(line);
+            for (bool selected : {false, true}) {
+                run_on(line, true, selected);
+                run_on(line, false, selected);
+                EXPECT_EQ(main.lines.text(), before);
+            }
+            editor.current_buffer = nullptr;
+            run(line);
+        }
+    }
+    editor.current_buffer = nullptr;
+    EXPECT_EQ(run("TOP"), "There is no buffer");
 }
 
 struct FileCommands : Commands {
@@ -462,6 +543,9 @@ TEST_F(FileCommands, complete_names_on_the_command_line) {
     EXPECT_EQ(completed("set tab "), Names{"STOPS "});
     EXPECT_EQ(completed("help wi"), Names{"WINDOWS "});
     EXPECT_EQ(completed("buffer MA"), Names{"MAIN "});
+    editor.create_buffer("a b", "");
+    EXPECT_EQ(completed("buffer A"), Names{"\"a b\" "});
+    EXPECT_EQ(completed("buffer \"A "), Names{"\"a b\" "});
     EXPECT_EQ(completed("sho var"), Names{"VARIABLES "});
     folder.write("with blank", "");
     folder.write("other", "");

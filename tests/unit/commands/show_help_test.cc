@@ -1,10 +1,14 @@
 // What SHOW and HELP put into their buffers and messages.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <set>
 #include <sstream>
 
 #include "app/version.h"
 #include "commands/command_words.h"
+#include "commands/help.h"
+#include "core/ascii.h"
 #include "keys/key_names.h"
 #include "lang/attributes/get_info_table.h"
 #include "lang/attributes/set_table.h"
@@ -263,6 +267,63 @@ TEST(HelpTexts, list_what_the_tables_have) {
     line_begins("COMMANDS", "SEARCH_QUIETLY <pat>      Search without status message.\n");
     line_begins("KEYS", "GOLD_T                    GOLD-T top of buffer\n");
     line_begins("EVE", "NEXT BUFFER               Go to the next buffer.\n");
+    line_begins("EVE", "GET file                  Go");
+}
+
+TEST(HelpTexts, name_the_commands_that_cannot_be_shortened) {
+    std::string text = TPUEditor::help_text("COMMANDS");
+    std::size_t begin = text.find("typed in full"), end = text.find("\n\n", begin);
+    text = text.substr(begin, end - begin);
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c == ',' || c == '.'; }, ' ');
+    std::set<std::string> named, expected;
+    std::istringstream words(text);
+    for (std::string word; words >> word;) {
+        if (word == ascii::upper(word)) named.insert(word);
+    }
+    for (const Command* command : all_commands()) {
+        if (command->in_full) expected.emplace(command->first_word());
+    }
+    EXPECT_EQ(named, expected);
+}
+
+// The lines of a topic that begin with blanks, without them and without explanations.
+// Several lines with a procedure in them are one example.
+std::vector<std::string> examples_of(const HelpTopic& topic) {
+    std::vector<std::string> examples;
+    std::istringstream lines{std::string(*topic.text)};
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with("  ")) continue;
+        line.erase(0, 2);
+        bool continues = line.starts_with(' ') || line.starts_with("END");
+        std::string code = line.substr(0, line.find("   ", line.find_first_not_of(' ')));
+        if (continues) {
+            examples.back() += '\n' + code;
+        } else {
+            examples.push_back(code);
+        }
+    }
+    return examples;
+}
+
+TEST_F(ShowHelp, examples_in_the_help_texts_run) {
+    int count = 0;
+    for (const HelpTopic& topic : help_topic_rows()) {
+        bool has_tables = topic.name == "TYPES" || topic.name == "WINDOWS";
+        if (!topic.text || has_tables) continue;
+        for (const std::string& example : examples_of(topic)) {
+            ++count;
+            session.editor.set_message("");
+            bool is_procedure = example.starts_with("PROCEDURE");
+            is_procedure ? session.editor.parser.compile_text(example)
+                         : session.editor.execute_command(example);
+            EXPECT_FALSE(session.editor.message.starts_with("Unknown")) << example;
+            EXPECT_EQ(session.editor.parser.error_count, 0) << topic.name << ": " << example;
+        }
+    }
+    EXPECT_GT(count, 40);
+    session.editor.execute_command("MESSAGE(STR(sum(4)))");
+    EXPECT_EQ(session.editor.message, "10");
 }
 
 TEST_F(ShowHelp, help_knows_names_that_are_no_topics) {
@@ -272,6 +333,9 @@ TEST_F(ShowHelp, help_knows_names_that_are_no_topics) {
     text = after("HELP Find");
     EXPECT_TRUE(has(text, "  FIND [text or pattern]    Command: Search")) << text;
     EXPECT_TRUE(has(after("HELP substr"), "  SUBSTR(text, start, length)\n")) << text;
+    EXPECT_TRUE(has(after("HELP gold_u"), "  Key GOLD_U                GOLD-U undo")) << text;
+    EXPECT_TRUE(has(after("HELP pastes"), "  SHOW PASTES               The")) << text;
+    EXPECT_TRUE(has(after("HELP pad"), "  SET(PAD, ...)             Accepted")) << text;
 }
 
 TEST_F(ShowHelp, help_on_the_unknown_offers_what_comes_close) {

@@ -1,5 +1,8 @@
 // What keys do, through the default bindings.
 #include <gtest/gtest.h>
+#include <signal.h>
+
+#include <chrono>
 
 #include "keys/key_names.h"
 #include "proc/process.h"
@@ -138,6 +141,49 @@ TEST(Keys, run_procedures_before_and_after_and_record_texts_while_learning) {
     EXPECT_EQ(*s.editor.learn_keys, (Rows{"END"}));
 }
 
+TEST(Keys, keep_what_was_bound_to_them_before_the_defaults) {
+    Session s({"one"});
+    s.editor.key_maps.clear();
+    s.editor.key_map_lists.clear();
+    s.editor.current_key_map_list = nullptr;
+    s.editor.parser.compile_text(
+        "DEFINE_KEY(\"COPY_TEXT(1)\", \"LEFT\")\n"
+        "DEFINE_KEY(COMPILE(\"COPY_TEXT(1 + 1)\"), 269)\n"
+        "LEARN_BEGIN; COPY_TEXT(1 + 2); learned := LEARN_END; DELETE\n"
+        "DEFINE_KEY(learned, KEY_NAME(\"A\", GOLD), \"three\")\n"
+        "DEFINE_KEY(\"COPY_TEXT(4)\", \"GOLD_CTRL_W\", \"four\", \"none\")\n");
+    EXPECT_EQ(s.editor.message, "There is no key map none");
+    s.terminal.keys = {kKeyLeft, kKeyF0 + 5, kKeyF0 + 1, 'A', kKeyEnd, 'x'};
+    s.editor.run();
+    EXPECT_EQ(s.lines(), (Rows{"3123nex"}));
+}
+
+TEST(Keys, act_whatever_the_procedures_around_them_do) {
+    Session s({"one"});
+    s.editor.parser.compile_text("PROCEDURE again\nagain\nENDPROCEDURE\n");
+    s.editor.pre_key_procedure = "nonsense here";
+    s.editor.post_key_procedure = "again";  // without end
+    s.press("a");
+    EXPECT_EQ(s.lines(), (Rows{"aone"}));
+    EXPECT_FALSE(s.editor.parser.error_list.empty());
+    Buffer* log = s.editor.find_buffer("$MESSAGE_BUFFER");
+    EXPECT_NE(log->lines.find("Unknown command: nonsense here", 0), std::nullopt);
+
+    s.editor.pre_key_procedure = "SET(PRE_KEY_PROCEDURE, \"\"); POSITION(CREATE_BUFFER(\"b\"))";
+    s.editor.post_key_procedure = "DELETE(CURRENT_BUFFER)";
+    s.press("x");
+    EXPECT_EQ(s.editor.find_buffer("b"), nullptr);
+    EXPECT_EQ(s.editor.current_buffer, s.buffer);
+    s.editor.undefined_key_procedure = "DELETE(GET_BUFFER(\"c\"))";
+    s.editor.pre_key_procedure = "POSITION(CREATE_BUFFER(\"c\"))";
+    s.editor.post_key_procedure = "SET(POST_KEY_PROCEDURE, \"\"); QUIT";
+    s.press("<F9>");
+    EXPECT_EQ(s.editor.current_buffer, s.buffer);
+    EXPECT_FALSE(s.editor.running);
+    EXPECT_EQ(s.editor.post_key_procedure, "");
+    EXPECT_EQ(s.lines(), (Rows{"aone"}));
+}
+
 TEST(UndoSteps, are_one_for_a_key_and_none_for_undo_itself) {
     Session s({"one", "two"});
     s.press("ab<DOWN>");
@@ -260,6 +306,87 @@ TEST(AttachedProcess, gets_the_keys_while_it_is_attached) {
     s.editor.attached_process = process;
     s.press("<CTRL_Z>x");
     EXPECT_EQ(s.lines(), (Rows{"hi\b", "pastedx"}));
+}
+
+TEST(AttachedProcess, gets_characters_and_nothing_else) {
+    Session s({""});
+    auto process = std::make_shared<TPUProcess>();
+    ASSERT_TRUE(process->start("cat", s.buffer, Charset::utf8));
+    s.editor.processes.push_back(process);
+    s.editor.attached_process = process;
+    s.editor.pre_key_procedure = s.editor.post_key_procedure = "COPY_TEXT(\"!\")";
+    s.editor.gold_pending = true;
+    for (int key = 0; key < 500; ++key) {
+        if (key == control('Z') || key == control('D')) continue;
+        s.editor.handle_key(key);
+        EXPECT_EQ(s.editor.last_key, key);
+    }
+    EXPECT_TRUE(s.editor.gold_pending);
+    std::string expected = "\b\n\n";  // Ctrl-H, and both line ends
+    for (int c = 32; c < 256; ++c) expected += c == 127 ? '\b' : static_cast<char>(c);
+    expected += "\b\n";  // the backspace key and Enter of the keypad
+    s.editor.handle_key(control('D'));
+    while (!s.editor.processes.empty()) s.editor.poll_processes();
+    EXPECT_EQ(s.buffer->lines.text(), expected);
+}
+
+TEST(AttachedProcess, says_when_it_takes_no_more) {
+    Session s({""});
+    auto process = std::make_shared<TPUProcess>();
+    ASSERT_TRUE(process->start("sleep 1000", s.buffer));
+    s.editor.attached_process = process;
+    s.editor.insert_paste(std::string((16 << 20) + 1, 'x'));
+    EXPECT_TRUE(s.editor.message.starts_with("SEND: too much waits")) << s.editor.message;
+}
+
+TEST(Processes, that_are_deleted_end_and_are_reaped) {
+    Session s({""});
+    auto run = [&](const char* statement) { s.editor.parser.execute_statement(statement); };
+    run("p := CREATE_PROCESS(\"echo up; sleep 1000\")");
+    run("ATTACH(p)");
+    const pid_t pid = s.editor.processes.front()->pid();
+    while (s.buffer->lines.size() < 2) s.editor.poll_processes();
+    run("DELETE(p)");
+    EXPECT_TRUE(s.editor.processes.empty());
+    EXPECT_EQ(s.editor.attached_process, nullptr);
+    const auto give_up = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    // A dead child is there until it is reaped.
+    while (kill(pid, 0) == 0 && std::chrono::steady_clock::now() < give_up) {
+        s.editor.poll_processes();
+    }
+    EXPECT_EQ(kill(pid, 0), -1);
+}
+
+TEST(Processes, that_are_deleted_and_will_not_end_are_killed_with_the_session) {
+    pid_t pid;
+    {
+        Session s({""});
+        auto run = [&](const char* text) { s.editor.parser.execute_statement(text); };
+        run("p := CREATE_PROCESS(\"trap '' TERM PIPE; echo up; while :; do sleep 1; done\")");
+        pid = s.editor.processes.front()->pid();
+        while (s.buffer->lines.size() < 2) s.editor.poll_processes();
+        run("DELETE(p)");
+        s.editor.poll_processes();
+        EXPECT_EQ(kill(pid, 0), 0);
+    }
+    EXPECT_EQ(kill(pid, 0), -1);
+}
+
+TEST(MainLoop, waits_for_processes_too_but_leaves_time_after_their_output) {
+    Session s({""});
+    s.editor.parser.execute_statement("CREATE_PROCESS(\"echo one; read x; echo two\")");
+    auto process = s.editor.processes.front();
+    s.terminal.before_key = [&] {
+        if (process->pid() > 0) s.terminal.keys.push_front(kNoKey);
+        if (s.buffer->lines.size() == 2) process->send("\n");
+    };
+    s.editor.run();
+    EXPECT_EQ(s.lines(), (Rows{"one", "two", ""}));
+    std::vector<int>& waits = s.terminal.waits;
+    EXPECT_EQ(waits.front(), 200);
+    EXPECT_NE(std::find(waits.begin(), waits.end(), 20), waits.end());
+    EXPECT_EQ(waits.back(), -1);
+    EXPECT_TRUE(s.terminal.others.readable.empty());
 }
 
 TEST(MainLoop, draws_once_for_keys_that_wait) {

@@ -71,6 +71,9 @@ TEST(LineInput, completes_what_is_common_and_then_goes_through_the_rest) {
     EXPECT_EQ(typed("s<TAB><TAB><TAB><TAB>x", how), "saltx|");
     EXPECT_EQ(typed("sa!<LEFT><TAB><TAB>", how), "sand|!");
     EXPECT_EQ(typed("x<TAB>", how), "x|");
+    // Characters that share their first byte have nothing in common.
+    how.complete = [](std::string_view) { return Completion{0, {"na\xc3\xa4", "na\xc3\xb6"}}; };
+    EXPECT_EQ(typed("n<TAB>", how), "na|");
     EXPECT_EQ(typed("x<TAB>"), "x|");
 }
 

@@ -31,6 +31,14 @@ TEST(Paste, brings_back_what_was_cut_or_copied) {
     EXPECT_EQ(s.lines(), (Rows{"one", "one", "ttwo"}));
 }
 
+TEST(Paste, takes_no_character_apart) {
+    Session s({"ab", "\xc3\xa4", "ab"});
+    s.press("<RIGHT><CTRL_V><DOWN><CTRL_W>");
+    EXPECT_EQ(s.lines(), (Rows{"a\xc3\xa4", "ab"}));
+    s.press("<DOWN><RIGHT><UP><CTRL_V><END><CTRL_W>");
+    EXPECT_EQ(s.lines(), (Rows{"a", "ab"}));
+}
+
 TEST(Paste, is_the_same_as_typing_whatever_the_text_holds) {
     for (const char* text : {"abc", "a\nb\n", "a\tb", "\n", "one two\nthree"}) {
         for (int mode = 0; mode < 8; ++mode) {

@@ -97,10 +97,74 @@ TEST_F(Attributes, the_timer_runs_until_it_is_switched_off) {
     EXPECT_EQ(session.lines()[0], "1abcdef");
 }
 
+TEST_F(Attributes, the_timer_runs_blocks_and_procedures_and_keeps_its_own) {
+    define("tick", "COPY_TEXT(\"t\")");
+    run("SET(TIMER, 100, \"IF CURRENT_ROW = 1 THEN tick; ENDIF\")");
+    run("SET(TIMER, 100)");
+    session.clock.step = std::chrono::milliseconds(60);
+    session.terminal.keys = {kNoKey, kNoKey, kNoKey, kNoKey};
+    session.editor.run();
+    EXPECT_EQ(session.lines()[0], "ttabcdef");
+}
+
 TEST_F(Attributes, the_shift_key_is_a_second_gold) {
     run("SET(SHIFT_KEY, \"F6\")");
     session.press("<F6>E");
     EXPECT_EQ(session.cursor(), (Position{2, 3}));
+    run("SET(SHIFT_KEY, KEY_NAME(\"CTRL_K\"))");
+    session.press("<CTRL_K>T");
+    EXPECT_EQ(session.cursor(), (Position{0, 0}));
+    run("SET(SHIFT_KEY, \"NO_KEY\")");
+    EXPECT_EQ(session.editor.message, "Unknown key name");
+    EXPECT_EQ(session.editor.shift_key, control('K'));
+    run("SET(SHIFT_KEY, OFF)");
+    EXPECT_EQ(session.editor.shift_key, 0);
+}
+
+// Objects of all kinds, those that lead nowhere too: some of them have each item.
+TEST_F(Attributes, every_item_can_be_asked_of_every_object) {
+    session.editor.parser.compile_text(R"(
+        here := CURRENT_BUFFER; gone := CREATE_BUFFER("gone"); lost := MARK
+        range := CREATE_RANGE(MARK, END_OF(here)); void := CREATE_RANGE(MARK, MARK)
+        DELETE(gone); DELETE(void); array := CREATE_ARRAY(2); program := COMPILE("TOP")
+        MOVE_VERTICAL(2); before := MARK; ERASE_LINE
+        LEARN_BEGIN; learned := LEARN_END; process := CREATE_PROCESS("exit 0", here)
+        shown := CURRENT_WINDOW; far := CREATE_WINDOW(9223372036854775807, 9223372036854775807)
+        MAP(far, here); empty := CREATE_WINDOW(-5, -7, OFF); pattern := SPAN("a"))");
+    for (const InfoItem& row : info_items()) {
+        for (std::string_view name : row.names) {
+            if (name.empty()) continue;
+            bool given = false;
+            for (const char* object : {"0",
+                                       "\"\"",
+                                       "here",
+                                       "gone",
+                                       "lost",
+                                       "range",
+                                       "void",
+                                       "array",
+                                       "program",
+                                       "before",
+                                       "learned",
+                                       "process",
+                                       "shown",
+                                       "far",
+                                       "empty",
+                                       "pattern",
+                                       "SCREEN",
+                                       "BUFFERS",
+                                       "WINDOWS",
+                                       "COMMAND_LINE",
+                                       "\"TPU$KEY_MAP\"",
+                                       "\"TPU$KEY_MAP_LIST\""}) {
+                std::string call = std::string("GET_INFO(").append(object) + ", \"";
+                call.append(name) += "\")";
+                Value value = session.editor.parser.eval_expression(call);
+                given = given || !tpu_value_is_unspecified(value);
+            }
+            EXPECT_TRUE(given) << name;
+        }
+    }
 }
 
 // The rows that a document shall have for the tables of the code.

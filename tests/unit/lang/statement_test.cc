@@ -38,10 +38,30 @@ TEST(Statements, tell_what_they_did) {
         {"COPY_TEXT(\"a\"); UNDO; REDO", "Redone"},
         {"EXECUTE(\" a \" + 1)", "No such procedure: a 1"},
         {"SPAWN(\"\")", "SPAWN requires a command"},
+        {"CREATE_PROCESS", "CREATE_PROCESS needs a command"},
+        {"MESSAGE(\"kept\"); SEND; SEND(\"x\"); SEND_EOF", "kept"},
+        {"ATTACH", "ATTACH: no process"},
+        {"p := CREATE_PROCESS(\"cat\"); ATTACH",
+         "ATTACHED \xe2\x80\x94 type to process; Ctrl-Z detach, Ctrl-D EOF"},
+        {"create_widget(1, 2)", "CREATE_WIDGET: accepted (no-op in ncurses build)"},
         {"END_OF; CURRENT_COLUMN", "8"},
         {"MOVE_HORIZONTAL(1); CURRENT_CHARACTER", "n"},
         {"MESSAGE(\"TPU$\")", "TPU$"},
         {"ABORT; MESSAGE(\"never\")", "ABORT"},
+        {"LENGTH(\"four\")", "4"},
+        {"KEY_NAME(\"F5\")", "269"},
+        {"EXPAND_LEARN(5)", "EXPAND_LEARN needs a learn sequence"},
+        {"MAP(CURRENT_WINDOW, 1)", "MAP needs a buffer"},
+        {"MESSAGE(\"kept\"); x := CREATE_RANGE(1, 2)", "kept"},
+        {"DELETE(\"text\")", "DELETE needs a buffer, window, array, marker, range or process"},
+        {"LEARN_BEGIN; LEARN_BEGIN", "A learn sequence is being recorded already"},
+        {"LEARN_END; MESSAGE(ERROR)", "successful completion"},
+        {"CREATE_WIDGET(1, 2)", "CREATE_WIDGET: accepted (no-op in ncurses build)"},
+        {"LOCATE_MOUSE", "Mouse: row=-1 col=-1"},
+        {"SET(VIDEO, GREEN)",
+         "SET(VIDEO) needs BOLD, REVERSE, UNDERLINE, DIM, BLINK, STANDOUT, NORMAL or OFF"},
+        {"SET(STATUS_LINE, CURRENT_WINDOW, 5)", "SET(STATUS_LINE) needs ON, TEXT, OFF or NONE"},
+        {"SET(PRE_KEY_PROCEDURE, CURRENT_BUFFER)", "SET needs the text of a statement"},
     };
     for (const auto& c : cases) {
         Session s({"one two"});
@@ -144,6 +164,9 @@ TEST(Statements, read_what_is_typed) {
     EXPECT_EQ(value_of(s, "X"), "Ada,n,q");
     EXPECT_EQ(shown, "Press a k");
     EXPECT_TRUE(s.editor.running);
+    s.terminal.keys = {0xe2, 0x82, 0xac, '.'};
+    s.editor.parser.compile_text("x := READ_CHAR + READ_CHAR");
+    EXPECT_EQ(value_of(s, "X"), "\xe2\x82\xac.");
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 
 #include "core/buffer.h"
+#include "store/file_io.h"
+#include "store/read_file.h"
 #include "unit/store/temp_folder.h"
 
 namespace tpu {
@@ -81,6 +84,12 @@ TEST(Load, finds_pairs_wherever_the_parts_of_a_large_file_meet) {
         SCOPED_TRACE(testing::PrintToString(mark));
         expect_lines(buffer.lines, split(text));
     }
+}
+
+TEST(Load, of_what_never_ends_fails) {
+    Descriptor zeros = open_file("/dev/zero", O_RDONLY);
+    EXPECT_FALSE(read_lines(zeros.get(), 0, std::uint64_t{1} << 20));
+    EXPECT_EQ(errno, EFBIG);
 }
 
 void settle() {

@@ -1,0 +1,38 @@
+// What an outermost statement leaves in a journal.
+#pragma once
+
+#include "editor/editor.h"
+#include "lang/stmt_text.h"
+
+namespace tpu {
+
+// Lives while the statement runs. Records it beforehand if the buffer that is current
+// keeps a journal; costs nothing if it does not.
+class JournalEntry {
+  public:
+    JournalEntry(TPUEditor& editor, const Stmt& stmt) : editor_(editor) {
+        if (is_wanted()) begin(text_of(stmt));
+    }
+    JournalEntry(TPUEditor& editor, const std::string& statement) : editor_(editor) {
+        if (is_wanted()) begin(statement);
+    }
+    ~JournalEntry() {
+        if (buffer_) end();
+    }
+    JournalEntry(const JournalEntry&) = delete;
+    JournalEntry& operator=(const JournalEntry&) = delete;
+
+  private:
+    bool is_wanted() const {
+        const Buffer* buffer = editor_.current_buffer;
+        return buffer && buffer->journaling;
+    }
+    void begin(const std::string& text);
+    void end();
+
+    TPUEditor& editor_;
+    Buffer* buffer_ = nullptr;  // whose journal has the record
+    bool by_effect_ = false;    // it gets one afterwards, for what the statement did
+};
+
+}  // namespace tpu

@@ -1,0 +1,364 @@
+#include "editor/journal_mirror.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "editor/editor.h"
+#include "lang/stmt_text.h"
+#include "store/journal.h"
+
+namespace tpu {
+
+namespace {
+
+constexpr std::size_t kMostKeys = 32;             // gathered at once
+constexpr std::uint64_t kLongestPiece = 1 << 20;  // bytes of text in a record
+
+struct Mode {
+    bool Buffer::*flag;
+    const char* on;
+    const char* off;
+};
+
+// What decides how typed and copied text goes in, how searches and motions go.
+constexpr Mode kModes[] = {
+    {&Buffer::insert_mode, "SET(INSERT)", "SET(OVERSTRIKE)"},
+    {&Buffer::auto_wrap, "SET(WRAP)", "SET(NO_WRAP)"},
+    {&Buffer::reverse, "SET(REVERSE)", "SET(FORWARD)"},
+    {&Buffer::free_cursor, "SET(FREE_CURSOR, ON)", "SET(FREE_CURSOR, OFF)"},
+};
+
+struct Margin {
+    std::uint64_t Buffer::*column;
+    const char* name;
+};
+
+constexpr Margin kMargins[] = {
+    {&Buffer::left_margin, "LEFT_MARGIN"},
+    {&Buffer::right_margin, "RIGHT_MARGIN"},
+};
+
+Position cursor(const Buffer& buffer) {
+    return {buffer.cursor_row, buffer.cursor_column};
+}
+
+std::uint64_t cursor_offset(const Buffer& buffer) {
+    return buffer.current_offset_in_line();
+}
+
+bool is_same_place(const std::optional<Marker>& a, const std::optional<Marker>& b) {
+    return a.has_value() == b.has_value() && (!a || a->position() == b->position());
+}
+
+int bounded(std::uint64_t n) {
+    return static_cast<int>(std::min<std::uint64_t>(n, std::numeric_limits<int>::max()));
+}
+
+int difference(std::uint64_t from, std::uint64_t to) {
+    return to >= from ? bounded(to - from) : -bounded(from - to);
+}
+
+std::string call(std::string_view name, int n) {
+    return std::string(name).append("(").append(std::to_string(n)).append(")");
+}
+
+// The largest n up to `most` for which holds(n); it holds for 0, and for all below one
+// that it holds for.
+template <class Holds>
+std::uint64_t largest(std::uint64_t most, Holds holds) {
+    std::uint64_t least = 0;
+    while (least < most) {
+        std::uint64_t middle = most - (most - least) / 2;
+        if (holds(middle)) {
+            least = middle;
+        } else {
+            most = middle - 1;
+        }
+    }
+    return least;
+}
+
+// How much of a text to record at once: no character is torn.
+std::size_t piece_size(std::string_view text) {
+    if (text.size() <= kLongestPiece) return text.size();
+    std::size_t feed = text.rfind('\n', kLongestPiece);
+    if (feed != std::string_view::npos) return feed + 1;
+    std::size_t size = kLongestPiece;
+    while (size > 1 && (text[size] & 0xc0) == 0x80) --size;
+    return size;
+}
+
+// A byte that is not in the text, to stand for tabs, which COPY_TEXT makes blanks of.
+std::string absent_byte(std::string_view text) {
+    for (char c = 1; c < '\x7f'; ++c) {
+        bool usable = c != '\n' && c != '\r' && c != '\t' && c != '"';
+        if (usable && text.find(c) == std::string_view::npos) return {c};
+    }
+    return {};
+}
+
+}  // namespace
+
+JournalMirror::JournalMirror(Buffer& buffer) : buffer_(buffer) {
+    capture();
+}
+
+JournalMirror::JournalMirror(Buffer& buffer, const LineStore& text, Sink sink)
+    : buffer_(buffer), sink_(std::move(sink)) {
+    replayed_.lines = text;
+}
+
+void JournalMirror::capture() {
+    replayed_.lines = buffer_.lines;
+    replayed_.cursor_row = buffer_.cursor_row;
+    replayed_.cursor_column = buffer_.cursor_column;
+    take_anchor();
+    replayed_.tab_stops = buffer_.tab_stops;
+    replayed_.tab_interval = buffer_.tab_interval;
+    for (const Mode& mode : kModes) replayed_.*mode.flag = buffer_.*mode.flag;
+    for (const Margin& margin : kMargins) replayed_.*margin.column = buffer_.*margin.column;
+    moved_to_.reset();
+    if (typed_.empty()) waiting_since_.reset();
+}
+
+void JournalMirror::follow(Charset charset, Clock::time_point now) {
+    buffer_.clamp_cursor();  // as drawing would
+    follow_modes();
+    if (!has_same_text()) {
+        follow_text(charset, now);
+    } else if (moved_to_.value_or(cursor(replayed_)) != cursor(buffer_)) {
+        if (!typed_.empty()) flush();
+        moved_to_ = cursor(buffer_);
+        waiting_since_ = now;
+    }
+    follow_anchor();
+}
+
+void JournalMirror::flush() {
+    if (!typed_.empty()) {
+        std::string text = std::exchange(typed_, {});
+        typed_keys_ = 0;
+        record("COPY_TEXT(" + expression_for(text) + ")");
+        has_own_steps_ = true;
+    }
+    if (moved_to_) move_to(*std::exchange(moved_to_, {}));
+    waiting_since_.reset();
+}
+
+void JournalMirror::record(std::string_view statement) {
+    if (sink_) return sink_(std::string(statement));
+    // What brought the user back here was not recorded in this journal.
+    if (std::exchange(buffer_.journal_strayed, false)) {
+        tpu_journal_append(&buffer_, "POSITION(GET_BUFFER(" + expression_for(buffer_.name) + "))");
+    }
+    tpu_journal_append(&buffer_, statement);
+}
+
+JournalMirror::State JournalMirror::state() const {
+    return {replayed_.snap(), replayed_.select_anchor};
+}
+
+void JournalMirror::restore(const State& state) {
+    replayed_.restore_snap(state.text);
+    replayed_.select_anchor = state.anchor;
+}
+
+void JournalMirror::take_anchor() {
+    replayed_.select_anchor = buffer_.select_anchor;
+    if (replayed_.select_anchor) replayed_.select_anchor->buffer = &replayed_;
+}
+
+bool JournalMirror::has_same_text() const {
+    return replayed_.lines == buffer_.lines;
+}
+
+bool JournalMirror::is_there() const {
+    return cursor(replayed_) == cursor(buffer_) && has_same_text();
+}
+
+void JournalMirror::write(const std::string& statement) {
+    flush();
+    record(statement);
+    has_own_steps_ = true;
+}
+
+template <class Change>
+bool JournalMirror::tries(const std::string& statement, Change change) {
+    flush();
+    const State before = state();
+    change(replayed_);
+    if (!is_there()) {
+        restore(before);
+        return false;
+    }
+    write(statement);
+    return true;
+}
+
+void JournalMirror::follow_modes() {
+    for (const Mode& mode : kModes) {
+        bool on = buffer_.*mode.flag;
+        if (replayed_.*mode.flag == on) continue;
+        write(on ? mode.on : mode.off);
+        replayed_.*mode.flag = on;
+        replayed_.clamp_cursor();
+    }
+    for (const Margin& margin : kMargins) {
+        std::uint64_t column = buffer_.*margin.column;
+        if (replayed_.*margin.column == column) continue;
+        write(std::string("SET(") + margin.name + ", " + std::to_string(column) + ")");
+        replayed_.*margin.column = column;
+    }
+    replayed_.tab_stops = buffer_.tab_stops;
+    replayed_.tab_interval = buffer_.tab_interval;
+}
+
+void JournalMirror::follow_text(Charset charset, Clock::time_point now) {
+    if (moved_to_) flush();
+    if (follow_typing(charset, now) || follow_erasing()) return;
+    rewrite(charset);
+}
+
+bool JournalMirror::follow_typing(Charset charset, Clock::time_point now) {
+    std::uint64_t from = cursor_offset(replayed_), to = cursor_offset(buffer_);
+    if (to <= from || to - from > kLongestPiece) return false;
+    std::string text = buffer_.lines.text(from, to);
+    if (text == "\n" && tries("SPLIT_LINE", [](Buffer& b) { b.split_line(); })) return true;
+    for (bool alone : {typed_.empty(), true}) {
+        if (alone) flush();
+        const State before = state();
+        if (alone) before_typed_ = before;
+        restore(before_typed_);
+        replayed_.copy_text(typed_ + text, charset);
+        if (is_there()) {
+            typed_ += text;
+            if (!waiting_since_) waiting_since_ = now;
+            if (++typed_keys_ >= kMostKeys || text.size() > kMostKeys) flush();
+            return true;
+        }
+        restore(before);
+        if (alone) break;
+    }
+    return false;
+}
+
+bool JournalMirror::follow_erasing() {
+    if (replayed_.select_anchor && !buffer_.select_anchor && tries("MOVE_TEXT", [](Buffer& b) {
+            std::optional<Range> range = b.select_range();
+            if (range) b.erase_range(*range);
+            b.select_anchor.reset();
+        })) {
+        return true;
+    }
+    if (buffer_.lines.bytes() >= replayed_.lines.bytes()) return false;
+    int n = bounded(replayed_.lines.bytes() - buffer_.lines.bytes());
+    for (int count : {-n, n}) {
+        auto erase = [&](Buffer& b) { b.erase_n_characters(count); };
+        if (tries(call("ERASE_CHARACTER", count), erase)) return true;
+    }
+    return false;
+}
+
+// Puts what lies between the common begin and the common end of the two texts in the
+// place of what is there. The begin is that of a line, where no character is torn.
+void JournalMirror::rewrite(Charset charset) {
+    const LineStore old = replayed_.lines, fresh = buffer_.lines;
+    std::uint64_t shorter = std::min(old.bytes(), fresh.bytes());
+    std::uint64_t begin =
+        largest(shorter, [&](auto n) { return old.part(0, n) == fresh.part(0, n); });
+    begin = old.row_start(old.position(begin).row);
+    std::uint64_t end = largest(shorter - begin, [&](auto n) {
+        return old.part(old.bytes() - n, old.bytes()) ==
+               fresh.part(fresh.bytes() - n, fresh.bytes());
+    });
+
+    const bool inserts = replayed_.insert_mode, wraps = replayed_.auto_wrap;
+    if (!inserts) write("SET(INSERT)");
+    if (wraps) write("SET(NO_WRAP)");
+    replayed_.insert_mode = true;
+    replayed_.auto_wrap = false;
+    move_to(old.position(begin));
+    for (std::uint64_t left = old.bytes() - end - begin; left > 0;) {
+        int count = bounded(left);
+        write(call("ERASE_CHARACTER", count));
+        replayed_.erase_n_characters(count);
+        left -= static_cast<std::uint64_t>(count);
+    }
+    insert(fresh.text(begin, fresh.bytes() - end), charset);
+    if (!inserts) write("SET(OVERSTRIKE)");
+    if (wraps) write("SET(WRAP)");
+    replayed_.insert_mode = inserts;
+    replayed_.auto_wrap = wraps;
+    move_to(cursor(buffer_));
+    if (!is_there()) capture();
+}
+
+void JournalMirror::insert(std::string_view text, Charset charset) {
+    while (!text.empty()) {
+        std::string piece(text.substr(0, piece_size(text)));
+        text.remove_prefix(piece.size());
+        std::string tab = absent_byte(piece);
+        bool has_tabs = piece.find('\t') != std::string::npos && !tab.empty();
+        if (has_tabs) std::replace(piece.begin(), piece.end(), '\t', tab[0]);
+        std::string copy = "COPY_TEXT(" + expression_for(piece) + ")";
+        write(has_tabs ? "TRANSLATE(" + copy + ", \"" + tab + "\", \"\t\")" : copy);
+        Range range = replayed_.copy_text(piece, charset);
+        if (has_tabs) replayed_.translate_range(range, tab, "\t");
+    }
+}
+
+void JournalMirror::move_to(Position place) {
+    if (int rows = difference(replayed_.cursor_row, place.row)) {
+        write(call("MOVE_VERTICAL", rows));
+        replayed_.move_vertical(rows);
+    }
+    if (int columns = difference(replayed_.cursor_column, place.column)) {
+        write(call("MOVE_HORIZONTAL", columns));
+        replayed_.move_horizontal(columns);
+    }
+}
+
+void JournalMirror::follow_anchor() {
+    if (is_same_place(replayed_.select_anchor, buffer_.select_anchor)) return;
+    flush();
+    const Position here = cursor(replayed_);
+    if (buffer_.select_anchor) move_to(buffer_.select_anchor->position());
+    write("SELECT");
+    // Moving an empty selection does away with it.
+    if (!buffer_.select_anchor) write("MOVE_TEXT");
+    take_anchor();
+    move_to(here);
+}
+
+JournalMirror& mirror_of(Buffer& buffer) {
+    if (!buffer.journal_mirror) buffer.journal_mirror = std::make_shared<JournalMirror>(buffer);
+    return *buffer.journal_mirror;
+}
+
+bool flush_journals(TPUEditor& editor, bool all) {
+    bool waits = false;
+    for (const auto& buffer : editor.buffers) {
+        if (!buffer->journaling || !buffer->journal_mirror) continue;
+        JournalMirror& mirror = *buffer->journal_mirror;
+        std::optional<Clock::time_point> since = mirror.waiting_since();
+        if (!since) continue;
+        bool is_due = all || editor.ports.clock.now() - *since >= JournalMirror::kLongestWait;
+        is_due ? mirror.flush() : void(waits = true);
+    }
+    return waits;
+}
+
+JournaledKey::JournaledKey(TPUEditor& editor) : editor_(editor) {
+    Buffer* buffer = editor.current_buffer;
+    if (!buffer || !buffer->journaling) return;
+    buffer_ = buffer;
+    mirror_of(*buffer).expect_own_steps();
+}
+
+void JournaledKey::end() {
+    if (!editor_.owns(buffer_) || !buffer_->journaling) return;
+    mirror_of(*buffer_).follow(editor_.charset, editor_.ports.clock.now());
+}
+
+}  // namespace tpu

@@ -1,0 +1,46 @@
+// The subprocesses of the session.
+#include <algorithm>
+
+#include "editor/editor.h"
+#include "proc/process.h"
+
+namespace tpu {
+
+void TPUEditor::poll_processes() {
+    // All of them together have one share, or the least that is worth a poll.
+    constexpr std::size_t kLeast = 4096;
+    std::size_t most = std::max(kLeast, TPUProcess::kPollShare / (processes.size() + 1));
+    std::erase_if(processes, [&](const std::shared_ptr<TPUProcess>& process) {
+        if (process->poll_output(most)) return false;
+        if (attached_process == process) attached_process.reset();
+        return true;
+    });
+    std::erase_if(dismissed_processes_,
+                  [](const auto& process) { return !process->poll_output(); });
+}
+
+void TPUEditor::dismiss_process(const std::shared_ptr<TPUProcess>& process) {
+    if (std::erase(processes, process) == 0) return;
+    if (attached_process == process) attached_process.reset();
+    process->dismiss();
+    dismissed_processes_.push_back(process);
+}
+
+void TPUEditor::send_text(TPUProcess& process, std::string_view text) {
+    if (!process.send(text)) {
+        set_message("SEND: too much waits for the process already; the text was dropped");
+    }
+}
+
+bool TPUEditor::processes_talk() const {
+    return std::any_of(processes.begin(), processes.end(),
+                       [](const auto& process) { return process->is_talking(); });
+}
+
+Awaited TPUEditor::awaited_of_processes() const {
+    Awaited awaited;
+    for (const auto& process : processes) process->await(awaited);
+    return awaited;
+}
+
+}  // namespace tpu

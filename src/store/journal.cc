@@ -1,0 +1,137 @@
+#include "store/journal.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <utility>
+
+#include "core/buffer.h"
+#include "core/held_signal.h"
+#include "core/system_calls.h"
+#include "lang/stmt_text.h"
+#include "store/file_io.h"
+#include "store/journal_reader.h"
+
+namespace tpu {
+
+namespace {
+
+struct JournalFile {
+    Descriptor file;  // none: it cannot be written
+    off_t size = 0;
+};
+
+// Never through a symbolic link, and never a pipe or a device.
+JournalFile open_journal(const std::string& path, int access) {
+    JournalFile journal;
+    struct stat status;
+    journal.file = open_file(path, access | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY,
+                             S_IRUSR | S_IWUSR);
+    bool usable =
+        journal.file && fstat(journal.file.get(), &status) == 0 && S_ISREG(status.st_mode);
+    if (!usable) return {};
+    journal.size = status.st_size;
+    return journal;
+}
+
+void put_number(std::string& bytes, std::uint32_t number) {
+    for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(number >> shift & 0xff);
+}
+
+std::string header() {
+    std::string bytes(kJournalMagic);
+    put_number(bytes, kJournalVersion);
+    return bytes;
+}
+
+std::string as_record(std::string_view text) {
+    std::string record;
+    put_number(record, static_cast<std::uint32_t>(text.size()));
+    return record.append(text);
+}
+
+std::string as_line(std::string_view text) {
+    bool is_line = text.find('\n') == std::string_view::npos;
+    return (is_line ? std::string(text) : on_one_line(text)) + '\n';
+}
+
+// All or nothing: half a record would make those behind it unreadable.
+bool append(const JournalFile& journal, std::string_view bytes) {
+    HeldSignal size_limit(SIGXFSZ);
+    if (write_all(journal.file.get(), bytes)) return true;
+    return sys::truncate(journal.file.get(), journal.size) == 0 && false;
+}
+
+// Makes a journal that holds something ready for more records.
+bool continue_text(const JournalFile& journal) {
+    char last = '\n';
+    if (pread(journal.file.get(), &last, 1, journal.size - 1) != 1) return false;
+    return last == '\n' || append(journal, "\n");
+}
+
+// A record that was cut short when an editor died says nothing and would swallow what
+// comes after it.
+bool continue_binary(JournalReader& reader, int fd, std::string& note) {
+    std::string statement;
+    while (reader.next(statement)) {
+    }
+    if (reader.end() == JournalReader::End::of_file) return true;
+    std::string place = " at byte " + std::to_string(reader.record_start());
+    if (reader.end() != JournalReader::End::cut_short) {
+        note = "The journal is damaged" + place;
+        return false;
+    }
+    note = "A record of the journal was cut short" + place;
+    return sys::truncate(fd, static_cast<off_t>(reader.record_start())) == 0;
+}
+
+bool make_ready(const JournalFile& journal, bool binary, std::string& note) {
+    int fd = journal.file.get();
+    constexpr auto kHeader = static_cast<off_t>(kJournalMagic.size() + sizeof kJournalVersion);
+    if (journal.size == 0) return !binary || tpu_journal_write_header(fd);
+    JournalReader reader{Descriptor(dup(fd))};
+    if (reader.is_binary() != binary) {
+        note = binary ? "The file is no binary journal" : "The file is a binary journal";
+        return false;
+    }
+    if (!binary) return continue_text(journal);
+    if (journal.size < kHeader) return sys::truncate(fd, 0) == 0 && tpu_journal_write_header(fd);
+    return continue_binary(reader, fd, note);
+}
+
+}  // namespace
+
+bool tpu_journal_write_header(int fd) {
+    HeldSignal size_limit(SIGXFSZ);
+    return write_all(fd, header());
+}
+
+void tpu_journal_append(Buffer* buffer, std::string_view text) {
+    if (!buffer || !buffer->journaling || buffer->journal_file.empty()) return;
+    JournalFile journal = open_journal(buffer->journal_file, O_WRONLY);
+    if (!journal.file) return;
+    std::string bytes;
+    if (buffer->binary_journal && journal.size == 0) bytes = header();
+    bytes += buffer->binary_journal ? as_record(text) : as_line(text);
+    static_cast<void>(append(journal, bytes));
+}
+
+bool tpu_journal_open(Buffer& buffer, const std::string& path, bool binary, std::string& note) {
+    JournalFile journal = open_journal(path, O_RDWR);
+    if (!journal.file || !make_ready(journal, binary, note)) return false;
+    buffer.journaling = true;
+    buffer.binary_journal = binary;
+    buffer.journal_file = path;
+    buffer.journal_strayed = false;
+    buffer.journal_mirror.reset();
+    return true;
+}
+
+void tpu_journal_close(Buffer& buffer) {
+    buffer.journaling = buffer.binary_journal = false;
+    buffer.journal_file.clear();
+}
+
+}  // namespace tpu

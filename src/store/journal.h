@@ -1,0 +1,50 @@
+// Journals: what runs in a buffer, kept in a file so that it can be run again after a
+// crash.
+//
+// A journal belongs to a buffer: what runs while that buffer is current is recorded in
+// it, each outermost statement before it runs. Whether that happens is up to
+// the buffer's `journaling`, `binary_journal` and `journal_file`.
+//
+// A binary journal is "TPJB", the version 1, and records back to back: the length of a
+// statement, then its bytes. Numbers are 32 bits, the lowest byte first. A text journal
+// has a statement on each line.
+//
+// The file is opened anew for each record. So a record is with the file system before
+// the statement runs, a journal that was renamed gets no more of them, and one that was
+// removed begins again; and buffers that share a journal write one after the other.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tpu {
+
+class Buffer;
+class MiniTPUParser;
+
+inline constexpr std::string_view kJournalMagic = "TPJB";
+inline constexpr std::uint32_t kJournalVersion = 1;
+inline constexpr std::uint32_t kLongestRecord = 1u << 24;  // bytes that a replay takes
+
+// Begins a binary journal in an open file. False when it cannot be written.
+[[nodiscard]] bool tpu_journal_write_header(int fd);
+
+// Records a text for a buffer, which may be null or keep no journal: then nothing
+// happens. A failure to write is ignored.
+void tpu_journal_append(Buffer* buffer, std::string_view text);
+
+// Makes a file the journal of a buffer. What is in it stays, but for half a record at its
+// end; a new file can be read by its owner alone. False, and nothing has changed, when
+// it cannot be written or when records added to it could not be read. `note` gets
+// what there is to tell about the file in either case, if anything.
+[[nodiscard]] bool tpu_journal_open(Buffer& buffer, const std::string& path, bool binary,
+                                    std::string& note);
+void tpu_journal_close(Buffer& buffer);
+
+// Runs all that was in a journal when it was opened, one statement after the other, and
+// shows how many there were and where it stopped. None of it is recorded again. A
+// journal that comes to replay itself does nothing. False: it cannot be opened.
+bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path);
+
+}  // namespace tpu

@@ -1,0 +1,135 @@
+// Running a journal.
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <tuple>
+
+#include "editor/editor.h"
+#include "editor/undo_step.h"
+#include "lang/nesting.h"
+#include "lang/parser.h"
+#include "store/file_io.h"
+#include "store/journal.h"
+#include "store/journal_reader.h"
+
+namespace tpu {
+
+namespace {
+
+// Keeps variables as they are at its begin, to give them back at its end.
+template <class... T>
+class Kept {
+  public:
+    explicit Kept(T&... variables) : variables_(variables...), before_(variables...) {}
+    ~Kept() { variables_ = std::move(before_); }
+    Kept(const Kept&) = delete;
+    Kept& operator=(const Kept&) = delete;
+
+  private:
+    std::tuple<T&...> variables_;
+    std::tuple<T...> before_;
+};
+
+// The statements run as they once did: each an outermost one and a step of undo. What
+// they say about journals, learning and leaving the editor does not concern the
+// session that replays them.
+class Replay {
+  public:
+    Replay(MiniTPUParser& run, JournalReader& reader)
+        : run_(run), editor_(run.editor), reader_(reader), outer_step_(editor_.undo_step) {
+        if (outer_step_) outer_step_->finish();
+        editor_.undo_step = nullptr;
+    }
+    ~Replay() {
+        editor_.undo_step = outer_step_;
+        if (outer_step_) outer_step_->watch_current_buffer();
+    }
+    Replay(const Replay&) = delete;
+    Replay& operator=(const Replay&) = delete;
+
+    void run_all() {
+        Kept session(editor_.running, editor_.exit_status, editor_.learning, editor_.learn_keys);
+        Kept code(run_.statement_depth, run_.unrecorded, run_.current_line);
+        editor_.learning = false;
+        run_.statement_depth = run_.unrecorded = run_.current_line = 0;
+        const std::size_t faults = run_.error_list.size() + kMostFaults;
+        for (std::string statement; !run_.interrupted && reader_.next(statement); ++count_) {
+            run_one(statement);
+            // A file of nonsense makes as many faults as it has lines.
+            if (run_.error_list.size() > faults) run_.error_list.resize(faults);
+            if (run_.diagnostics.size() > faults) run_.diagnostics.resize(faults);
+        }
+    }
+
+    void report() const {
+        editor_.set_message(std::to_string(count_) + (count_ == 1 ? " statement" : " statements") +
+                            " replayed; " + where_it_stopped());
+    }
+
+  private:
+    static constexpr std::size_t kMostFaults = 1000;
+
+    void run_one(const std::string& statement) {
+        UndoStep step(editor_);
+        run_.look_for_interrupt();
+        if (run_.interrupted) return;
+        run_.execute_whole(statement);
+        if (!run_.interrupted) run_.control_signal = Signal::none;
+    }
+
+    std::string where_it_stopped() const {
+        std::string byte = "byte " + std::to_string(reader_.record_start());
+        switch (reader_.end()) {
+            case JournalReader::End::none: return "interrupted at " + byte;
+            case JournalReader::End::of_file: return "the end of the journal was reached";
+            case JournalReader::End::cut_short: return "the record at " + byte + " is cut short";
+            case JournalReader::End::zero_length: return "the record at " + byte + " is empty";
+            case JournalReader::End::too_long: return "the record at " + byte + " is too long";
+            case JournalReader::End::unreadable: break;
+        }
+        return "the journal cannot be read from " + byte + " on";
+    }
+
+    MiniTPUParser& run_;
+    TPUEditor& editor_;
+    JournalReader& reader_;
+    UndoStep* outer_step_;
+    std::uint64_t count_ = 0;
+};
+
+void replay(MiniTPUParser& run, Descriptor file) {
+    Nesting nesting(run);
+    JournalReader reader(std::move(file));
+    Replay replay(run, reader);
+    Buffer* buffer = run.editor.current_buffer;
+    if (buffer) {
+        Kept journal(buffer->journaling, buffer->binary_journal, buffer->journal_file,
+                     buffer->journal_mirror);
+        replay.run_all();
+    } else {
+        replay.run_all();
+    }
+    replay.report();
+}
+
+}  // namespace
+
+bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path) {
+    constexpr std::size_t kDeepest = 100;
+    Descriptor file = open_file(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    struct stat status;
+    if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    auto& open = parser.replayed_journals;
+    MiniTPUParser::FileId id{static_cast<std::uint64_t>(status.st_dev),
+                             static_cast<std::uint64_t>(status.st_ino)};
+    if (open.size() == kDeepest || std::find(open.begin(), open.end(), id) != open.end()) {
+        return true;
+    }
+    open.push_back(id);
+    replay(parser, std::move(file));
+    open.pop_back();
+    return true;
+}
+
+}  // namespace tpu

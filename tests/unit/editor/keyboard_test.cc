@@ -1,0 +1,71 @@
+// Keys from a descriptor, and what else ends the wait for them.
+#include "editor/curses/keyboard.h"
+
+#include <gtest/gtest.h>
+#include <sys/select.h>
+#include <unistd.h>
+
+#include "proc/child.h"
+
+namespace tpu {
+namespace {
+
+using std::chrono::steady_clock;
+
+constexpr int kLong = 20000;  // milliseconds that no wait here takes
+
+class Waiting : public testing::Test {
+  protected:
+    Waiting() {
+        EXPECT_TRUE(keys.open() && process.open() && full.open());
+        EXPECT_TRUE(set_nonblocking(full.write));
+        keyboard.open(keys.read.get(), nullptr);
+        const std::string block(4096, 'x');
+        while (write(full.write.get(), block.data(), block.size()) > 0) {
+        }
+    }
+    ~Waiting() override { EXPECT_TRUE(is_quick()); }
+    bool is_quick() const { return steady_clock::now() - start < std::chrono::milliseconds(kLong); }
+    static void put(const Pipe& pipe, std::string_view bytes) {
+        ASSERT_EQ(write(pipe.write.get(), bytes.data(), bytes.size()),
+                  static_cast<ssize_t>(bytes.size()));
+    }
+
+    Pipe keys, process, full;
+    Keyboard keyboard;
+    const steady_clock::time_point start = steady_clock::now();
+};
+
+TEST_F(Waiting, ends_when_something_else_is_ready) {
+    const Awaited awaited{{process.read.get()}, {full.write.get()}};
+    EXPECT_EQ(keyboard.read_key(1, awaited), kNoKey);
+    put(process, "output");
+    EXPECT_EQ(keyboard.read_key(kLong, awaited), kNoKey);
+    ASSERT_TRUE(is_quick());
+    EXPECT_EQ(keyboard.read_key(-1, awaited), kNoKey);
+    char bytes[1 << 16];
+    EXPECT_GT(read(process.read.get(), bytes, sizeof bytes), 0);
+    EXPECT_GT(read(full.read.get(), bytes, sizeof bytes), 0);
+    EXPECT_EQ(keyboard.read_key(kLong, awaited), kNoKey);
+}
+
+TEST_F(Waiting, goes_on_for_what_a_set_of_descriptors_cannot_hold) {
+    EXPECT_EQ(keyboard.read_key(1, {{FD_SETSIZE, FD_SETSIZE + 1000}, {FD_SETSIZE}}), kNoKey);
+    put(keys, "k");
+    EXPECT_EQ(keyboard.read_key(kLong, {{FD_SETSIZE}, {}}), 'k');
+}
+
+TEST_F(Waiting, prefers_keys_and_finishes_those_that_are_cut_short) {
+    const Awaited awaited{{process.read.get()}, {}};
+    put(process, "a flood");
+    put(keys, "kl\033[");
+    EXPECT_EQ(keyboard.read_key(kLong, awaited), 'k');
+    EXPECT_EQ(keyboard.read_key(kLong, awaited), 'l');
+    int key = kNoKey;
+    while (key == kNoKey) key = keyboard.read_key(kLong, awaited);
+    EXPECT_EQ(key, 27);
+    EXPECT_EQ(keyboard.read_key(kLong, awaited), '[');
+}
+
+}  // namespace
+}  // namespace tpu

@@ -1,0 +1,160 @@
+// Unsaved work that outlives its session.
+#include "editor/recovery.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <random>
+
+#include "store/recovery_files.h"
+#include "support/session.h"
+#include "unit/store/temp_folder.h"
+
+namespace tpu {
+namespace {
+
+struct RecoveryTest : testing::Test {
+    // A session that keeps work in the folder, and has loaded the file.
+    struct Worker : Session {
+        Worker(const std::string& folder, const std::string& file) {
+            editor.recovery = std::make_unique<Recovery>(editor, folder);
+            EXPECT_EQ(buffer->edit_file(file), "");
+        }
+        // What happens between keys once the keyboard has been idle for a while.
+        void idle() {
+            editor.recovery->note_key();
+            clock.time += Recovery::kIdle;
+            editor.recovery->serve();
+        }
+        std::string text() { return buffer->lines.text(); }
+    };
+
+    std::vector<LeftBehind> left() { return left_behind(state, file); }
+    std::string greeting(Worker& worker) {
+        return worker.editor.recovery->greeting(*worker.buffer);
+    }
+
+    TempFolder folder;
+    const std::string state = folder.path("state/tpu/recovery");
+    const std::string file = folder.write("file.txt", "one\ntwo\nthree\n");
+};
+
+TEST_F(RecoveryTest, work_of_a_session_that_died_is_brought_back) {
+    {
+        Worker dying(state, file);
+        EXPECT_EQ(greeting(dying), "");
+        dying.press("hello \xc3\xa4<DOWN><END>!<RETURN>x<TAB>y");
+        dying.idle();
+        dying.press("<CTRL_V><UP><CTRL_W>");
+        dying.idle();
+        EXPECT_TRUE(left().empty());  // nobody else's while it is written
+    }
+    ASSERT_EQ(left().size(), 1u);
+    EXPECT_EQ(status_of(left()[0].path).st_mode & 0777, 0600u);
+    EXPECT_EQ(status_of(state).st_mode & 0777, 0700u);
+    Worker next(state, file);
+    EXPECT_TRUE(greeting(next).ends_with("was left behind: RECOVER_BUFFER brings it back"));
+    EXPECT_EQ(next.text(), "one\ntwo\nthree");
+    next.editor.parser.execute_statement("SET(OVERSTRIKE); SET(WRAP); SET(RIGHT_MARGIN, 3)");
+    std::string path = left()[0].path;
+    next.editor.execute_command("RECOVER_BUFFER");
+    EXPECT_EQ(next.editor.message, "RECOVER_BUFFER replayed " + path);
+    EXPECT_EQ(next.text(), "hello \xc3\xa4one\ntwo!\nthree");
+    // Once it is saved, nothing is left.
+    next.editor.execute_command("WRITE");
+    next.editor.recovery->serve();
+    EXPECT_EQ(folder.read("file.txt"), "hello \xc3\xa4one\ntwo!\nthree");
+    EXPECT_TRUE(left().empty());
+    EXPECT_TRUE(std::filesystem::is_empty(state));
+}
+
+TEST_F(RecoveryTest, nothing_is_left_by_a_session_that_ended_on_purpose) {
+    Worker worker(state, file);
+    worker.press("a");
+    worker.idle();
+    EXPECT_FALSE(std::filesystem::is_empty(state));
+    worker.terminal.keys = {'b', control('X')};
+    worker.editor.run();
+    EXPECT_TRUE(std::filesystem::is_empty(state));
+
+    Worker hung_up(state, file);
+    hung_up.terminal.keys = {'b'};
+    hung_up.editor.run();
+    EXPECT_FALSE(std::filesystem::is_empty(state));
+}
+
+TEST_F(RecoveryTest, two_hundred_keys_are_reason_enough) {
+    Worker worker(state, file);
+    for (int i = 0; i < Recovery::kMostKeys; ++i) {
+        worker.press("a");
+        EXPECT_FALSE(std::filesystem::exists(state));
+        worker.editor.recovery->note_key();
+        worker.editor.recovery->serve();
+    }
+    EXPECT_FALSE(std::filesystem::is_empty(state));
+}
+
+TEST_F(RecoveryTest, a_file_that_has_changed_since_is_not_mixed_up) {
+    {
+        Worker dying(state, file);
+        dying.press("a");
+        dying.idle();
+    }
+    folder.write("file.txt", "something else");
+    struct timespec times[2] = {{1'000'000, 0}, {1'000'000, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+    Worker next(state, file);
+    EXPECT_NE(greeting(next), "");
+    std::string refusal = next.editor.recovery->recover(*next.buffer);
+    EXPECT_TRUE(refusal.starts_with("The file has changed since; RECOVER_BUFFER(\"")) << refusal;
+    EXPECT_EQ(next.text(), "something else");
+    next.press("x");
+    next.idle();
+    next.editor.recovery->discard();
+    EXPECT_EQ(left().size(), 1u);  // what was never brought back stays
+}
+
+TEST_F(RecoveryTest, is_refused_where_it_makes_no_sense) {
+    Worker worker(state, file);
+    EXPECT_EQ(worker.editor.recovery->recover(*worker.buffer),
+              "RECOVER_BUFFER: there is no unsaved work on this buffer's file");
+    worker.press("a");
+    worker.idle();
+    {
+        Worker other(state, file);
+        EXPECT_EQ(greeting(other), "");
+    }
+    Session plain;
+    plain.editor.execute_command("RECOVER_BUFFER");
+    EXPECT_EQ(plain.editor.message, "RECOVER_BUFFER(file)");
+}
+
+TEST_F(RecoveryTest, random_work_comes_out_the_same) {
+    const char* keys[] = {"a",        "\xc3\xa4", "<RETURN>", "<TAB>",   "<BACKSPACE>", "<DELETE>",
+                          "<UP>",     "<DOWN>",   "<LEFT>",   "<RIGHT>", "<HOME>",      "<END>",
+                          "<CTRL_V>", "<CTRL_W>", "<CTRL_Y>", "<GOLD>U", "<GOLD>R",     "<INSERT>",
+                          " ",        "<PF4>",    "\"",       "<GOLD>T", "<GOLD>E"};
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        std::string text;
+        {
+            Worker dying(state, file);
+            for (int i = 0; i < 300; ++i) {
+                dying.press(keys[random() % std::size(keys)]);
+                if (random() % 7 == 0) dying.idle();
+            }
+            dying.idle();
+            text = dying.text();
+        }
+        Worker next(state, file);
+        next.editor.execute_command("RECOVER_BUFFER");
+        EXPECT_EQ(next.text(), text) << next.editor.message;
+        next.editor.recovery->discard();
+        std::filesystem::remove_all(state);
+    }
+}
+
+}  // namespace
+}  // namespace tpu
