@@ -7,6 +7,7 @@
 
 #include "app/no_terminal.h"
 #include "editor/editor.h"
+#include "editor/journal_mirror.h"
 
 struct TPU_Context {
     tpu::NoTerminal terminal;
@@ -40,13 +41,15 @@ TPU_Context* TPU_Initialize() {
     }
 }
 
-// There is no main loop that would fetch what subprocesses have written meanwhile.
+// There is no main loop that would fetch what subprocesses have written meanwhile, and
+// bring journals up to date.
 int TPU_ExecuteCommand(TPU_Context* context, const char* command) {
     if (!context || !context->editor || !command) return kFailure;
     tpu::TPUEditor& editor = *context->editor;
     try {
         editor.poll_processes();
         editor.parser.execute_statement(command);
+        flush_journals(editor, true);
         return 0;
     } catch (...) {
         editor.parser.recover();
