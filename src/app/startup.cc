@@ -56,7 +56,7 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     std::string trouble;
     if (!options.file.empty()) {
         main->name = options.file;
-        trouble = main->edit_file(options.file, Buffer::Loading::in_steps);
+        trouble = main->edit_file(options.file, editor.loading());
     }
     go_to_line(*main, options.line);
     editor.init_screen();

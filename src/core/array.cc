@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <new>
 #include <string>
 
 namespace tpu {
@@ -27,8 +28,8 @@ struct ArrayList {
 };
 
 ArrayList& array_list() {
-    static ArrayList list;
-    return list;
+    static auto* const list = new ArrayList;  // for ever: sessions may outlive main()
+    return *list;
 }
 
 bool is_first(std::string_view which) {
@@ -43,7 +44,12 @@ TPUArray::~TPUArray() {
     static std::vector<ArrayElements>* waiting = nullptr;
     if (elements_.size() == 0) return;
     if (waiting) {
-        waiting->push_back(std::move(elements_));
+        try {
+            waiting->emplace_back();
+        } catch (const std::bad_alloc&) {
+            return;  // they go now, by calls that nest
+        }
+        waiting->back() = std::move(elements_);
         return;
     }
     std::vector<ArrayElements> queue;
@@ -158,6 +164,12 @@ std::vector<std::shared_ptr<TPUArray>> tpu_array_list() {
         if (auto held = array.lock()) live.push_back(std::move(held));
     }
     return live;
+}
+
+void tpu_array_visit_all(const std::function<void(TPUArray&)>& visit) {
+    for (const auto& array : array_list().arrays) {
+        if (auto held = array.lock()) visit(*held);
+    }
 }
 
 // Deliberate: pruning may shift the array of the current place, which is not corrected.

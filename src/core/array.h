@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -100,6 +101,8 @@ Value tpu_array_walk(const std::shared_ptr<TPUArray>& array, std::string_view wh
 void tpu_array_register(const std::shared_ptr<TPUArray>& array);
 void tpu_array_prune();
 std::vector<std::shared_ptr<TPUArray>> tpu_array_list();
+// Calls `visit` for each of them; it must make no arrays.
+void tpu_array_visit_all(const std::function<void(TPUArray&)>& visit);
 
 // One step of the walk over the live arrays: FIRST (or BRST), LAST, CURRENT, NEXT,
 // PREVIOUS. Gives the array, or the integer 0 when there is none there.

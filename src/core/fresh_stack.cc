@@ -2,6 +2,8 @@
 
 #include <pthread.h>
 
+#include <exception>
+
 namespace tpu::fresh_stack {
 
 namespace {
@@ -16,11 +18,17 @@ std::size_t first_share = std::size_t{192} << 10;
 struct Errand {
     void (*work)(void*, const char*);
     void* argument;
+    std::exception_ptr failure;
 };
 
 void* run_errand(void* pointer) {
     auto* errand = static_cast<Errand*>(pointer);
-    errand->work(errand->argument, here() - (kStackSize - kReserve));
+    // What is thrown has to be caught where it is waited for.
+    try {
+        errand->work(errand->argument, here() - (kStackSize - kReserve));
+    } catch (...) {
+        errand->failure = std::current_exception();
+    }
     return nullptr;
 }
 
@@ -40,11 +48,12 @@ bool run(void (*work)(void*, const char*), void* argument) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setstacksize(&attributes, kStackSize);
-    Errand errand{work, argument};
+    Errand errand{work, argument, nullptr};
     pthread_t thread;
     bool started = pthread_create(&thread, &attributes, run_errand, &errand) == 0;
     pthread_attr_destroy(&attributes);
     if (started) pthread_join(thread, nullptr);
+    if (errand.failure) std::rethrow_exception(errand.failure);
     return started;
 }
 

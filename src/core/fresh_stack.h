@@ -24,7 +24,8 @@ inline const char* here() {
 }
 
 // Runs work(argument, limit) on a stack of its own, of which `limit` is the address
-// below which it is nearly used up, and waits for it. False: there is no memory for it.
+// below which it is nearly used up, and waits for it. What is
+// thrown there comes out here. False: there is no memory for the stack.
 bool run(void (*work)(void* argument, const char* limit), void* argument);
 
 }  // namespace tpu::fresh_stack

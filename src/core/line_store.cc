@@ -195,7 +195,7 @@ void LineStore::insert(std::uint64_t offset, std::string_view bytes) {
     bool raw = bytes.find('\n') != std::string_view::npos;
     has_raw_ |= raw;
     Pieces pieces{tree::store_text(bytes, raw, tail_)};
-    tree_ = tree::replace(std::move(tree_), offset, offset, std::move(pieces), tail_);
+    tree::replace(tree_, offset, offset, std::move(pieces), tail_);
     bool inside = known_.start <= offset && offset <= known_.end;
     if (inside) {
         known_.end += bytes.size();
@@ -207,7 +207,7 @@ void LineStore::insert(std::uint64_t offset, std::string_view bytes) {
 void LineStore::insert_break(std::uint64_t offset) {
     forget_row();
     Pieces pieces{tree::store_text("\n", false, tail_)};
-    tree_ = tree::replace(std::move(tree_), offset, offset, std::move(pieces), tail_);
+    tree::replace(tree_, offset, offset, std::move(pieces), tail_);
 }
 
 void LineStore::insert(std::uint64_t offset, const LineStore& text) {
@@ -216,7 +216,7 @@ void LineStore::insert(std::uint64_t offset, const LineStore& text) {
 
 void LineStore::erase(std::uint64_t from, std::uint64_t to) {
     forget_row();
-    tree_ = tree::replace(std::move(tree_), from, to, {}, tail_);
+    tree::replace(tree_, from, to, {}, tail_);
 }
 
 void LineStore::replace(std::uint64_t from, std::uint64_t to, const LineStore& text) {
@@ -224,7 +224,7 @@ void LineStore::replace(std::uint64_t from, std::uint64_t to, const LineStore& t
     Pieces pieces;
     tree::collect(text.tree_, 0, text.bytes(), pieces);
     has_raw_ |= text.has_raw_;
-    tree_ = tree::replace(std::move(tree_), from, to, std::move(pieces), tail_);
+    tree::replace(tree_, from, to, std::move(pieces), tail_);
 }
 
 void LineStore::recount() {

@@ -168,33 +168,33 @@ void fill_up(std::vector<Tree>& nodes, std::size_t from, std::size_t to) {
     }
 }
 
-// Applies the change to one node; appends what stands for it, on the same level.
-void edit(Ref<Node> node, Change change, std::vector<Tree>& out) {
-    if (node->level == 0) {
-        Pieces pieces = edit_pieces(take(node, &Node::pieces), change);
+// Appends what stands for the changed node, on the same level. The node itself stays as
+// it is, lest a text be lost when memory is short.
+void edit(const Node& node, Change change, std::vector<Tree>& out) {
+    if (node.level == 0) {
+        Pieces pieces = edit_pieces(node.pieces, change);
         if (pieces.size() > kMaxEntries) pieces = join_crumbs(std::move(pieces), change.tail);
         spread(std::move(pieces), kMaxEntries, out);
         return;
     }
-    std::vector<Tree> old = take(node, &Node::children);
+    const std::vector<Tree>& old = node.children;
     std::uint64_t begin = 0;
     std::size_t first = locate(old, change.from, 0, begin);
-    std::vector<Tree> result(
-        std::make_move_iterator(old.begin()),
-        std::make_move_iterator(old.begin() + static_cast<std::ptrdiff_t>(first)));
+    std::vector<Tree> result;
+    result.reserve(old.size() + 2);
+    result.assign(old.begin(), old.begin() + static_cast<std::ptrdiff_t>(first));
 
     std::uint64_t first_end = begin + old[first].size.bytes;
     Change left{change.from - begin, std::min(change.to, first_end) - begin, change.fresh,
                 change.tail};
     std::size_t last = locate(old, change.to, first, begin);
-    edit(std::move(old[first].node), left, result);
+    edit(*old[first].node, left, result);
     if (last > first) {
         Pieces none;
-        edit(std::move(old[last].node), {0, change.to - begin, &none, change.tail}, result);
+        edit(*old[last].node, {0, change.to - begin, &none, change.tail}, result);
     }
     std::size_t edited = result.size();
-    std::move(old.begin() + static_cast<std::ptrdiff_t>(last) + 1, old.end(),
-              std::back_inserter(result));
+    result.insert(result.end(), old.begin() + static_cast<std::ptrdiff_t>(last) + 1, old.end());
     fill_up(result, first, edited);
     spread(std::move(result), kMaxEntries, out);
 }
@@ -215,8 +215,10 @@ bool edit_piece(Pieces& pieces, std::size_t i, std::uint64_t begin, Change chang
     Pieces spliced;
     for (Piece& part : parts) append(spliced, std::move(part));
     if (spliced.empty() && pieces.size() == 1) return false;
-    size.bytes -= piece.size;
-    size.breaks -= piece.breaks;
+    const Totals before = piece.totals();
+    pieces.reserve(kMaxEntries);  // from here on nothing fails
+    size.bytes -= before.bytes;
+    size.breaks -= before.breaks;
     size += total(spliced);
     auto place = pieces.begin() + static_cast<std::ptrdiff_t>(i);
     if (spliced.empty()) {
@@ -224,9 +226,7 @@ bool edit_piece(Pieces& pieces, std::size_t i, std::uint64_t begin, Change chang
         return true;
     }
     *place = std::move(spliced.front());
-    pieces.reserve(kMaxEntries);
-    pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(i) + 1,
-                  std::make_move_iterator(spliced.begin() + 1),
+    pieces.insert(place + 1, std::make_move_iterator(spliced.begin() + 1),
                   std::make_move_iterator(spliced.end()));
     return true;
 }
@@ -341,15 +341,19 @@ Tree build(Pieces pieces) {
     return join(std::move(leaves), kFill);
 }
 
-Tree replace(Tree tree, std::uint64_t from, std::uint64_t to, Pieces pieces, Ref<TextBlock>& tail) {
+void replace(Tree& tree, std::uint64_t from, std::uint64_t to, Pieces pieces,
+             Ref<TextBlock>& tail) {
     assert(from <= to && to <= tree.size.bytes);
-    if (from == to && pieces.empty()) return tree;
-    if (!tree.node) return build(std::move(pieces));
+    if (from == to && pieces.empty()) return;
+    if (!tree.node) {
+        tree = build(std::move(pieces));
+        return;
+    }
     Change change{from, to, &pieces, tail};
-    if (edit_in_place(tree, change, true)) return tree;
+    if (edit_in_place(tree, change, true)) return;
     std::vector<Tree> nodes;
-    edit(std::move(tree.node), change, nodes);
-    return join(std::move(nodes), kMaxEntries);
+    edit(*tree.node, change, nodes);
+    tree = join(std::move(nodes), kMaxEntries);
 }
 
 }  // namespace tpu::tree

@@ -89,9 +89,9 @@ struct Node {
 // A tree of these pieces.
 Tree build(Pieces pieces);
 
-// Replaces the bytes [from, to) by `pieces`. `tail` is the block that small
-// pieces are joined in; it is replaced when full.
-Tree replace(Tree tree, std::uint64_t from, std::uint64_t to, Pieces pieces, Ref<TextBlock>& tail);
+// Replaces the bytes [from, to) by `pieces`. `tail` is the block that small pieces are
+// joined in; it is replaced when full. When memory is short the tree stays as it was.
+void replace(Tree& tree, std::uint64_t from, std::uint64_t to, Pieces pieces, Ref<TextBlock>& tail);
 
 // Puts `text` into `tail`, or into a new tail when there is no room.
 Piece store_text(std::string_view text, bool raw, Ref<TextBlock>& tail);

@@ -34,15 +34,16 @@ void read_at(int fd, std::size_t offset, char* place, std::size_t bytes) {
 
 // The blocks that still show a file.
 std::vector<TextBlock*>& unsettled() {
-    static std::vector<TextBlock*> blocks;
-    return blocks;
+    static auto* const blocks = new std::vector<TextBlock*>;  // for ever, like the sessions
+    return *blocks;
 }
 
 }  // namespace
 
 Ref<TextBlock> TextBlock::create(std::size_t capacity) {
-    char* data = static_cast<char*>(std::malloc(std::max<std::size_t>(capacity, 1)));
-    return data ? Ref(new TextBlock(data, capacity, 0)) : Ref<TextBlock>();
+    Ref block(new TextBlock(nullptr, capacity, 0));
+    block->data_ = static_cast<char*>(std::malloc(std::max<std::size_t>(capacity, 1)));
+    return block->data_ ? block : Ref<TextBlock>();
 }
 
 Ref<TextBlock> TextBlock::require(std::size_t capacity) {

@@ -6,12 +6,15 @@
 namespace tpu {
 
 TPUEditor::TPUEditor(Ports outside)
-    : ports(outside), parser(*this), timer_start(outside.clock.now()) {}
+    : ports(outside), parser(*this), timer_start(outside.clock.now()) {
+    join_sessions();
+}
 
 TPUEditor::~TPUEditor() {
     std::vector<std::shared_ptr<TPUProcess>> all = processes;
     all.insert(all.end(), dismissed_processes_.begin(), dismissed_processes_.end());
     TPUProcess::end_all(all);
+    leave_sessions();
 }
 
 }  // namespace tpu

@@ -123,7 +123,8 @@ class TPUEditor {
     // False: it is the last one that people use. Windows on it show another one.
     bool delete_buffer(Buffer* buffer);
     void delete_window(TPUWindow* window);
-    // Makes unspecified the variables and elements of arrays of which `gone` is true.
+    // Makes unspecified the variables and elements of arrays of which `gone` is true, in
+    // every session.
     void forget_values(const std::function<bool(const Value&)>& gone);
     void free_deleted();  // what was deleted; for when no code runs
 
@@ -140,6 +141,10 @@ class TPUEditor {
 
     // main_loop.cc
     void run();
+    // Steps are done while the main loop waits for keys.
+    Buffer::Loading loading() const {
+        return headless ? Buffer::Loading::at_once : Buffer::Loading::in_steps;
+    }
     void hang_up();      // the terminal is gone: the session ends
     bool key_waiting();  // read_key would give a key at once
     // Of the terminal, but for keys put back.
@@ -236,6 +241,9 @@ class TPUEditor {
     void show_help(const std::string& topic);
 
   private:
+    void join_sessions();  // forgetting.cc
+    void leave_sessions();
+
     std::deque<int> unread_keys_;
     std::vector<std::shared_ptr<TPUProcess>> dismissed_processes_;  // until they have ended
     std::vector<std::unique_ptr<Buffer>> deleted_buffers_;          // until no code runs

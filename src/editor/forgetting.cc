@@ -2,6 +2,9 @@
 //
 // What is deleted stays in memory until the outermost statement has ended, since
 // values that are just being computed may still speak of it.
+//
+// The list of live arrays is the process's, so a session may come to know objects of
+// another one through it: every session forgets what goes.
 #include <algorithm>
 
 #include "core/array.h"
@@ -25,16 +28,10 @@ bool speaks_of(const Value& value, const Buffer* buffer) {
     }
 }
 
-// Makes unspecified what `gone` is true of: variables and elements of arrays.
-template <class Gone>
-void sweep_values(TPUEditor& editor, Gone gone) {
-    auto sweep = [&](Value& value) {
-        if (gone(value)) value = tpu_unspecified();
-    };
-    editor.parser.symbols.for_each_value(sweep);
-    for (const std::shared_ptr<TPUArray>& array : tpu_array_list()) {
-        array->for_each([&](const ArrayKey&, Value& value) { sweep(value); });
-    }
+// The sessions of the process.
+std::vector<TPUEditor*>& sessions() {
+    static auto* const list = new std::vector<TPUEditor*>;  // for ever: they may outlive main()
+    return *list;
 }
 
 template <class Owned, class T>
@@ -55,42 +52,74 @@ Buffer* next_best(const TPUEditor& editor) {
     return editor.buffers.empty() ? nullptr : editor.buffers.front().get();
 }
 
+// Takes a session away from a buffer that goes, whoever it belongs to.
+void leave_buffer(TPUEditor& editor, const Buffer* buffer) {
+    if (editor.undo_step) editor.undo_step->forget(buffer);
+    if (editor.current_buffer == buffer) editor.position(next_best(editor));
+    for (const auto& window : editor.windows) {
+        if (window->buffer != buffer) continue;
+        window->buffer = editor.current_buffer;
+        window->saved_valid = false;
+    }
+    for (const auto& process : editor.processes) {
+        if (process->output == buffer) process->output = nullptr;
+    }
+}
+
+void forget_buffer(TPUEditor& owner, const Buffer* buffer) {
+    for (TPUEditor* editor : sessions()) leave_buffer(*editor, buffer);
+    owner.forget_values([buffer](const Value& value) {
+        std::shared_ptr<TPUProcess> process = value.process();
+        if (process && process->output == buffer) process->output = nullptr;
+        return speaks_of(value, buffer);
+    });
+}
+
+void forget_window(TPUEditor& owner, const TPUWindow* window) {
+    for (TPUEditor* editor : sessions()) {
+        if (editor->current_window != window) continue;
+        editor->current_window = editor->windows.empty() ? nullptr : editor->windows.front().get();
+    }
+    owner.forget_values([window](const Value& value) {
+        return value.is(Value::Type::window) && value.window() == window;
+    });
+}
+
 }  // namespace
 
 void TPUEditor::forget_values(const std::function<bool(const Value&)>& gone) {
-    sweep_values(*this, gone);
+    auto sweep = [&](Value& value) {
+        if (gone(value)) value = tpu_unspecified();
+    };
+    for (TPUEditor* editor : sessions()) editor->parser.symbols.for_each_value(sweep);
+    tpu_array_visit_all([&](TPUArray& array) {
+        array.for_each([&](const ArrayKey&, Value& value) { sweep(value); });
+    });
+}
+
+void TPUEditor::join_sessions() {
+    sessions().push_back(this);
+}
+
+void TPUEditor::leave_sessions() {
+    std::erase(sessions(), this);
+    // What this session knows goes with it; only others need to forget.
+    if (sessions().empty()) return;
+    for (const auto& buffer : buffers) forget_buffer(*this, buffer.get());
+    for (const auto& window : windows) forget_window(*this, window.get());
 }
 
 bool TPUEditor::delete_buffer(Buffer* buffer) {
     auto is_other = [&](const auto& owned) { return owned.get() != buffer && !owned->system; };
     if (std::none_of(buffers.begin(), buffers.end(), is_other)) return false;
     if (!move_over(buffers, deleted_buffers_, buffer)) return false;
-    if (undo_step) undo_step->forget(buffer);
-    if (current_buffer == buffer) position(next_best(*this));
-    for (const auto& window : windows) {
-        if (window->buffer != buffer) continue;
-        window->buffer = current_buffer;
-        window->saved_valid = false;
-    }
-    for (const auto& process : processes) {
-        if (process->output == buffer) process->output = nullptr;
-    }
-    forget_values([&](const Value& value) {
-        std::shared_ptr<TPUProcess> process = value.process();
-        if (process && process->output == buffer) process->output = nullptr;
-        return speaks_of(value, buffer);
-    });
+    forget_buffer(*this, buffer);
     return true;
 }
 
 void TPUEditor::delete_window(TPUWindow* window) {
     if (!move_over(windows, deleted_windows_, window)) return;
-    if (current_window == window) {
-        current_window = windows.empty() ? nullptr : windows.front().get();
-    }
-    forget_values([&](const Value& value) {
-        return value.is(Value::Type::window) && value.window() == window;
-    });
+    forget_window(*this, window);
 }
 
 void TPUEditor::free_deleted() {

@@ -1,20 +1,25 @@
 #include "editor/undo_step.h"
 
 #include <algorithm>
+#include <new>
 
 #include "editor/editor.h"
 
 namespace tpu {
 
 UndoStep::UndoStep(TPUEditor& editor) : editor_(editor), outer_(editor.undo_step) {
-    if (!outer_) editor_.undo_step = this;
     watch_current_buffer();
+    if (!outer_) editor_.undo_step = this;  // when nothing can fail any more
 }
 
 UndoStep::~UndoStep() {
     if (outer_) return;
     editor_.undo_step = nullptr;
-    finish();
+    try {
+        finish();
+    } catch (const std::bad_alloc&) {
+        // The change stays, and undoing goes back to a state before it.
+    }
 }
 
 void UndoStep::finish() {

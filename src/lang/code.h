@@ -6,6 +6,7 @@
 // since their table cannot change.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -95,7 +96,8 @@ struct Declared {
 
 // What a statement's text says, by kind of statement.
 struct StmtCode {
-    NodePtr expression;  // right-hand side, condition, RETURN's expression
+    std::uint64_t table = 0;  // the number of the symbol table that its names are in
+    NodePtr expression;       // right-hand side, condition, RETURN's expression
     Target target;
     bool in_place = false;  // the expression is a sum that begins with the target
     // A plain statement is an assignment (it has a target) or a call.

@@ -74,10 +74,16 @@ Symbol* called_procedure(std::string_view text, std::string_view name, SymbolTab
     return rest.starts_with('(') ? &symbols.intern(ascii::upper(name)) : nullptr;
 }
 
+std::shared_ptr<StmtCode> new_code(const SymbolTable& symbols) {
+    auto code = std::make_shared<StmtCode>();
+    code->table = symbols.number();
+    return code;
+}
+
 }  // namespace
 
 std::shared_ptr<const StmtCode> compile_plain(std::string_view text, SymbolTable& symbols) {
-    auto code = std::make_shared<StmtCode>();
+    auto code = new_code(symbols);
     std::string_view name = source::leading_word(text);
     std::string_view rest = text.substr(name.size());
     const Builtin* row = find_builtin(ascii::upper(name));
@@ -101,7 +107,7 @@ std::shared_ptr<const StmtCode> compile_plain(std::string_view text, SymbolTable
 
 std::shared_ptr<const StmtCode> compile_statement(const Stmt& stmt, SymbolTable& symbols) {
     if (stmt.kind == Stmt::kPlain) return compile_plain(ascii::trim(stmt.text), symbols);
-    auto code = std::make_shared<StmtCode>();
+    auto code = new_code(symbols);
     if (stmt.kind == Stmt::kAssignment) {
         compile_assignment(*code, stmt.text, stmt.expression, symbols);
     } else {

@@ -1,4 +1,6 @@
 // Running statements and blocks of them.
+#include <algorithm>
+
 #include "core/array.h"
 #include "editor/editor.h"
 #include "editor/journal_entry.h"
@@ -134,6 +136,28 @@ void run_outermost(MiniTPUParser& run, const std::vector<Stmt>& statements) {
     }
 }
 
+// By way of the list of live arrays a program may come from another session, and speak
+// of the names of that one.
+bool is_foreign(const std::vector<Stmt>& program, const SymbolTable& symbols) {
+    return std::any_of(program.begin(), program.end(), [&](const Stmt& stmt) {
+        return stmt.code && stmt.code->table != symbols.number();
+    });
+}
+
+void drop_code(std::vector<Stmt>& statements) {
+    for (Stmt& stmt : statements) {
+        stmt.code.reset();
+        drop_code(stmt.body);
+        drop_code(stmt.else_body);
+    }
+}
+
+std::shared_ptr<const std::vector<Stmt>> without_code(const std::vector<Stmt>& program) {
+    auto copy = std::make_shared<std::vector<Stmt>>(program);
+    drop_code(*copy);
+    return copy;
+}
+
 }  // namespace
 
 void MiniTPUParser::execute_block(const std::vector<Stmt>& statements) {
@@ -148,6 +172,7 @@ void MiniTPUParser::execute_program(std::shared_ptr<const std::vector<Stmt>> pro
     if (program_depth == kDeepestProgram) {
         return record_error("TPU$_STACKOVER", "Texts that execute texts are nested too deeply");
     }
+    if (is_foreign(*program, symbols)) program = without_code(*program);
     ++program_depth;
     execute_block(*program);
     --program_depth;
@@ -203,6 +228,17 @@ void MiniTPUParser::settle() {
     retired_.clear();
     returned_from.reset();
     editor.free_deleted();
+}
+
+void MiniTPUParser::recover() {
+    symbols.leave_all();
+    statement_depth = 0;
+    program_depth = 0;
+    replaying_.clear();
+    returned = nullptr;
+    stopped = false;
+    editor.in_set_message = false;
+    settle();
 }
 
 void MiniTPUParser::abort() {

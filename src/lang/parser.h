@@ -185,6 +185,8 @@ class MiniTPUParser {
 
     // Leaves the interpreter ready for the next statement when the outermost one ends.
     void settle();
+    // The same when an exception has ended it.
+    void recover();
 
   private:
     friend class SourceWalk;

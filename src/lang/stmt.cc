@@ -1,6 +1,7 @@
 #include "lang/stmt.h"
 
 #include <iterator>
+#include <new>
 #include <utility>
 
 namespace tpu {
@@ -15,14 +16,18 @@ void move_to_end(std::vector<Stmt>& list, std::vector<Stmt>& from) {
 }  // namespace
 
 Stmt::~Stmt() {
-    std::vector<Stmt> doomed;
-    move_to_end(doomed, body);
-    move_to_end(doomed, else_body);
-    while (!doomed.empty()) {
-        Stmt next = std::move(doomed.back());
-        doomed.pop_back();
-        move_to_end(doomed, next.body);
-        move_to_end(doomed, next.else_body);
+    try {
+        std::vector<Stmt> doomed;
+        move_to_end(doomed, body);
+        move_to_end(doomed, else_body);
+        while (!doomed.empty()) {
+            Stmt next = std::move(doomed.back());
+            doomed.pop_back();
+            move_to_end(doomed, next.body);
+            move_to_end(doomed, next.else_body);
+        }
+    } catch (const std::bad_alloc&) {
+        // What is left goes by calls that nest.
     }
 }
 

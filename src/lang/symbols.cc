@@ -2,6 +2,11 @@
 
 namespace tpu {
 
+SymbolTable::SymbolTable() {
+    static std::uint64_t last = 0;
+    number_ = ++last;
+}
+
 Symbol& SymbolTable::intern(std::string_view name) {
     auto place = symbols_.lower_bound(name);
     if (place == symbols_.end() || place->first != name) {
@@ -25,6 +30,11 @@ void SymbolTable::leave(std::size_t mark) {
         if (symbol.global_at == covered_.size()) symbol.global_at = Symbol::kNowhere;
     }
     --depth_;
+}
+
+void SymbolTable::leave_all() {
+    leave(0);
+    depth_ = 0;
 }
 
 void SymbolTable::bind(Symbol& symbol, Value value) {

@@ -39,6 +39,11 @@ class SymbolTable {
   public:
     using Symbols = std::map<std::string, Symbol, std::less<>>;
 
+    SymbolTable();
+
+    // Tells this table from any other one, those that are gone included.
+    std::uint64_t number() const { return number_; }
+
     // The symbol of an upper-case name, which is made when it is new. It stays where it is.
     Symbol& intern(std::string_view name);
     // The same, or null when that name was never seen.
@@ -52,6 +57,7 @@ class SymbolTable {
         return covered_.size();
     }
     void leave(std::size_t mark);
+    void leave_all();
 
     // Binds a name in the running call, or globally outside of all. A name that is
     // bound there already gets the new value.
@@ -88,6 +94,7 @@ class SymbolTable {
         int level;
     };
 
+    std::uint64_t number_;
     Symbols symbols_;
     std::vector<Covered> covered_;  // innermost last
     int depth_ = 0;

@@ -1,6 +1,7 @@
 #include "proc/child.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -131,25 +132,6 @@ void end_children(std::span<const pid_t> children, milliseconds patience) {
     wait_for_end(children, patience, kToFollow);
     for (pid_t child : children) signal_child(child, SIGKILL);
     wait_for_end(children, kToDie, milliseconds(0));
-}
-
-PipeSignalHeld::PipeSignalHeld() {
-    sigemptyset(&pipe_signal_);
-    sigaddset(&pipe_signal_, SIGPIPE);
-    was_pending_ = is_pending();
-    pthread_sigmask(SIG_BLOCK, &pipe_signal_, &old_mask_);
-}
-
-PipeSignalHeld::~PipeSignalHeld() {
-    int taken;
-    if (!was_pending_ && is_pending()) sigwait(&pipe_signal_, &taken);
-    pthread_sigmask(SIG_SETMASK, &old_mask_, nullptr);
-}
-
-bool PipeSignalHeld::is_pending() {
-    sigset_t pending;
-    sigpending(&pending);
-    return sigismember(&pending, SIGPIPE) == 1;
 }
 
 }  // namespace tpu

@@ -1,7 +1,6 @@
 // Starting children of the shell, and the pipes that join them to the editor.
 #pragma once
 
-#include <signal.h>
 #include <sys/types.h>
 
 #include <chrono>
@@ -44,21 +43,5 @@ void signal_child(pid_t child, int signal);
 // Asks running children to end, with all that they have started, and kills what is
 // left after `patience`. They are reaped. Fit to run in a signal handler.
 void end_children(std::span<const pid_t> children, std::chrono::milliseconds patience);
-
-// Holds SIGPIPE back from this thread, and takes it away if it came meanwhile.
-class PipeSignalHeld {
-  public:
-    PipeSignalHeld();
-    ~PipeSignalHeld();
-    PipeSignalHeld(const PipeSignalHeld&) = delete;
-    PipeSignalHeld& operator=(const PipeSignalHeld&) = delete;
-
-  private:
-    static bool is_pending();
-
-    sigset_t pipe_signal_;
-    sigset_t old_mask_;
-    bool was_pending_;
-};
 
 }  // namespace tpu

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "core/buffer.h"
+#include "core/held_signal.h"
 #include "proc/child.h"
 #include "proc/running_children.h"
 
@@ -77,7 +78,7 @@ void TPUProcess::flush_input() {
 }
 
 void TPUProcess::write_unsent() {
-    PipeSignalHeld held;
+    HeldSignal no_reader(SIGPIPE);
     while (sent_ < unsent_.size()) {
         ssize_t written = write(input_.get(), unsent_.data() + sent_, unsent_.size() - sent_);
         if (written >= 0) {

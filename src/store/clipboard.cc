@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <thread>
 
+#include "core/held_signal.h"
 #include "proc/child.h"
 #include "store/file_io.h"
 
@@ -95,7 +96,7 @@ class Command {
 };
 
 bool send_all(const Descriptor& pipe, std::string_view text, const Deadline& deadline) {
-    PipeSignalHeld held;
+    HeldSignal no_reader(SIGPIPE);
     while (!text.empty()) {
         ssize_t written = write(pipe.get(), text.data(), text.size());
         if (written >= 0) {

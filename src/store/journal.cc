@@ -8,10 +8,10 @@
 #include <utility>
 
 #include "core/buffer.h"
+#include "core/held_signal.h"
 #include "core/system_calls.h"
 #include "lang/stmt_text.h"
 #include "store/file_io.h"
-#include "store/ignored_signal.h"
 #include "store/journal_reader.h"
 
 namespace tpu {
@@ -59,7 +59,7 @@ std::string as_line(std::string_view text) {
 
 // All or nothing: half a record would make those behind it unreadable.
 bool append(const JournalFile& journal, std::string_view bytes) {
-    IgnoredSignal size_limit(SIGXFSZ);
+    HeldSignal size_limit(SIGXFSZ);
     if (write_all(journal.file.get(), bytes)) return true;
     return sys::truncate(journal.file.get(), journal.size) == 0 && false;
 }
@@ -104,7 +104,7 @@ bool make_ready(const JournalFile& journal, bool binary, std::string& note) {
 }  // namespace
 
 bool tpu_journal_write_header(int fd) {
-    IgnoredSignal size_limit(SIGXFSZ);
+    HeldSignal size_limit(SIGXFSZ);
     return write_all(fd, header());
 }
 

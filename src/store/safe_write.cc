@@ -10,10 +10,10 @@
 #include <optional>
 #include <utility>
 
+#include "core/held_signal.h"
 #include "core/system_calls.h"
 #include "store/file_io.h"
 #include "store/file_traits.h"
-#include "store/ignored_signal.h"
 #include "store/temp_file.h"
 
 namespace tpu {
@@ -150,7 +150,8 @@ bool can_be_replaced(const std::string& path, const struct stat& status) {
 }  // namespace
 
 bool write_safely(const std::string& path, bool keep_backup, const WriteText& write) {
-    IgnoredSignal size_limit(SIGXFSZ), no_reader(SIGPIPE);
+    // Lets writes fail that would otherwise end the program.
+    HeldSignal size_limit(SIGXFSZ), no_reader(SIGPIPE);
     Job job{path, path + ".bak", keep_backup, write};
     if (Descriptor output = own_output(path)) return write_stream(job, std::move(output));
     struct stat status;
@@ -169,7 +170,7 @@ bool write_safely(const std::string& path, bool keep_backup, const WriteText& wr
 }
 
 bool write_at_once(const std::string& path, const WriteText& write) {
-    IgnoredSignal size_limit(SIGXFSZ);
+    HeldSignal size_limit(SIGXFSZ);
     std::error_code unknown;
     std::string real = std::filesystem::weakly_canonical(path, unknown).string();
     if (unknown || path.empty()) return false;

@@ -78,7 +78,8 @@ class Formatter {
     void short_directive(char c);
 
     void put_number(const NumberForm& form);
-    void put_time(const char* format);
+    // By a format of strftime, where @ is the month's name in any locale.
+    void put_time(std::string format);
     void put_right(std::string_view text, char fill);
     void back_up();
     void repeat();
@@ -161,7 +162,7 @@ bool Formatter::percent_directive(char first, char second) {
             if (number != 1 && number != -1) out_.put("s");
             return true;
         }
-        case 'D': put_time("%d-%b-%Y"); return true;
+        case 'D': put_time("%d-@-%Y"); return true;
         case 'T': put_time("%H:%M:%S"); return true;
         case 'C': out_.put(1, static_cast<char>(consume().as_int() & 127)); return true;
         default: return false;
@@ -206,11 +207,16 @@ void Formatter::put_number(const NumberForm& form) {
     put_right({text.data(), static_cast<std::size_t>(end - text.data())}, form.fill);
 }
 
-void Formatter::put_time(const char* format) {
+void Formatter::put_time(std::string format) {
+    constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     std::tm local{};
     if (!localtime_r(&out_.now, &local)) return;
+    std::size_t month = format.find('@');
+    if (month != std::string::npos) format.replace(month, 1, kMonths[local.tm_mon]);
     std::array<char, 64> text;
-    out_.put({text.data(), std::strftime(text.data(), text.size(), format, &local)});
+    std::size_t size = std::strftime(text.data(), text.size(), format.c_str(), &local);
+    out_.put({text.data(), size});
 }
 
 void Formatter::put_right(std::string_view text, char fill) {

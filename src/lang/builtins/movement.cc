@@ -1,5 +1,7 @@
 // Moving the cursor and what is shown.
 #include <cmath>
+#include <locale>
+#include <sstream>
 
 #include "core/ascii.h"
 #include "editor/editor.h"
@@ -61,7 +63,10 @@ Value end_of(Call& call) {
 // A part of the screenful, written like .5
 long long fraction_of_window(const TPUEditor& editor, const std::string& text) {
     int height = editor.current_window ? editor.current_window->height - 1 : editor.rows - 2;
-    double part = std::strtod(text.c_str(), nullptr);
+    double part = 0;
+    std::istringstream number(text);
+    number.imbue(std::locale::classic());
+    number >> part;
     double lines = part * height;
     return std::abs(lines) < 1e9 ? static_cast<long long>(lines) : 0;
 }
