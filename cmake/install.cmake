@@ -27,4 +27,15 @@ configure_file(cmake/tpu.pc.in tpu.pc.in @ONLY)
 file(GENERATE OUTPUT tpu.pc INPUT ${PROJECT_BINARY_DIR}/tpu.pc.in)
 install(FILES ${PROJECT_BINARY_DIR}/tpu.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# Manual pages go to ${CMAKE_INSTALL_MANDIR}, papers to ${CMAKE_INSTALL_DOCDIR}.
+# Manual pages, papers and completions.
+foreach(page ${TPU_MAN_PAGES})
+  get_filename_component(section ${page} LAST_EXT)
+  string(SUBSTRING ${section} 1 -1 section)
+  install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+endforeach()
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+set(TPU_ZSH_DIR share/zsh/site-functions CACHE STRING "Where zsh looks for completions")
+install(FILES completions/tpu.bash DESTINATION share/bash-completion/completions RENAME tpu)
+install(FILES completions/_tpu DESTINATION ${TPU_ZSH_DIR})
+install(FILES completions/tpu.fish DESTINATION share/fish/vendor_completions.d)
