@@ -17,6 +17,6 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "xclip | wl-clipboard | xsel")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "Edits files of any size on the whole screen of a terminal. Keys, commands and
- macros are programmed in TPU, a small language for processing text, which also
- runs without a terminal and inside other programs.")
+macros are programmed in TPU, a small language for processing text, which also
+runs without a terminal and inside other programs.")
 include(CPack)
