@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "core/line_diff.h"
 #include "editor/editor.h"
 #include "lang/stmt_text.h"
 #include "store/journal.h"
@@ -79,23 +80,52 @@ std::uint64_t largest(std::uint64_t most, Holds holds) {
     return least;
 }
 
+// The column up to `column` behind which a row can be cut: no character is torn, whatever
+// comes there instead.
+std::uint64_t untorn(const LineStore& lines, std::uint64_t row, std::uint64_t column) {
+    constexpr std::uint64_t kStep = 4 << 10;
+    while (column > 0) {
+        std::uint64_t from = column - std::min(column, kStep);
+        std::string part = lines.slice({row, from}, column - from);
+        auto ascii =
+            std::find_if(part.rbegin(), part.rend(), [](char c) { return (c & 0x80) == 0; });
+        column = from + static_cast<std::uint64_t>(part.rend() - ascii);
+        if (ascii != part.rend()) break;
+    }
+    return column;
+}
+
 // How much of a text to record at once: no character is torn.
-std::size_t piece_size(std::string_view text) {
-    if (text.size() <= kLongestPiece) return text.size();
-    std::size_t feed = text.rfind('\n', kLongestPiece);
+std::size_t piece_size(std::string_view text, std::size_t most) {
+    if (text.size() <= most) return text.size();
+    std::size_t feed = text.rfind('\n', most - 1);
     if (feed != std::string_view::npos) return feed + 1;
-    std::size_t size = kLongestPiece;
+    std::size_t size = most;
     while (size > 1 && (text[size] & 0xc0) == 0x80) --size;
     return size;
 }
 
-// A byte that is not in the text, to stand for tabs, which COPY_TEXT makes blanks of.
+// A byte that is not in the text, to stand for tabs, which COPY_TEXT makes blanks of. A
+// text that is short enough has one.
 std::string absent_byte(std::string_view text) {
     for (char c = 1; c < '\x7f'; ++c) {
         bool usable = c != '\n' && c != '\r' && c != '\t' && c != '"';
         if (usable && text.find(c) == std::string_view::npos) return {c};
     }
     return {};
+}
+
+// The begin of a text, as much as can be recorded at once, and the byte that stands for
+// tabs in it, where there are any.
+std::string take_piece(std::string_view& text, std::string& tab) {
+    for (std::size_t most = kLongestPiece;; most /= 2) {
+        std::string_view piece = text.substr(0, piece_size(text, most));
+        bool has_tabs = piece.find('\t') != std::string_view::npos;
+        tab = has_tabs ? absent_byte(piece) : std::string();
+        if (has_tabs && tab.empty()) continue;
+        text.remove_prefix(piece.size());
+        return std::string(piece);
+    }
 }
 
 }  // namespace
@@ -260,32 +290,18 @@ bool JournalMirror::follow_erasing() {
     return false;
 }
 
-// Puts what lies between the common begin and the common end of the two texts in the
-// place of what is there. The begin is that of a line, where no character is torn.
+// Puts what differs in the place of what is there.
 void JournalMirror::rewrite(Charset charset) {
-    const LineStore old = replayed_.lines, fresh = buffer_.lines;
-    std::uint64_t shorter = std::min(old.bytes(), fresh.bytes());
-    std::uint64_t begin =
-        largest(shorter, [&](auto n) { return old.part(0, n) == fresh.part(0, n); });
-    begin = old.row_start(old.position(begin).row);
-    std::uint64_t end = largest(shorter - begin, [&](auto n) {
-        return old.part(old.bytes() - n, old.bytes()) ==
-               fresh.part(fresh.bytes() - n, fresh.bytes());
-    });
-
     const bool inserts = replayed_.insert_mode, wraps = replayed_.auto_wrap;
     if (!inserts) write("SET(INSERT)");
     if (wraps) write("SET(NO_WRAP)");
     replayed_.insert_mode = true;
     replayed_.auto_wrap = false;
-    move_to(old.position(begin));
-    for (std::uint64_t left = old.bytes() - end - begin; left > 0;) {
-        int count = bounded(left);
-        write(call("ERASE_CHARACTER", count));
-        replayed_.erase_n_characters(count);
-        left -= static_cast<std::uint64_t>(count);
+    for (const Difference& change : differences(replayed_.lines, buffer_.lines)) {
+        // Up to here the two are the same by now.
+        replace(change.new_begin, change.old_end - change.old_begin,
+                buffer_.lines.part(change.new_begin, change.new_end), charset);
     }
-    insert(fresh.text(begin, fresh.bytes() - end), charset);
     if (!inserts) write("SET(OVERSTRIKE)");
     if (wraps) write("SET(WRAP)");
     replayed_.insert_mode = inserts;
@@ -294,17 +310,39 @@ void JournalMirror::rewrite(Charset charset) {
     if (!is_there()) capture();
 }
 
+// Puts a text in the place of `count` bytes, but for the common begin and the common end
+// of the two.
+void JournalMirror::replace(std::uint64_t from, std::uint64_t count, const LineStore& fresh,
+                            Charset charset) {
+    const LineStore old = replayed_.lines.part(from, from + count);
+    std::uint64_t shorter = std::min(old.bytes(), fresh.bytes());
+    std::uint64_t begin =
+        largest(shorter, [&](auto n) { return old.part(0, n) == fresh.part(0, n); });
+    std::uint64_t end = largest(shorter - begin, [&](auto n) {
+        return old.part(old.bytes() - n, old.bytes()) ==
+               fresh.part(fresh.bytes() - n, fresh.bytes());
+    });
+    const auto [row, column] = replayed_.lines.position(from + begin);
+    const Position place{row, untorn(replayed_.lines, row, column)};
+    const std::string head = replayed_.lines.slice(place, column - place.column);
+    move_to(place);
+    for (std::uint64_t left = head.size() + old.bytes() - end - begin; left > 0;) {
+        int piece = bounded(left);
+        write(call("ERASE_CHARACTER", piece));
+        replayed_.erase_n_characters(piece);
+        left -= static_cast<std::uint64_t>(piece);
+    }
+    insert(head + fresh.text(begin, fresh.bytes() - end), charset);
+}
+
 void JournalMirror::insert(std::string_view text, Charset charset) {
     while (!text.empty()) {
-        std::string piece(text.substr(0, piece_size(text)));
-        text.remove_prefix(piece.size());
-        std::string tab = absent_byte(piece);
-        bool has_tabs = piece.find('\t') != std::string::npos && !tab.empty();
-        if (has_tabs) std::replace(piece.begin(), piece.end(), '\t', tab[0]);
+        std::string tab, piece = take_piece(text, tab);
+        if (!tab.empty()) std::replace(piece.begin(), piece.end(), '\t', tab[0]);
         std::string copy = "COPY_TEXT(" + expression_for(piece) + ")";
-        write(has_tabs ? "TRANSLATE(" + copy + ", \"" + tab + "\", \"\t\")" : copy);
+        write(tab.empty() ? copy : "TRANSLATE(" + copy + ", \"" + tab + "\", \"\t\")");
         Range range = replayed_.copy_text(piece, charset);
-        if (has_tabs) replayed_.translate_range(range, tab, "\t");
+        if (!tab.empty()) replayed_.translate_range(range, tab, "\t");
     }
 }
 
