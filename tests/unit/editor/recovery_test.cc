@@ -115,6 +115,89 @@ TEST_F(RecoveryTest, a_file_that_has_changed_since_is_not_mixed_up) {
     EXPECT_EQ(left().size(), 1u);  // what was never brought back stays
 }
 
+TEST_F(RecoveryTest, knows_a_file_that_is_still_to_be_made_by_any_of_its_names) {
+    const auto here = std::filesystem::current_path();
+    ASSERT_TRUE(RecoveryFile::create(state, "not-there-yet", 0).has_value());
+    EXPECT_EQ(left_behind(state, (here / "not-there-yet").string()).size(), 1u);
+    EXPECT_EQ(left_behind(state, (here / "x" / ".." / "not-there-yet").string()).size(), 1u);
+    EXPECT_TRUE(left_behind(state, folder.path("not-there-yet")).empty());
+}
+
+TEST_F(RecoveryTest, that_finds_no_room_goes_on_once_there_is_some) {
+    const std::string long_text(20'000, 'x');
+    {
+        Worker dying(state, file);
+        dying.press("a");
+        dying.idle();
+        dying.editor.insert_paste(long_text);
+        {
+            FileSizeLimit limit(10'000);
+            dying.idle();
+        }
+        EXPECT_EQ(dying.editor.message, "");  // nobody is told
+        dying.press("b");
+        dying.idle();
+    }
+    Worker next(state, file);
+    next.editor.execute_command("RECOVER_BUFFER");
+    EXPECT_EQ(next.text(), "a" + long_text + "bone\ntwo\nthree");
+}
+
+TEST_F(RecoveryTest, does_without_a_folder_that_cannot_be_made) {
+    std::filesystem::create_symlink("loop", folder.path("loop"));
+    const std::string hopeless[] = {file + "/tpu", folder.path("loop/tpu"),
+                                    folder.path(std::string(300, 'x'))};
+    for (const std::string& place : hopeless) {
+        Worker worker(place, file);
+        EXPECT_EQ(greeting(worker), "");
+        worker.press("a");
+        worker.idle();
+        EXPECT_EQ(worker.text(), "aone\ntwo\nthree");
+        EXPECT_EQ(worker.editor.message, "");
+    }
+}
+
+TEST_F(RecoveryTest, keeps_what_has_changed_and_not_what_lies_between) {
+    std::string text;
+    while (text.size() < 4'000'000) text += "a line of a text that is rather long\n";
+    folder.write("file.txt", text);
+    std::string changed;
+    {
+        Worker dying(state, file);
+        dying.press("first");
+        dying.buffer->move_vertical(50'000);
+        dying.press("middle<RETURN>");
+        dying.buffer->end_of_buffer();
+        dying.press("last");
+        dying.idle();
+        changed = dying.text();
+    }
+    ASSERT_EQ(left().size(), 1u);
+    EXPECT_LT(std::filesystem::file_size(left()[0].path), 1000u);
+    Worker next(state, file);
+    next.editor.execute_command("RECOVER_BUFFER");
+    EXPECT_EQ(next.text(), changed);
+}
+
+TEST_F(RecoveryTest, brings_back_any_bytes) {
+    std::mt19937 random(7);
+    std::string bytes;
+    for (int i = 0; i < 100'000; ++i) bytes += static_cast<char>(random());
+    folder.write("file.txt", bytes);
+    std::string changed;
+    {
+        Worker dying(state, file);
+        dying.buffer->move_vertical(100);
+        dying.buffer->copy_lines(dying.buffer->lines, Charset::utf8);
+        dying.press("x");
+        dying.idle();
+        changed = dying.text();
+    }
+    Worker next(state, file);
+    next.editor.execute_command("RECOVER_BUFFER");
+    EXPECT_TRUE(next.text() == changed) << next.editor.message;
+}
+
 TEST_F(RecoveryTest, is_refused_where_it_makes_no_sense) {
     Worker worker(state, file);
     EXPECT_EQ(worker.editor.recovery->recover(*worker.buffer),
