@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/line_diff.h"
+#include "editor/copied_text.h"
 #include "editor/editor.h"
 #include "lang/stmt_text.h"
 #include "store/journal.h"
@@ -13,8 +14,7 @@ namespace tpu {
 
 namespace {
 
-constexpr std::size_t kMostKeys = 32;             // gathered at once
-constexpr std::uint64_t kLongestPiece = 1 << 20;  // bytes of text in a record
+constexpr std::size_t kMostKeys = 32;  // gathered at once
 
 struct Mode {
     bool Buffer::*flag;
@@ -93,39 +93,6 @@ std::uint64_t untorn(const LineStore& lines, std::uint64_t row, std::uint64_t co
         if (ascii != part.rend()) break;
     }
     return column;
-}
-
-// How much of a text to record at once: no character is torn.
-std::size_t piece_size(std::string_view text, std::size_t most) {
-    if (text.size() <= most) return text.size();
-    std::size_t feed = text.rfind('\n', most - 1);
-    if (feed != std::string_view::npos) return feed + 1;
-    std::size_t size = most;
-    while (size > 1 && (text[size] & 0xc0) == 0x80) --size;
-    return size;
-}
-
-// A byte that is not in the text, to stand for tabs, which COPY_TEXT makes blanks of. A
-// text that is short enough has one.
-std::string absent_byte(std::string_view text) {
-    for (char c = 1; c < '\x7f'; ++c) {
-        bool usable = c != '\n' && c != '\r' && c != '\t' && c != '"';
-        if (usable && text.find(c) == std::string_view::npos) return {c};
-    }
-    return {};
-}
-
-// The begin of a text, as much as can be recorded at once, and the byte that stands for
-// tabs in it, where there are any.
-std::string take_piece(std::string_view& text, std::string& tab) {
-    for (std::size_t most = kLongestPiece;; most /= 2) {
-        std::string_view piece = text.substr(0, piece_size(text, most));
-        bool has_tabs = piece.find('\t') != std::string_view::npos;
-        tab = has_tabs ? absent_byte(piece) : std::string();
-        if (has_tabs && tab.empty()) continue;
-        text.remove_prefix(piece.size());
-        return std::string(piece);
-    }
 }
 
 }  // namespace
@@ -252,7 +219,7 @@ void JournalMirror::follow_text(Charset charset, Clock::time_point now) {
 
 bool JournalMirror::follow_typing(Charset charset, Clock::time_point now) {
     std::uint64_t from = cursor_offset(replayed_), to = cursor_offset(buffer_);
-    if (to <= from || to - from > kLongestPiece) return false;
+    if (to <= from || to - from > CopiedPieces::kLongest) return false;
     std::string text = buffer_.lines.text(from, to);
     if (text == "\n" && tries("SPLIT_LINE", [](Buffer& b) { b.split_line(); })) return true;
     for (bool alone : {typed_.empty(), true}) {
@@ -332,17 +299,17 @@ void JournalMirror::replace(std::uint64_t from, std::uint64_t count, const LineS
         replayed_.erase_n_characters(piece);
         left -= static_cast<std::uint64_t>(piece);
     }
-    insert(head + fresh.text(begin, fresh.bytes() - end), charset);
+    LineStore added = fresh.part(begin, fresh.bytes() - end);
+    added.insert(0, head);
+    insert(added, charset);
 }
 
-void JournalMirror::insert(std::string_view text, Charset charset) {
-    while (!text.empty()) {
-        std::string tab, piece = take_piece(text, tab);
-        if (!tab.empty()) std::replace(piece.begin(), piece.end(), '\t', tab[0]);
-        std::string copy = "COPY_TEXT(" + expression_for(piece) + ")";
-        write(tab.empty() ? copy : "TRANSLATE(" + copy + ", \"" + tab + "\", \"\t\")");
-        Range range = replayed_.copy_text(piece, charset);
-        if (!tab.empty()) replayed_.translate_range(range, tab, "\t");
+void JournalMirror::insert(const LineStore& text, Charset charset) {
+    CopiedPieces pieces(text);
+    for (CopiedText piece; pieces.next(piece);) {
+        write(piece.statement());
+        Range range = replayed_.copy_text(piece.text, charset);
+        replayed_.translate_range(range, piece.stand_ins, piece.meant);
     }
 }
 

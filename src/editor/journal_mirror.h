@@ -63,7 +63,7 @@ class JournalMirror {
     bool follow_erasing();
     void rewrite(Charset charset);
     void replace(std::uint64_t from, std::uint64_t count, const LineStore& fresh, Charset charset);
-    void insert(std::string_view text, Charset charset);
+    void insert(const LineStore& text, Charset charset);
     void move_to(Position place);
     // Records a statement of the mirror's own.
     void write(const std::string& statement);

@@ -181,15 +181,23 @@ TEST_F(RecoveryTest, keeps_what_has_changed_and_not_what_lies_between) {
 
 TEST_F(RecoveryTest, brings_back_any_bytes) {
     std::mt19937 random(7);
-    std::string bytes;
-    for (int i = 0; i < 100'000; ++i) bytes += static_cast<char>(random());
-    folder.write("file.txt", bytes);
+    auto bytes = [&] {
+        std::string some;
+        while (some.size() < 100'000) some += static_cast<char>(random());
+        return some;
+    };
+    folder.write("file.txt", bytes());
     std::string changed;
     {
         Worker dying(state, file);
-        dying.buffer->move_vertical(100);
-        dying.buffer->copy_lines(dying.buffer->lines, Charset::utf8);
         dying.press("x");
+        dying.buffer->lines.replace(50'000, 60'000, LineStore::from_text(bytes()));
+        dying.idle();
+        // Line feeds that are text have no line of their own.
+        dying.buffer->lines.insert(20'000, "a\nb\tc");
+        dying.idle();
+        dying.buffer->end_of_buffer();
+        dying.press("y");
         dying.idle();
         changed = dying.text();
     }
