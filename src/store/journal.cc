@@ -67,7 +67,8 @@ bool append(const JournalFile& journal, std::string_view bytes) {
 // Makes a journal that holds something ready for more records.
 bool continue_text(const JournalFile& journal) {
     char last = '\n';
-    if (pread(journal.file.get(), &last, 1, journal.size - 1) != 1) return false;
+    int fd = journal.file.get();
+    if (lseek(fd, journal.size - 1, SEEK_SET) < 0 || read_some(fd, &last, 1) != 1) return false;
     return last == '\n' || append(journal, "\n");
 }
 
