@@ -201,6 +201,17 @@ TEST_F(Sections, keep_mode_and_link_of_a_file_that_they_replace) {
     EXPECT_EQ(status_of(target).st_mode & 0777, 0640u);
 }
 
+TEST_F(Sections, are_made_where_a_link_leads_to) {
+    std::filesystem::create_symlink("there", folder.path("here"));
+    std::filesystem::create_symlink("here", folder.path("s.sect"));
+    Session s;
+    EXPECT_TRUE(tpu_section_save(s.editor, path, ""));
+    EXPECT_TRUE(std::filesystem::is_symlink(path));
+    EXPECT_TRUE(folder.read("there").starts_with("#ZKSECT 1\n"));
+    std::filesystem::create_symlink("round", folder.path("round"));
+    EXPECT_FALSE(tpu_section_save(s.editor, folder.path("round"), ""));
+}
+
 TEST_F(Sections, are_shown_as_they_stand) {
     Session s;
     folder.write("s.sect", "#ZKSECT 1\nIDENT=\n\tany\\nthing\n");
