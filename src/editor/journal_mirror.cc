@@ -166,11 +166,14 @@ void JournalMirror::take_anchor() {
     if (replayed_.select_anchor) replayed_.select_anchor->buffer = &replayed_;
 }
 
-bool JournalMirror::has_same_text() const {
-    return replayed_.lines == buffer_.lines;
+// Equal texts are made one, so that comparing them again takes no time.
+bool JournalMirror::has_same_text() {
+    if (replayed_.lines != buffer_.lines) return false;
+    replayed_.lines = buffer_.lines;
+    return true;
 }
 
-bool JournalMirror::is_there() const {
+bool JournalMirror::is_there() {
     return cursor(replayed_) == cursor(buffer_) && has_same_text();
 }
 

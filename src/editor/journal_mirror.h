@@ -54,8 +54,8 @@ class JournalMirror {
     State state() const;
     void restore(const State& state);
     void take_anchor();
-    bool has_same_text() const;
-    bool is_there() const;  // text and cursor are those of the buffer
+    bool has_same_text();
+    bool is_there();  // text and cursor are those of the buffer
     void follow_modes();
     void follow_text(Charset charset, Clock::time_point now);
     void follow_anchor();
