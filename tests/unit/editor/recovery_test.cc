@@ -7,6 +7,7 @@
 
 #include <random>
 
+#include "editor/journal_mirror.h"
 #include "store/recovery_files.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
@@ -239,6 +240,39 @@ TEST_F(RecoveryTest, brings_back_any_bytes) {
     Worker next(state, file);
     next.editor.execute_command("RECOVER_BUFFER");
     EXPECT_TRUE(next.text() == changed) << next.editor.message;
+}
+
+TEST_F(RecoveryTest, is_in_a_journal_with_all_that_it_brought_back) {
+    {
+        Worker dying(state, file);
+        dying.press("a<DOWN>b<TAB>c");
+        dying.idle();
+    }
+    Worker next(state, file);
+    const std::string journal = folder.path("journal");
+    next.editor.execute_command("JOURNAL_OPEN(\"" + journal + "\")");
+    next.editor.execute_command("RECOVER_BUFFER");
+    next.press("d");
+    flush_journals(next.editor, true);
+    next.editor.recovery->discard();
+    Worker again(state, file);
+    again.editor.execute_command("RECOVER_BUFFER(\"" + journal + "\")");
+    EXPECT_NE(again.text(), "one\ntwo\nthree");
+    EXPECT_EQ(again.text(), next.text());
+}
+
+TEST_F(RecoveryTest, is_told_of_whichever_way_the_file_is_opened) {
+    {
+        Worker dying(state, file);
+        dying.press("a");
+        dying.idle();
+    }
+    Worker next(state, folder.path("other"));
+    for (std::string opening : {"CREATE_BUFFER(\"b\", \"" + file + "\")", "GET " + file}) {
+        next.editor.set_message("");
+        next.editor.execute_command(opening);
+        EXPECT_TRUE(next.editor.message.starts_with("Unsaved work of ")) << next.editor.message;
+    }
 }
 
 TEST_F(RecoveryTest, is_refused_where_it_makes_no_sense) {
