@@ -115,6 +115,9 @@ void tpu_journal_append(Buffer* buffer, std::string_view text) {
     if (!journal.file) return;
     std::string bytes;
     if (buffer->binary_journal && journal.size == 0) bytes = header();
+    // A text journal must not begin like a binary one.
+    if (!buffer->binary_journal && journal.size == 0 && text.starts_with(kJournalMagic))
+        bytes = " ";
     bytes += buffer->binary_journal ? as_record(text) : as_line(text);
     static_cast<void>(append(journal, bytes));
 }

@@ -212,6 +212,17 @@ TEST_F(Sections, are_made_where_a_link_leads_to) {
     EXPECT_FALSE(tpu_section_save(s.editor, folder.path("round"), ""));
 }
 
+TEST_F(Sections, end_at_no_name) {
+    Session s, again;
+    run(s.editor,
+        "l := CREATE_KEY_MAP_LIST(\"list\", CREATE_KEY_MAP(\"a\" & FAO(\"!/\") & \"#END\"))");
+    run(s.editor, "m := CREATE_KEY_MAP(\"z\")");
+    EXPECT_TRUE(tpu_section_save(s.editor, path, ""));
+    EXPECT_TRUE(tpu_section_restore(again.editor, path));
+    EXPECT_TRUE(again.editor.key_maps.contains("z") || again.editor.key_maps.contains("Z"));
+    EXPECT_EQ(again.editor.key_map_lists.size(), s.editor.key_map_lists.size());
+}
+
 TEST_F(Sections, are_shown_as_they_stand) {
     Session s;
     folder.write("s.sect", "#ZKSECT 1\nIDENT=\n\tany\\nthing\n");
