@@ -53,9 +53,18 @@ bool is_one_procedure(std::string_view source) {
     constexpr std::string_view kLastLine = "\nENDPROCEDURE;\n";
     if (!source.ends_with(kLastLine)) return false;
     source.remove_suffix(kLastLine.size());
-    auto same = [](char a, char b) { return ascii::to_upper(a) == b; };
-    return std::search(source.begin(), source.end(), kEndProcedure.begin(), kEndProcedure.end(),
-                       same) == source.end();
+    for (char end : {'\n', ';'}) {  // of a statement
+        for (std::size_t at = source.find(end); at < source.size(); at = source.find(end, at)) {
+            while (++at < source.size() && ascii::is_space(source[at])) {
+            }
+            std::string_view word = source.substr(at, kEndProcedure.size());
+            if (!word.empty() && ascii::to_upper(word[0]) == kEndProcedure[0] &&
+                ascii::upper(word) == kEndProcedure) {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 
 std::string source_of(std::span<const std::string> statements) {
