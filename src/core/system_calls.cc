@@ -80,4 +80,8 @@ int chmod(int fd, mode_t mode) {
     return fails(Call::chmod) ? -1 : ::fchmod(fd, mode);
 }
 
+int mkdir(const char* path, mode_t mode) {
+    return fails(Call::mkdir) ? -1 : ::mkdir(path, mode);
+}
+
 }  // namespace tpu::sys

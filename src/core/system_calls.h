@@ -11,7 +11,7 @@
 
 namespace tpu::sys {
 
-enum class Call { open, read, write, close, sync, rename, link, unlink, truncate, chmod };
+enum class Call { open, read, write, close, sync, rename, link, unlink, truncate, chmod, mkdir };
 
 // Asked before each call: the error to fail with, or 0 to go on. A close that fails has
 // closed all the same. Null, as it is but in tests: nothing is asked. Process-wide.
@@ -29,5 +29,6 @@ int link(const char* from, const char* to);
 int unlink(const char* path);
 int truncate(int fd, off_t size);
 int chmod(int fd, mode_t mode);
+int mkdir(const char* path, mode_t mode);
 
 }  // namespace tpu::sys

@@ -12,6 +12,12 @@ bool travels(const std::string& statement) {
     return word == "UNDO" || word == "REDO";
 }
 
+// What it brings back is gone by the time of a replay.
+bool recovers(const std::string& statement) {
+    std::string word = ascii::upper(statement);
+    return word == "RECOVER_BUFFER" || word == "RECOVER_BUFFER()";
+}
+
 }  // namespace
 
 void JournalEntry::begin(const std::string& text) {
@@ -20,7 +26,7 @@ void JournalEntry::begin(const std::string& text) {
     mirror.follow(editor_.charset, editor_.ports.clock.now());
     mirror.flush();
     // Steps of undo that a replay does not have are recorded by what they do.
-    by_effect_ = mirror.has_own_steps() && travels(text);
+    by_effect_ = (mirror.has_own_steps() && travels(text)) || recovers(text);
     if (!by_effect_) mirror.record(text);
 }
 

@@ -4,6 +4,8 @@
 #include <limits>
 #include <utility>
 
+#include "core/line_diff.h"
+#include "editor/copied_text.h"
 #include "editor/editor.h"
 #include "lang/stmt_text.h"
 #include "store/journal.h"
@@ -12,8 +14,7 @@ namespace tpu {
 
 namespace {
 
-constexpr std::size_t kMostKeys = 32;             // gathered at once
-constexpr std::uint64_t kLongestPiece = 1 << 20;  // bytes of text in a record
+constexpr std::size_t kMostKeys = 32;  // gathered at once
 
 struct Mode {
     bool Buffer::*flag;
@@ -79,23 +80,19 @@ std::uint64_t largest(std::uint64_t most, Holds holds) {
     return least;
 }
 
-// How much of a text to record at once: no character is torn.
-std::size_t piece_size(std::string_view text) {
-    if (text.size() <= kLongestPiece) return text.size();
-    std::size_t feed = text.rfind('\n', kLongestPiece);
-    if (feed != std::string_view::npos) return feed + 1;
-    std::size_t size = kLongestPiece;
-    while (size > 1 && (text[size] & 0xc0) == 0x80) --size;
-    return size;
-}
-
-// A byte that is not in the text, to stand for tabs, which COPY_TEXT makes blanks of.
-std::string absent_byte(std::string_view text) {
-    for (char c = 1; c < '\x7f'; ++c) {
-        bool usable = c != '\n' && c != '\r' && c != '\t' && c != '"';
-        if (usable && text.find(c) == std::string_view::npos) return {c};
+// The column up to `column` behind which a row can be cut: no character is torn, whatever
+// comes there instead.
+std::uint64_t untorn(const LineStore& lines, std::uint64_t row, std::uint64_t column) {
+    constexpr std::uint64_t kStep = 4 << 10;
+    while (column > 0) {
+        std::uint64_t from = column - std::min(column, kStep);
+        std::string part = lines.slice({row, from}, column - from);
+        auto ascii =
+            std::find_if(part.rbegin(), part.rend(), [](char c) { return (c & 0x80) == 0; });
+        column = from + static_cast<std::uint64_t>(part.rend() - ascii);
+        if (ascii != part.rend()) break;
     }
-    return {};
+    return column;
 }
 
 }  // namespace
@@ -169,11 +166,14 @@ void JournalMirror::take_anchor() {
     if (replayed_.select_anchor) replayed_.select_anchor->buffer = &replayed_;
 }
 
-bool JournalMirror::has_same_text() const {
-    return replayed_.lines == buffer_.lines;
+// Equal texts are made one, so that comparing them again takes no time.
+bool JournalMirror::has_same_text() {
+    if (replayed_.lines != buffer_.lines) return false;
+    replayed_.lines = buffer_.lines;
+    return true;
 }
 
-bool JournalMirror::is_there() const {
+bool JournalMirror::is_there() {
     return cursor(replayed_) == cursor(buffer_) && has_same_text();
 }
 
@@ -222,7 +222,7 @@ void JournalMirror::follow_text(Charset charset, Clock::time_point now) {
 
 bool JournalMirror::follow_typing(Charset charset, Clock::time_point now) {
     std::uint64_t from = cursor_offset(replayed_), to = cursor_offset(buffer_);
-    if (to <= from || to - from > kLongestPiece) return false;
+    if (to <= from || to - from > CopiedPieces::kLongest) return false;
     std::string text = buffer_.lines.text(from, to);
     if (text == "\n" && tries("SPLIT_LINE", [](Buffer& b) { b.split_line(); })) return true;
     for (bool alone : {typed_.empty(), true}) {
@@ -260,32 +260,18 @@ bool JournalMirror::follow_erasing() {
     return false;
 }
 
-// Puts what lies between the common begin and the common end of the two texts in the
-// place of what is there. The begin is that of a line, where no character is torn.
+// Puts what differs in the place of what is there.
 void JournalMirror::rewrite(Charset charset) {
-    const LineStore old = replayed_.lines, fresh = buffer_.lines;
-    std::uint64_t shorter = std::min(old.bytes(), fresh.bytes());
-    std::uint64_t begin =
-        largest(shorter, [&](auto n) { return old.part(0, n) == fresh.part(0, n); });
-    begin = old.row_start(old.position(begin).row);
-    std::uint64_t end = largest(shorter - begin, [&](auto n) {
-        return old.part(old.bytes() - n, old.bytes()) ==
-               fresh.part(fresh.bytes() - n, fresh.bytes());
-    });
-
     const bool inserts = replayed_.insert_mode, wraps = replayed_.auto_wrap;
     if (!inserts) write("SET(INSERT)");
     if (wraps) write("SET(NO_WRAP)");
     replayed_.insert_mode = true;
     replayed_.auto_wrap = false;
-    move_to(old.position(begin));
-    for (std::uint64_t left = old.bytes() - end - begin; left > 0;) {
-        int count = bounded(left);
-        write(call("ERASE_CHARACTER", count));
-        replayed_.erase_n_characters(count);
-        left -= static_cast<std::uint64_t>(count);
+    for (const Difference& change : differences(replayed_.lines, buffer_.lines)) {
+        // Up to here the two are the same by now.
+        replace(change.new_begin, change.old_end - change.old_begin,
+                buffer_.lines.part(change.new_begin, change.new_end), charset);
     }
-    insert(fresh.text(begin, fresh.bytes() - end), charset);
     if (!inserts) write("SET(OVERSTRIKE)");
     if (wraps) write("SET(WRAP)");
     replayed_.insert_mode = inserts;
@@ -294,17 +280,39 @@ void JournalMirror::rewrite(Charset charset) {
     if (!is_there()) capture();
 }
 
-void JournalMirror::insert(std::string_view text, Charset charset) {
-    while (!text.empty()) {
-        std::string piece(text.substr(0, piece_size(text)));
-        text.remove_prefix(piece.size());
-        std::string tab = absent_byte(piece);
-        bool has_tabs = piece.find('\t') != std::string::npos && !tab.empty();
-        if (has_tabs) std::replace(piece.begin(), piece.end(), '\t', tab[0]);
-        std::string copy = "COPY_TEXT(" + expression_for(piece) + ")";
-        write(has_tabs ? "TRANSLATE(" + copy + ", \"" + tab + "\", \"\t\")" : copy);
-        Range range = replayed_.copy_text(piece, charset);
-        if (has_tabs) replayed_.translate_range(range, tab, "\t");
+// Puts a text in the place of `count` bytes, but for the common begin and the common end
+// of the two.
+void JournalMirror::replace(std::uint64_t from, std::uint64_t count, const LineStore& fresh,
+                            Charset charset) {
+    const LineStore old = replayed_.lines.part(from, from + count);
+    std::uint64_t shorter = std::min(old.bytes(), fresh.bytes());
+    std::uint64_t begin =
+        largest(shorter, [&](auto n) { return old.part(0, n) == fresh.part(0, n); });
+    std::uint64_t end = largest(shorter - begin, [&](auto n) {
+        return old.part(old.bytes() - n, old.bytes()) ==
+               fresh.part(fresh.bytes() - n, fresh.bytes());
+    });
+    const auto [row, column] = replayed_.lines.position(from + begin);
+    const Position place{row, untorn(replayed_.lines, row, column)};
+    const std::string head = replayed_.lines.slice(place, column - place.column);
+    move_to(place);
+    for (std::uint64_t left = head.size() + old.bytes() - end - begin; left > 0;) {
+        int piece = bounded(left);
+        write(call("ERASE_CHARACTER", piece));
+        replayed_.erase_n_characters(piece);
+        left -= static_cast<std::uint64_t>(piece);
+    }
+    LineStore added = fresh.part(begin, fresh.bytes() - end);
+    added.insert(0, head);
+    insert(added, charset);
+}
+
+void JournalMirror::insert(const LineStore& text, Charset charset) {
+    CopiedPieces pieces(text);
+    for (CopiedText piece; pieces.next(piece);) {
+        write(piece.statement());
+        Range range = replayed_.copy_text(piece.text, charset);
+        replayed_.translate_range(range, piece.stand_ins, piece.meant);
     }
 }
 

@@ -54,15 +54,16 @@ class JournalMirror {
     State state() const;
     void restore(const State& state);
     void take_anchor();
-    bool has_same_text() const;
-    bool is_there() const;  // text and cursor are those of the buffer
+    bool has_same_text();
+    bool is_there();  // text and cursor are those of the buffer
     void follow_modes();
     void follow_text(Charset charset, Clock::time_point now);
     void follow_anchor();
     bool follow_typing(Charset charset, Clock::time_point now);
     bool follow_erasing();
     void rewrite(Charset charset);
-    void insert(std::string_view text, Charset charset);
+    void replace(std::uint64_t from, std::uint64_t count, const LineStore& fresh, Charset charset);
+    void insert(const LineStore& text, Charset charset);
     void move_to(Position place);
     // Records a statement of the mirror's own.
     void write(const std::string& statement);

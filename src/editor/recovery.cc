@@ -113,7 +113,7 @@ void Recovery::drop_saved() {
                      kept->file_time == buffer->file_time && kept->file_name == buffer->file_name;
         if (stays) return false;
         if (kept->file) kept->file->remove();
-        if (!kept->recovered.empty()) std::remove(kept->recovered.c_str());
+        if (!kept->recovered.empty()) remove_recovery_file(kept->recovered);
         return true;
     });
 }
@@ -121,7 +121,7 @@ void Recovery::drop_saved() {
 void Recovery::discard() {
     for (auto& [buffer, kept] : kept_) {
         if (kept->file) kept->file->remove();
-        if (!kept->recovered.empty()) std::remove(kept->recovered.c_str());
+        if (!kept->recovered.empty()) remove_recovery_file(kept->recovered);
     }
     kept_.clear();
 }

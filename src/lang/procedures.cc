@@ -48,6 +48,25 @@ bool continues_line(std::string_view source) {
     return false;
 }
 
+// The text ends the procedure that it begins with its last line, and not before.
+bool is_one_procedure(std::string_view source) {
+    constexpr std::string_view kLastLine = "\nENDPROCEDURE;\n";
+    if (!source.ends_with(kLastLine)) return false;
+    source.remove_suffix(kLastLine.size());
+    for (char end : {'\n', ';'}) {  // of a statement
+        for (std::size_t at = source.find(end); at < source.size(); at = source.find(end, at)) {
+            while (++at < source.size() && ascii::is_space(source[at])) {
+            }
+            std::string_view word = source.substr(at, kEndProcedure.size());
+            if (!word.empty() && ascii::to_upper(word[0]) == kEndProcedure[0] &&
+                ascii::upper(word) == kEndProcedure) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 std::string source_of(std::span<const std::string> statements) {
     std::string source;
     for (const std::string& statement : statements) {
@@ -143,14 +162,14 @@ std::vector<Stmt> MiniTPUParser::compile_program(const std::string& text) {
 }
 
 // Such a text holds nothing which would have to be looked at more closely: what makes a
-// comment or continues a line, a header with more behind it, an open string, or so much
-// that blocks might be nested too deeply.
+// comment or continues a line, more behind the header or the procedure, an open string, or
+// so much that blocks might be nested too deeply.
 bool MiniTPUParser::define_unparsed(const std::string& source) {
     constexpr std::size_t kLargest = 32 << 10;
     std::size_t end = source.find('\n');
     std::string_view header = std::string_view(source).substr(0, end);
     bool plain = source.size() <= kLargest && begins_procedure(source) &&
-                 source.ends_with("\nENDPROCEDURE;\n") && source.find('!') == std::string::npos &&
+                 is_one_procedure(source) && source.find('!') == std::string::npos &&
                  header.find_first_of(";\"") == std::string_view::npos && !continues_line(source) &&
                  std::count(source.begin(), source.end(), '"') % 2 == 0;
     if (!plain) return false;

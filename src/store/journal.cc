@@ -67,7 +67,8 @@ bool append(const JournalFile& journal, std::string_view bytes) {
 // Makes a journal that holds something ready for more records.
 bool continue_text(const JournalFile& journal) {
     char last = '\n';
-    if (pread(journal.file.get(), &last, 1, journal.size - 1) != 1) return false;
+    int fd = journal.file.get();
+    if (lseek(fd, journal.size - 1, SEEK_SET) < 0 || read_some(fd, &last, 1) != 1) return false;
     return last == '\n' || append(journal, "\n");
 }
 
@@ -114,6 +115,9 @@ void tpu_journal_append(Buffer* buffer, std::string_view text) {
     if (!journal.file) return;
     std::string bytes;
     if (buffer->binary_journal && journal.size == 0) bytes = header();
+    // A text journal must not begin like a binary one.
+    if (!buffer->binary_journal && journal.size == 0 && text.starts_with(kJournalMagic))
+        bytes = " ";
     bytes += buffer->binary_journal ? as_record(text) : as_line(text);
     static_cast<void>(append(journal, bytes));
 }

@@ -29,7 +29,8 @@ std::uint32_t read_number(const std::string& bytes) {
 JournalReader::JournalReader(Descriptor file) : file_(std::move(file)), piece_(kPiece) {
     struct stat status;
     if (fstat(file_.get(), &status) == 0) size_ = static_cast<std::uint64_t>(status.st_size);
-    fill();
+    // What cannot be read might be of either kind.
+    if (!fill() && size_ > 0) end_ = End::unreadable;
     std::string_view begin(piece_.data(), piece_end_);
     binary_ = begin.starts_with(kJournalMagic);
     if (!binary_) return;

@@ -6,13 +6,18 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 #include "core/ascii.h"
 #include "core/buffer.h"
+#include "core/system_calls.h"
 #include "store/file_io.h"
+#include "store/ignored_signal.h"
 #include "store/journal.h"
 
 namespace tpu {
@@ -36,8 +41,10 @@ std::uint64_t hash(std::string_view text) {
 std::string prefix(const std::string& file) {
     constexpr std::size_t kLongestHint = 64;
     std::error_code error;
-    std::filesystem::path path = std::filesystem::weakly_canonical(file, error);
-    if (error) path = std::filesystem::absolute(file, error);
+    // A bare name of a file that is still to be made would be canonical as it is.
+    const std::filesystem::path whole = std::filesystem::absolute(file, error);
+    std::filesystem::path path = std::filesystem::weakly_canonical(whole, error);
+    if (error) path = whole;
     std::string hint = path.filename().string().substr(0, kLongestHint);
     std::replace_if(
         hint.begin(), hint.end(),
@@ -55,9 +62,10 @@ std::string name_of(const std::string& file, std::uint64_t file_time, int attemp
 
 // Makes what is missing of the folder, for the owner alone.
 bool make_folder(const std::filesystem::path& folder) {
-    if (folder.empty() || std::filesystem::is_directory(folder)) return true;
-    if (!make_folder(folder.parent_path())) return false;
-    return mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST;
+    std::error_code unknown;
+    if (folder.empty() || std::filesystem::is_directory(folder, unknown)) return true;
+    if (folder == folder.parent_path() || !make_folder(folder.parent_path())) return false;
+    return sys::mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST;
 }
 
 bool is_free(int fd) {
@@ -80,6 +88,23 @@ void add_record(std::string& records, std::string_view statement) {
     records += statement;
 }
 
+// In pieces, since what was replaced in a large text is large. How many bytes there were;
+// nothing when they could not be written.
+std::optional<off_t> write_records(int fd, const std::vector<std::string>& statements) {
+    constexpr std::size_t kPiece = std::size_t{256} << 10;
+    std::string records;
+    off_t written = 0;
+    auto flush = [&] {
+        written += static_cast<off_t>(records.size());
+        return write_all(fd, std::exchange(records, {}));
+    };
+    for (const std::string& statement : statements) {
+        add_record(records, statement);
+        if (records.size() >= kPiece && !flush()) return std::nullopt;
+    }
+    return flush() ? std::optional(written) : std::nullopt;
+}
+
 }  // namespace
 
 std::optional<RecoveryFile> RecoveryFile::create(const std::string& folder, const std::string& file,
@@ -91,23 +116,38 @@ std::optional<RecoveryFile> RecoveryFile::create(const std::string& folder, cons
         Descriptor made =
             open_file(path, O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_NOFOLLOW, kOwnerOnly);
         if (!made && errno == EEXIST) continue;
-        if (!made || !is_free(made.get())) return std::nullopt;
-        if (tpu_journal_write_header(made.get())) return RecoveryFile(std::move(made), path);
-        unlink(path.c_str());
+        if (!made) return std::nullopt;
+        struct stat status;
+        if (is_free(made.get()) && tpu_journal_write_header(made.get()) &&
+            fstat(made.get(), &status) == 0) {
+            return RecoveryFile(std::move(made), path, status.st_size);
+        }
+        remove_recovery_file(path);
         return std::nullopt;
     }
     return std::nullopt;
 }
 
 bool RecoveryFile::append(const std::vector<std::string>& statements) {
-    std::string records;
-    for (const std::string& statement : statements) add_record(records, statement);
-    return write_all(descriptor_.get(), records);
+    IgnoredSignal size_limit(SIGXFSZ);
+    // Half a record would make those behind it unreadable.
+    auto mend = [&] { torn_ = torn_ && sys::truncate(descriptor_.get(), size_) != 0; };
+    mend();
+    if (torn_) return false;
+    const std::optional<off_t> added = write_records(descriptor_.get(), statements);
+    torn_ = !added;
+    size_ += added.value_or(0);
+    mend();
+    return added.has_value();
 }
 
 void RecoveryFile::remove() {
-    unlink(path_.c_str());
+    remove_recovery_file(path_);
     descriptor_.close();
+}
+
+void remove_recovery_file(const std::string& path) {
+    sys::unlink(path.c_str());
 }
 
 std::vector<LeftBehind> left_behind(const std::string& folder, const std::string& file) {
@@ -120,7 +160,7 @@ std::vector<LeftBehind> left_behind(const std::string& folder, const std::string
         if (!name.starts_with(begin) || !name.ends_with(kSuffix)) continue;
         std::string_view rest = std::string_view(name).substr(begin.size());
         std::optional<std::uint64_t> file_time = file_time_in(rest);
-        Descriptor opened = open_file(entry->path().string(), O_RDONLY | O_NOFOLLOW);
+        Descriptor opened = open_file(entry->path().string(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
         if (!file_time || !opened || !is_free(opened.get())) continue;
         found.push_back(
             {entry->path().string(), *file_time, Buffer::file_mtime_ms(entry->path().string())});

@@ -5,6 +5,8 @@
 // time that the file had; while a session writes it, it is locked.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -22,17 +24,18 @@ class RecoveryFile {
     static std::optional<RecoveryFile> create(const std::string& folder, const std::string& file,
                                               std::uint64_t file_time);
 
-    // Adds statements. False: they could not be kept.
+    // Adds statements: all, or none of them and false.
     [[nodiscard]] bool append(const std::vector<std::string>& statements);
     void remove();
-    const std::string& path() const { return path_; }
 
   private:
-    RecoveryFile(Descriptor descriptor, std::string path)
-        : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
+    RecoveryFile(Descriptor descriptor, std::string path, off_t size)
+        : descriptor_(std::move(descriptor)), path_(std::move(path)), size_(size) {}
 
     Descriptor descriptor_;
     std::string path_;
+    off_t size_ = 0;     // bytes of whole records
+    bool torn_ = false;  // part of another one may be behind them
 };
 
 // A recovery file that no session writes any more.
@@ -41,6 +44,9 @@ struct LeftBehind {
     std::uint64_t file_time = 0;  // of the file; times are milliseconds since the epoch, or 0
     std::uint64_t time = 0;       // when the work was kept last
 };
+
+// Removes one whose work is not needed any more.
+void remove_recovery_file(const std::string& path);
 
 // Those of a file, the latest first.
 std::vector<LeftBehind> left_behind(const std::string& folder, const std::string& file);

@@ -143,6 +143,20 @@ mode_t usual_mode() {
     return 0666 & ~mask;
 }
 
+// The name of the file itself that a path leads to, through links to a file that is still
+// to be made too. Empty: there cannot be one.
+std::string real_name(const std::string& path) {
+    constexpr int kMostLinks = 40;
+    std::error_code unknown;
+    std::filesystem::path real = std::filesystem::weakly_canonical(path, unknown);
+    for (int links = 0; !unknown && is_symbolic_link(real.string()); ++links) {
+        if (links == kMostLinks) return {};
+        const std::filesystem::path next = std::filesystem::read_symlink(real, unknown);
+        if (!unknown) real = std::filesystem::weakly_canonical(real.parent_path() / next, unknown);
+    }
+    return unknown ? std::string() : real.string();
+}
+
 bool can_be_replaced(const std::string& path, const struct stat& status) {
     return status.st_nlink == 1 && !is_symbolic_link(path);
 }
@@ -171,9 +185,8 @@ bool write_safely(const std::string& path, bool keep_backup, const WriteText& wr
 
 bool write_at_once(const std::string& path, const WriteText& write) {
     HeldSignal size_limit(SIGXFSZ);
-    std::error_code unknown;
-    std::string real = std::filesystem::weakly_canonical(path, unknown).string();
-    if (unknown || path.empty()) return false;
+    const std::string real = real_name(path);
+    if (real.empty()) return false;
     struct stat status;
     bool exists = stat(real.c_str(), &status) == 0;
     if (exists &&

@@ -51,9 +51,14 @@ void put_constants(std::string& out, const TPUEditor& editor) {
     }
 }
 
+// A name with line ends in it would end what follows.
+std::string name_on_line(const std::string& name) {
+    return name.find_first_of("\r\n") == std::string::npos ? name : tpu_escape_line(name);
+}
+
 void put_key_maps(std::string& out, const TPUEditor& editor) {
     for (const auto& [name, map] : editor.key_maps) {
-        out += "KEYMAP " + name + '\n';
+        out += "KEYMAP " + name_on_line(name) + '\n';
         for (const auto& [code, binding] : map->bindings) {
             out += "KEY " + std::to_string(code) + '|' + tpu_escape_line(binding.text) + '|' +
                    tpu_escape_line(binding.comment) + '\n';
@@ -63,9 +68,9 @@ void put_key_maps(std::string& out, const TPUEditor& editor) {
 
 void put_key_map_lists(std::string& out, const TPUEditor& editor) {
     for (const auto& [name, list] : editor.key_map_lists) {
-        out += "LIST " + name;
+        out += "LIST " + name_on_line(name);
         for (const KeyMap* map : list->maps) {
-            if (map) out += ' ' + map->name;
+            if (map) out += ' ' + name_on_line(map->name);
         }
         out += '\n';
     }

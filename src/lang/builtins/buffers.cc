@@ -3,6 +3,7 @@
 
 #include "core/array.h"
 #include "editor/editor.h"
+#include "editor/recovery.h"
 #include "lang/builtins/common.h"
 #include "lang/builtins/families.h"
 #include "proc/process.h"
@@ -25,8 +26,9 @@ Value create_buffer(Call& call) {
     if (Buffer* buffer = call.editor.find_buffer(name)) return Value::make_buffer(buffer);
     Buffer* buffer = call.editor.create_buffer(name, "");
     if (call.args.count() > 1) {
-        std::string trouble = buffer->edit_file(call.args.text(1));
-        if (!trouble.empty()) call.editor.set_message(trouble);
+        std::string news = buffer->edit_file(call.args.text(1));
+        if (news.empty() && call.editor.recovery) news = call.editor.recovery->greeting(*buffer);
+        if (!news.empty()) call.editor.set_message(news);
     }
     return Value::make_buffer(buffer);
 }

@@ -15,7 +15,7 @@ namespace {
 void journal_open(Call& call) {
     // A replay makes no journals behind the user's back.
     if (!call.parser.replayed_journals.empty()) return;
-    std::string name = call.args.text(0);
+    std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
     std::string format = call.args.count() > 1 ? ascii::upper(call.args.text(1)) : "BINARY";
     if (format != "TEXT" && format != "BINARY") {
         return call.editor.set_message("JOURNAL_OPEN: the format is TEXT or BINARY");

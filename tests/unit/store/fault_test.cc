@@ -7,6 +7,8 @@
 
 #include "core/buffer.h"
 #include "core/system_calls.h"
+#include "editor/recovery.h"
+#include "store/journal.h"
 #include "store/section.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
@@ -165,6 +167,91 @@ TEST_F(Faults, of_saving_are_told_and_the_next_attempt_works) {
                                    EXPECT_TRUE(save()) << session.editor.message;
                                });
     EXPECT_GE(calls, 8);
+}
+
+TEST_F(Faults, while_a_journal_is_kept_neither_stop_statements_nor_harm_records) {
+    std::unique_ptr<Session> session;
+    std::string path = folder.path("journal");
+    auto run = [&](const std::string& source) { session->editor.parser.compile_text(source); };
+    int calls = for_each_fault(
+        [&] {
+            std::filesystem::remove(path);
+            session = std::make_unique<Session>();
+        },
+        [&] {
+            run("JOURNAL_OPEN(\"" + path + "\")");
+            bool opened = session->editor.message == "Journaling (binary TPJB) to " + path;
+            EXPECT_TRUE(opened || session->editor.message == "JOURNAL_OPEN: cannot write " + path);
+            run("COPY_TEXT(\"a\"); COPY_TEXT(\"b\"); COPY_TEXT(\"c\")");
+            return opened;
+        },
+        [&](int, bool opened) {
+            EXPECT_EQ(session->buffer->lines.text(), "abc");
+            run("JOURNAL_OPEN(\"" + path + "\"); COPY_TEXT(\"d\")");
+            Session again;
+            EXPECT_TRUE(tpu_journal_recover(again.editor.parser, path));
+            EXPECT_TRUE(again.editor.message.ends_with("the end of the journal was reached"));
+            // One record at most is missing, or all where there was no journal.
+            std::string text = again.buffer->lines.text();
+            EXPECT_TRUE(text.ends_with("d"));
+            EXPECT_GE(text.size(), opened ? 3u : 1u) << text;
+        });
+    EXPECT_GE(calls, 9);
+}
+
+TEST_F(Faults, while_a_journal_is_replayed_end_the_replay) {
+    Session session;
+    std::string path = folder.path("journal");
+    session.editor.parser.compile_text("JOURNAL_OPEN(\"" + path + "\"); COPY_TEXT(\"a\")");
+    std::unique_ptr<Session> again;
+    int calls = for_each_fault(
+        [&] { again = std::make_unique<Session>(); },
+        [&] { return tpu_journal_recover(again->editor.parser, path); },
+        [&](int, bool opened) {
+            bool whole = again->editor.message.ends_with("the end of the journal was reached");
+            EXPECT_EQ(again->buffer->lines.text(), whole ? "a" : "");
+            EXPECT_TRUE(whole || !opened ||
+                        again->editor.message.find("the journal cannot be read from") !=
+                            std::string::npos)
+                << again->editor.message;
+        });
+    EXPECT_GE(calls, 3);
+}
+
+TEST_F(Faults, while_unsaved_work_is_kept_are_nobodys_concern) {
+    std::string path = folder.write("file", old_text), state = folder.path("state/tpu");
+    std::unique_ptr<Session> session;
+    auto idle = [&] {
+        session->editor.recovery->note_key();
+        session->clock.time += Recovery::kIdle;
+        session->editor.recovery->serve();
+    };
+    auto begin = [&] {
+        session = std::make_unique<Session>();
+        session->editor.recovery = std::make_unique<Recovery>(session->editor, state);
+        ASSERT_TRUE(session->buffer->load_file(path));
+    };
+    int calls = for_each_fault(
+        [&] {
+            std::filesystem::remove_all(folder.path("state"));
+            begin();
+        },
+        [&] {
+            for (const char* keys : {"a", "b", "c"}) {
+                session->press(keys);
+                idle();
+            }
+            return true;
+        },
+        [&](int, bool) {
+            EXPECT_EQ(session->editor.message, "");
+            session->press("d");
+            idle();
+            begin();
+            session->editor.recovery->recover(*session->buffer);
+            EXPECT_EQ(session->buffer->lines.text(), "abcd" + old_text) << session->editor.message;
+        });
+    EXPECT_GE(calls, 7);
 }
 
 }  // namespace

@@ -66,6 +66,18 @@ TEST_F(Journals, have_both_formats_to_the_byte) {
     EXPECT_EQ(s.editor.message, "JOURNAL_OPEN: the format is TEXT or BINARY");
 }
 
+TEST_F(Journals, in_text_are_never_taken_for_binary_ones) {
+    Journaled s, again;
+    s.open(path, "TEXT");
+    s.run("tpjb := 1");
+    std::filesystem::remove(path);
+    s.run("TPJB := 2");
+    s.run("COPY_TEXT(TPJB)");
+    EXPECT_EQ(folder.read("j"), " TPJB := 2\nCOPY_TEXT(TPJB)\n");
+    again.recover(path);
+    EXPECT_EQ(again.lines(), Lines{"2"});
+}
+
 TEST_F(Journals, have_the_outermost_statements_alone) {
     Journaled s;
     s.open(path, "TEXT");
@@ -276,9 +288,7 @@ MOVE_VERTICAL(1)
 MOVE_HORIZONTAL(-2)
 MOVE_TEXT
 SET(INSERT)
-MOVE_HORIZONTAL(-4)
-ERASE_CHARACTER(4)
-COPY_TEXT(FAO("line!/é"))
+COPY_TEXT(FAO("!/é"))
 SET(OVERSTRIKE)
 y := 1
 )");

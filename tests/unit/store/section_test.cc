@@ -105,20 +105,24 @@ TEST_F(Sections, are_read_whatever_is_in_them) {
         "s.sect",
         "#ZKSECT 7\nIDENT=\nstray\nBEGIN PROCEDURES\nloose := 1\n"
         "PROCEDURE open_ended\nPROCEDURE good\nnonsense!\nRETURN 1\nENDPROCEDURE; rest\n"
-        "ABORT\nPROCEDURE late; after := 1\nENDPROCEDURE;\nlast := late\nEND PROCEDURES\n"
+        "ABORT\nPROCEDURE late; after := 1\nENDPROCEDURE;\n"
+        "PROCEDURE two\n endprocedure;\nbetween := 1\nprocedure three\nENDPROCEDURE;\n"
+        "last := late\nEND PROCEDURES\n"
         "BEGIN VARIABLES\nv w\n\nEND VARIABLES\n"
         "BEGIN KEYMAPS\nKEY 65|lost|\nKEYMAP MY MAP\nKEY x|bad|\nKEY 66\nKEY 67|half\n"
         "KEY 99999999999|far|\nKEY 68|a|b|c\nKEY 260||LEFT\nEND KEYMAPS\n"
         "BEGIN KEYMAP_LISTS\nLIST L NONE MY\nLIST\nEND KEYMAP_LISTS\n#END\nBEGIN VARIABLES\nno\n");
     Session s;
     EXPECT_TRUE(tpu_section_restore(s.editor, path));
-    EXPECT_EQ(s.editor.message, "RESTORE section " + path + " (6 proc groups, 1 vars, 3 keys)");
+    EXPECT_EQ(s.editor.message, "RESTORE section " + path + " (7 proc groups, 1 vars, 3 keys)");
     EXPECT_EQ(s.editor.parser.error_list,
               (Lines{"error: missing ENDPROCEDURE for open_ended (near line 1)",
                      "Unknown command: rest  (line 4)"}));
     EXPECT_TRUE(s.editor.parser.lookup_var("LOOSE") && s.editor.parser.lookup_var("V W"));
     EXPECT_TRUE(s.editor.parser.lookup_var("LAST"))
         << "an error in one group does not end the rest";
+    EXPECT_TRUE(s.editor.parser.lookup_var("BETWEEN") &&
+                s.editor.parser.procedures.contains("THREE"));
     EXPECT_FALSE(s.editor.parser.lookup_var("NO"));
     EXPECT_EQ(binding(s.editor, "MY MAP", 67) + binding(s.editor, "MY MAP", 68), "half/a/b|c");
     EXPECT_TRUE(s.editor.key_maps["MY MAP"]->lookup(kKeyLeft)->action);
@@ -195,6 +199,28 @@ TEST_F(Sections, keep_mode_and_link_of_a_file_that_they_replace) {
     EXPECT_TRUE(std::filesystem::is_symlink(path));
     EXPECT_TRUE(folder.read("target").starts_with("#ZKSECT 1\nIDENT=x\n"));
     EXPECT_EQ(status_of(target).st_mode & 0777, 0640u);
+}
+
+TEST_F(Sections, are_made_where_a_link_leads_to) {
+    std::filesystem::create_symlink("there", folder.path("here"));
+    std::filesystem::create_symlink("here", folder.path("s.sect"));
+    Session s;
+    EXPECT_TRUE(tpu_section_save(s.editor, path, ""));
+    EXPECT_TRUE(std::filesystem::is_symlink(path));
+    EXPECT_TRUE(folder.read("there").starts_with("#ZKSECT 1\n"));
+    std::filesystem::create_symlink("round", folder.path("round"));
+    EXPECT_FALSE(tpu_section_save(s.editor, folder.path("round"), ""));
+}
+
+TEST_F(Sections, end_at_no_name) {
+    Session s, again;
+    run(s.editor,
+        "l := CREATE_KEY_MAP_LIST(\"list\", CREATE_KEY_MAP(\"a\" & FAO(\"!/\") & \"#END\"))");
+    run(s.editor, "m := CREATE_KEY_MAP(\"z\")");
+    EXPECT_TRUE(tpu_section_save(s.editor, path, ""));
+    EXPECT_TRUE(tpu_section_restore(again.editor, path));
+    EXPECT_TRUE(again.editor.key_maps.contains("z") || again.editor.key_maps.contains("Z"));
+    EXPECT_EQ(again.editor.key_map_lists.size(), s.editor.key_map_lists.size());
 }
 
 TEST_F(Sections, are_shown_as_they_stand) {
