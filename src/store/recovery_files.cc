@@ -15,9 +15,9 @@
 
 #include "core/ascii.h"
 #include "core/buffer.h"
+#include "core/held_signal.h"
 #include "core/system_calls.h"
 #include "store/file_io.h"
-#include "store/ignored_signal.h"
 #include "store/journal.h"
 
 namespace tpu {
@@ -129,7 +129,7 @@ std::optional<RecoveryFile> RecoveryFile::create(const std::string& folder, cons
 }
 
 bool RecoveryFile::append(const std::vector<std::string>& statements) {
-    IgnoredSignal size_limit(SIGXFSZ);
+    HeldSignal size_limit(SIGXFSZ);
     // Half a record would make those behind it unreadable.
     auto mend = [&] { torn_ = torn_ && sys::truncate(descriptor_.get(), size_) != 0; };
     mend();
