@@ -138,6 +138,8 @@ bool RecoveryFile::append(const std::vector<std::string>& statements) {
     torn_ = !added;
     size_ += added.value_or(0);
     mend();
+    // So that a power cut does not take it. Where that fails the system has it at least.
+    [[maybe_unused]] bool is_on_disk = added && sync_file(descriptor_.get());
     return added.has_value();
 }
 
