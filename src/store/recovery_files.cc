@@ -96,7 +96,9 @@ std::optional<off_t> write_records(int fd, const std::vector<std::string>& state
     off_t written = 0;
     auto flush = [&] {
         written += static_cast<off_t>(records.size());
-        return write_all(fd, std::exchange(records, {}));
+        bool good = write_all(fd, records);
+        records.clear();
+        return good;
     };
     for (const std::string& statement : statements) {
         add_record(records, statement);
