@@ -114,10 +114,12 @@ void tpu_journal_append(Buffer* buffer, std::string_view text) {
     JournalFile journal = open_journal(buffer->journal_file, O_WRONLY);
     if (!journal.file) return;
     std::string bytes;
-    if (buffer->binary_journal && journal.size == 0) bytes = header();
-    // A text journal must not begin like a binary one.
-    if (!buffer->binary_journal && journal.size == 0 && text.starts_with(kJournalMagic))
-        bytes = " ";
+    if (journal.size == 0) {
+        // A text journal must not begin like a binary one.
+        bool misleads = !buffer->binary_journal && text.starts_with(kJournalMagic);
+        if (buffer->binary_journal) bytes += header();
+        if (misleads) bytes += ' ';
+    }
     bytes += buffer->binary_journal ? as_record(text) : as_line(text);
     static_cast<void>(append(journal, bytes));
 }
