@@ -5,7 +5,7 @@
 
 #include "editor/compose.h"
 #include "editor/editor.h"
-#include "no_terminal.h"
+#include "swallowing_terminal.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ struct Bench {
         editor.handle_key(key);
         editor.draw();
     }
-    NoTerminal terminal;
+    SwallowingTerminal terminal;
     SteadyClock clock;
     TPUEditor editor;
     Buffer* buffer;

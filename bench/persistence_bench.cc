@@ -8,9 +8,9 @@
 #include <string>
 
 #include "editor/editor.h"
-#include "no_terminal.h"
 #include "store/journal.h"
 #include "store/section.h"
+#include "swallowing_terminal.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ struct Session {
         buffer = editor.create_buffer("MAIN", "");
         editor.init_screen();
     }
-    NoTerminal terminal;
+    SwallowingTerminal terminal;
     SteadyClock clock;
     TPUEditor editor;
     Buffer* buffer;

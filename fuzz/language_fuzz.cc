@@ -7,6 +7,7 @@
 #include <cassert>
 #include <cstdint>
 
+#include "app/no_terminal.h"
 #include "core/array.h"
 #include "editor/editor.h"
 #include "outside.h"
@@ -22,24 +23,15 @@ constexpr std::chrono::milliseconds kLongestRun{200};
 constexpr int kMostLooks = 2;  // at the keyboard, each after 256 steps of the program
 
 // Nobody sits before it but one who loses patience.
-class ImpatientTerminal : public Terminal {
+class ImpatientTerminal : public NoTerminal {
   public:
     std::string start() override { return {}; }
     ScreenSize size() override { return {8, 30}; }
-    void present(const Frame&) override {}
-    int read_key(int, const Awaited&) override { return kKeyHangup; }
-    bool key_waiting() override { return false; }
     bool interrupt_waiting() override {
         return ++looks_ > kMostLooks ||
                __sanitizer_get_current_allocated_bytes() > allocated_ + kMostMemory ||
                std::chrono::steady_clock::now() - start_ > kLongestRun;
     }
-    std::string take_paste() override { return {}; }
-    std::optional<MouseEvent> mouse() override { return {}; }
-    void set_mouse(bool) override {}
-    void beep() override {}
-    void leave() override {}
-    void enter() override {}
 
   private:
     int looks_ = 0;
