@@ -113,8 +113,7 @@ void JournalMirror::capture() {
     take_anchor();
     replayed_.tab_stops = buffer_.tab_stops;
     replayed_.tab_interval = buffer_.tab_interval;
-    for (const Mode& mode : kModes) replayed_.*mode.flag = buffer_.*mode.flag;
-    for (const Margin& margin : kMargins) replayed_.*margin.column = buffer_.*margin.column;
+    copy_recorded_modes(buffer_, replayed_);
     moved_to_.reset();
     if (typed_.empty()) waiting_since_.reset();
 }
@@ -337,6 +336,11 @@ void JournalMirror::follow_anchor() {
     if (!buffer_.select_anchor) write("MOVE_TEXT");
     take_anchor();
     move_to(here);
+}
+
+void copy_recorded_modes(const Buffer& from, Buffer& to) {
+    for (const Mode& mode : kModes) to.*mode.flag = from.*mode.flag;
+    for (const Margin& margin : kMargins) to.*margin.column = from.*margin.column;
 }
 
 JournalMirror& mirror_of(Buffer& buffer) {

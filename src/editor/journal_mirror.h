@@ -83,6 +83,9 @@ class JournalMirror {
     bool has_own_steps_ = false;
 };
 
+// Gives a buffer the modes of another that records can set.
+void copy_recorded_modes(const Buffer& from, Buffer& to);
+
 // The mirror of a buffer that keeps a journal; made when there is none.
 JournalMirror& mirror_of(Buffer& buffer);
 

@@ -25,13 +25,7 @@ std::string day_and_time(std::uint64_t ms) {
 
 // The modes that records start from; they switch those on that there were.
 void reset_modes(Buffer& buffer) {
-    const Buffer usual("", "");
-    buffer.insert_mode = usual.insert_mode;
-    buffer.auto_wrap = usual.auto_wrap;
-    buffer.reverse = usual.reverse;
-    buffer.free_cursor = usual.free_cursor;
-    buffer.left_margin = usual.left_margin;
-    buffer.right_margin = usual.right_margin;
+    copy_recorded_modes(Buffer("", ""), buffer);
     buffer.select_anchor.reset();
     buffer.beginning_of_buffer();
 }
