@@ -11,12 +11,6 @@ namespace tpu {
 
 namespace {
 
-std::string with_home(std::string_view name) {
-    const char* home = std::getenv("HOME");
-    bool in_home = name == "~" || name.starts_with("~/");
-    return in_home && home ? home + std::string(name.substr(1)) : std::string(name);
-}
-
 bool begins_with(const CommandLine& line, std::string_view words) {
     for (std::size_t i = 0; !words.empty(); ++i) {
         std::string_view word = words.substr(0, words.find(' '));
@@ -27,6 +21,12 @@ bool begins_with(const CommandLine& line, std::string_view words) {
 }
 
 }  // namespace
+
+std::string with_home(std::string_view name) {
+    const char* home = std::getenv("HOME");
+    bool in_home = name == "~" || name.starts_with("~/");
+    return in_home && home ? home + std::string(name.substr(1)) : std::string(name);
+}
 
 CommandLine::CommandLine(std::string text) : line(std::move(text)) {
     for (std::size_t i = 0; i < line.size(); ++i) {

@@ -36,6 +36,9 @@ struct CommandLine {
     std::optional<std::uint64_t> number(std::size_t i) const;
 };
 
+// The name of a file as people type it, with the home directory in place of ~.
+std::string with_home(std::string_view name);
+
 // What a command is about, for those who complete what is typed.
 enum class About { other, file, buffer, paste, topic, show_item, procedure, key_map_list };
 

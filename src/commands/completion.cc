@@ -38,12 +38,6 @@ Completion complete_word(std::size_t from, std::string_view begun, const Names& 
     return offer(from, fitting);
 }
 
-std::filesystem::path folder_to_look_in(const std::string& typed) {
-    const char* home = std::getenv("HOME");
-    if (typed.starts_with("~/") && home) return home + typed.substr(1);
-    return typed.empty() ? "." : typed;
-}
-
 // Names with blanks get double quotes around them.
 Completion complete_file(std::size_t from, std::string_view begun) {
     if (begun.starts_with('"')) begun.remove_prefix(1);
@@ -52,7 +46,8 @@ Completion complete_file(std::size_t from, std::string_view begun) {
     std::string_view name = begun.substr(folder.size());
     Names fitting;
     std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder_to_look_in(folder), error), end;
+    for (std::filesystem::directory_iterator entry(folder.empty() ? "." : with_home(folder), error),
+         end;
          !error && entry != end; entry.increment(error)) {
         std::string found = entry->path().filename().string();
         if (!found.starts_with(name) || (found[0] == '.' && !name.starts_with('.'))) continue;
