@@ -44,6 +44,12 @@ struct Recovery::Kept {
           mirror(buffer, buffer.saved_lines,
                  [this](const std::string& statement) { statements.push_back(statement); }) {}
 
+    // It is saved, or not wanted any more.
+    void remove() {
+        if (file) file->remove();
+        if (!recovered.empty()) remove_recovery_file(recovered);
+    }
+
     std::uint64_t file_time;
     std::string file_name;
     std::vector<std::string> statements;  // not in the file yet
@@ -106,17 +112,13 @@ void Recovery::drop_saved() {
         bool stays = editor_.owns(buffer) && wants_keeping(*buffer) &&
                      kept->file_time == buffer->file_time && kept->file_name == buffer->file_name;
         if (stays) return false;
-        if (kept->file) kept->file->remove();
-        if (!kept->recovered.empty()) remove_recovery_file(kept->recovered);
+        kept->remove();
         return true;
     });
 }
 
 void Recovery::discard() {
-    for (auto& [buffer, kept] : kept_) {
-        if (kept->file) kept->file->remove();
-        if (!kept->recovered.empty()) remove_recovery_file(kept->recovered);
-    }
+    for (auto& [buffer, kept] : kept_) kept->remove();
     kept_.clear();
 }
 
