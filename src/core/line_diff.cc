@@ -20,10 +20,16 @@ const char* end_of(const LineStore::Chunk& chunk) {
     return chunk.text.data() + chunk.text.size();
 }
 
-std::vector<LineStore::Chunk> chunks_of(const LineStore& text) {
+// Of the bytes [from, to).
+std::vector<LineStore::Chunk> chunks_of(const LineStore& text, std::uint64_t from,
+                                        std::uint64_t to) {
     std::vector<LineStore::Chunk> chunks;
-    for (std::uint64_t at = 0; at < text.bytes(); at = chunks.back().end()) {
-        chunks.push_back(text.chunk_at(at));
+    for (std::uint64_t at = from; at < to; at = chunks.back().end()) {
+        LineStore::Chunk chunk = text.chunk_at(at);
+        chunk.text.remove_prefix(at - chunk.begin);
+        chunk.begin = at;
+        chunk.text = chunk.text.substr(0, to - at);
+        chunks.push_back(chunk);
     }
     return chunks;
 }
@@ -120,15 +126,23 @@ class Chains {
 }  // namespace
 
 std::vector<Difference> differences(const LineStore& old, const LineStore& fresh) {
-    const std::vector<LineStore::Chunk> known = by_memory(chunks_of(old));
+    if (old.is_same_version(fresh)) return {};
+    // Mostly the two differ at one place, and what lies around it need not be looked at.
+    const std::uint64_t shorter = std::min(old.bytes(), fresh.bytes());
+    const std::uint64_t head = old.shared_head(fresh);
+    const std::uint64_t tail = std::min(old.shared_tail(fresh), shorter - head);
+    const std::uint64_t old_stop = old.bytes() - tail, new_stop = fresh.bytes() - tail;
+    const std::vector<LineStore::Chunk> known = by_memory(chunks_of(old, head, old_stop));
     std::vector<Shared> shared;
-    for (const LineStore::Chunk& chunk : chunks_of(fresh)) find_shared(chunk, known, shared);
+    for (const LineStore::Chunk& chunk : chunks_of(fresh, head, new_stop)) {
+        find_shared(chunk, known, shared);
+    }
     shared = Chains(shared).longest();
-    shared.push_back({old.bytes(), fresh.bytes(), kWorthKeeping});
+    shared.push_back({old_stop, new_stop, kWorthKeeping});
 
     std::vector<Difference> found;
     // The end of what the texts have in common so far, and how much that was in one piece.
-    std::uint64_t old_end = 0, new_end = 0, run = kWorthKeeping;
+    std::uint64_t old_end = head, new_end = head, run = kWorthKeeping;
     for (const Shared& next : shared) {
         if (next.in_old == old_end && next.in_new == new_end) {
             run += next.size;

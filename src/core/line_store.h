@@ -99,6 +99,14 @@ class LineStore {
     // True when nothing was changed since one was copied from the other. False says nothing.
     bool is_same_version(const LineStore& other) const { return tree_.node == other.tree_.node; }
 
+    // Bytes at the begin, or at the end, that are known to be the same without reading them.
+    std::uint64_t shared_head(const LineStore& other) const {
+        return tree::shared_head(tree_, other.tree_);
+    }
+    std::uint64_t shared_tail(const LineStore& other) const {
+        return tree::shared_tail(tree_, other.tree_);
+    }
+
     // Asserts the invariants of the structure, in builds with assertions.
     void check_invariants() const { tree::check(tree_); }
 

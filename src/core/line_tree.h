@@ -114,6 +114,11 @@ std::uint64_t after_break(const Tree& tree, std::uint64_t n);
 // Same bytes and same line breaks. Shared nodes are not looked into.
 bool equal(const Tree& a, const Tree& b);
 
+// Bytes from the begin, or up to the end, that two trees have in the same memory. Nothing
+// is read but the nodes that they do not share.
+std::uint64_t shared_head(const Tree& a, const Tree& b);
+std::uint64_t shared_tail(const Tree& a, const Tree& b);
+
 // Asserts everything that must hold of a tree; for tests and debug builds.
 void check(const Tree& tree);
 

@@ -9,7 +9,8 @@ namespace tpu::tree {
 
 namespace {
 
-// A walk over a tree that can step over whole subtrees.
+// A walk over a tree, from either end, that can step over whole subtrees.
+template <bool kBackward = false>
 class Walk {
   public:
     explicit Walk(const Tree& tree) {
@@ -19,22 +20,27 @@ class Walk {
     bool done() const { return path_.empty(); }
     bool at_piece() const { return node().level == 0; }
     // The subtree at hand; only above the leaves.
-    const Tree& subtree() const { return node().children[path_.back().index]; }
-    const Piece& piece() const { return node().pieces[path_.back().index]; }
+    const Tree& subtree() const { return node().children[place()]; }
+    const Piece& piece() const { return node().pieces[place()]; }
     std::uint64_t left_in_piece() const { return piece().size - inside_; }
-    std::string_view rest() const { return piece().text().substr(inside_); }
-    bool inside_piece() const { return inside_ > 0; }
+    // What is left of the piece.
+    std::string_view rest() const {
+        return piece().text().substr(kBackward ? 0 : inside_, left_in_piece());
+    }
     std::uint32_t level() const { return node().level; }
+    std::uint64_t passed() const { return passed_; }  // bytes that the walk is past
 
     void descend() { path_.push_back({subtree().node.get(), 0}); }
 
     void skip_bytes(std::uint64_t bytes) {
+        if (bytes == left_in_piece()) return skip();
         inside_ += bytes;
-        if (inside_ == piece().size) skip();
+        passed_ += bytes;
     }
 
     // Past the entry at hand, and up out of nodes that are used up.
     void skip() {
+        passed_ += at_piece() ? left_in_piece() : subtree().size.bytes;
         inside_ = 0;
         while (!path_.empty() && ++path_.back().index == node().entries()) path_.pop_back();
     }
@@ -42,19 +48,59 @@ class Walk {
   private:
     struct Step {
         const Node* node;
-        std::size_t index;
+        std::size_t index;  // of entries that the walk is past
     };
     const Node& node() const { return *path_.back().node; }
+    std::size_t place() const {
+        const std::size_t index = path_.back().index;
+        return kBackward ? node().entries() - 1 - index : index;
+    }
 
     std::vector<Step> path_;
-    std::uint64_t inside_ = 0;
+    std::uint64_t inside_ = 0;  // bytes of the piece that the walk is past
+    std::uint64_t passed_ = 0;
 };
 
-bool same_text(const Walk& a, const Walk& b, std::size_t bytes) {
+bool same_text(const Walk<>& a, const Walk<>& b, std::size_t bytes) {
     std::string_view left = a.rest().substr(0, bytes), right = b.rest().substr(0, bytes);
     if (left.data() != right.data() && left != right) return false;
     bool same_breaks = a.piece().raw == b.piece().raw;
     return same_breaks || left.find('\n') == std::string_view::npos;
+}
+
+// Takes two walks that stand at the same place over what the trees share, up to where both
+// are at a piece. False: one of them is done.
+template <bool kBackward>
+bool find_pieces(Walk<kBackward>& left, Walk<kBackward>& right) {
+    while (!left.done() && !right.done()) {
+        const bool left_deeper = left.at_piece(), right_deeper = right.at_piece();
+        if (left_deeper && right_deeper) return true;
+        if (!left_deeper && !right_deeper && left.subtree().node == right.subtree().node) {
+            left.skip();
+            right.skip();
+        } else if (right_deeper || (!left_deeper && left.level() >= right.level())) {
+            left.descend();
+        } else {
+            right.descend();
+        }
+    }
+    return false;
+}
+
+template <bool kBackward>
+std::uint64_t shared(const Tree& a, const Tree& b) {
+    if (a.node == b.node) return a.size.bytes;
+    Walk<kBackward> left(a), right(b);
+    while (find_pieces(left, right)) {
+        const std::string_view one = left.rest(), other = right.rest();
+        const std::size_t bytes = std::min(one.size(), other.size());
+        const bool same_memory = kBackward ? one.data() + one.size() == other.data() + other.size()
+                                           : one.data() == other.data();
+        if (!same_memory || left.piece().raw != right.piece().raw) break;
+        left.skip_bytes(bytes);
+        right.skip_bytes(bytes);
+    }
+    return left.passed();
 }
 
 }  // namespace
@@ -124,25 +170,22 @@ std::uint64_t after_break(const Tree& tree, std::uint64_t n) {
 bool equal(const Tree& a, const Tree& b) {
     if (a.node == b.node) return true;
     if (a.size.bytes != b.size.bytes || a.size.breaks != b.size.breaks) return false;
-    // Both walks stand at the same offset all the time.
-    Walk left(a), right(b);
-    while (!left.done() && !right.done()) {
-        bool left_deeper = left.at_piece(), right_deeper = right.at_piece();
-        if (!left_deeper && !right_deeper && left.subtree().node == right.subtree().node) {
-            left.skip();
-            right.skip();
-        } else if (left_deeper && right_deeper) {
-            std::uint64_t bytes = std::min(left.left_in_piece(), right.left_in_piece());
-            if (!same_text(left, right, bytes)) return false;
-            left.skip_bytes(bytes);
-            right.skip_bytes(bytes);
-        } else if (right_deeper || (!left_deeper && left.level() >= right.level())) {
-            left.descend();
-        } else {
-            right.descend();
-        }
+    Walk<> left(a), right(b);
+    while (find_pieces(left, right)) {
+        std::uint64_t bytes = std::min(left.left_in_piece(), right.left_in_piece());
+        if (!same_text(left, right, bytes)) return false;
+        left.skip_bytes(bytes);
+        right.skip_bytes(bytes);
     }
     return left.done() == right.done();
+}
+
+std::uint64_t shared_head(const Tree& a, const Tree& b) {
+    return shared<false>(a, b);
+}
+
+std::uint64_t shared_tail(const Tree& a, const Tree& b) {
+    return shared<true>(a, b);
 }
 
 #ifdef NDEBUG
