@@ -155,6 +155,9 @@ class Buffer {
     // Replaces bytes of one line, given by their offset in the text, and leaves the cursor
     // behind what replaced them.
     void replace_bytes(std::uint64_t offset, std::uint64_t size, std::string_view text);
+    // The same for any bytes and a text of any lines, whatever the modes are. An offset past
+    // the end of the text counts as the end.
+    void replace_text(std::uint64_t offset, std::uint64_t size, const LineStore& text);
 
     // buffer_characters.cc: what keys do where a character may have several bytes.
     // A cursor inside a character counts as standing before it.

@@ -46,6 +46,16 @@ void Buffer::replace_bytes(std::uint64_t offset, std::uint64_t size, std::string
     modified = true;
 }
 
+void Buffer::replace_text(std::uint64_t offset, std::uint64_t size, const LineStore& text) {
+    if (!modifiable) return;
+    const std::uint64_t from = std::min(offset, lines.bytes());
+    lines.replace(from, from + std::min(size, lines.bytes() - from), text);
+    const Position end = lines.position(from + text.bytes());
+    cursor_row = end.row;
+    cursor_column = end.column;
+    modified = true;
+}
+
 void Buffer::box_copy(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1,
                       std::uint64_t col2) {
     if (col1 > col2) std::swap(col1, col2);

@@ -1,4 +1,6 @@
 // Changing text: lines, characters, case, selections and what was cut.
+#include <algorithm>
+
 #include "core/ascii.h"
 #include "editor/editor.h"
 #include "lang/builtins/common.h"
@@ -63,6 +65,15 @@ void erase(Call& call) {
     const Value& what = call.args.value(0);
     if (!what.is(Value::Type::range)) return;
     if (Buffer* buffer = buffer_of(what)) buffer->erase_range(*what.range());
+}
+
+// REPLACE_TEXT(offset, count, text); negative numbers count as 0.
+void replace_text(Call& call) {
+    auto bytes = [&](std::size_t i) {
+        return static_cast<std::uint64_t>(std::max(0LL, call.args.number(i)));
+    };
+    const std::uint64_t offset = bytes(0), count = bytes(1);
+    call.buffer().replace_text(offset, count, LineStore::from_text(call.args.text(2)));
 }
 
 // The inserted text as a range.
@@ -161,6 +172,9 @@ constexpr Builtin kRows[] = {
     {.name = "COPY_TEXT", .statement = copy_text, .function = copy_text_range, .most = 1,
      .form = "COPY_TEXT(text or SELECT_RANGE)",
      .help = "Insert the text at the cursor, or copy the selection to the paste register."},
+    {.name = "REPLACE_TEXT", .statement = replace_text, .least = 3, .most = 3,
+     .form = "REPLACE_TEXT(offset, count, text)",
+     .help = "Put a text in the place of so many bytes behind so many others, whatever the modes are; the cursor goes behind it."},
     {.name = "ERASE", .statement = erase, .least = 1, .most = 1,
      .form = "ERASE(range)", .help = "Erase the text of a range."},
     {.name = "LINE_BEGIN", .statement = [](Call& c) { c.buffer().cursor_column = 0; },
