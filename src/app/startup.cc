@@ -8,6 +8,7 @@
 #include "editor/glyphs.h"
 #include "editor/recovery.h"
 #include "store/section.h"
+#include "store/trust.h"
 
 namespace tpu {
 
@@ -31,11 +32,29 @@ bool load_source(TPUEditor& editor, const std::string& path) {
     return true;
 }
 
-void run_start_files(TPUEditor& editor, const Options& options, const StartFiles& files) {
+// What there is to tell of them.
+std::string run_start_files(TPUEditor& editor, const Options& options, const StartFiles& files) {
+    std::string trouble;
     if (!load_source(editor, files.source) && files.home) {
-        load_source(editor, *files.home + "/.tpurc");
+        const std::string path = *files.home + "/.tpurc";
+        // With another user's home it is that user's.
+        const std::string distrust = distrust_of_file(path);
+        if (distrust.empty()) {
+            load_source(editor, path);
+        } else {
+            trouble = path + " is not run: " + distrust;
+        }
     }
     load_source(editor, options.command_file);
+    return trouble;
+}
+
+// A section file runs code, so it must be the user's. Empty, or why it was not restored.
+std::string restore_at_start(TPUEditor& editor, const std::string& path) {
+    if (path.empty()) return {};
+    const std::string distrust = distrust_of_file(path);
+    if (distrust.empty() && tpu_section_restore(editor, path)) return {};
+    return "tpu: /SECTION=" + path + " failed to load" + (distrust.empty() ? "" : ": " + distrust);
 }
 
 // Writes a line to standard error, off the editor's screen in case that is where it goes.
@@ -60,15 +79,14 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     }
     go_to_line(*main, options.line);
     editor.init_screen();
-    if (!options.section_file.empty() && !tpu_section_restore(editor, options.section_file)) {
-        std::string line = "tpu: /SECTION=" + options.section_file + " failed to load";
-        complain(ports.terminal, printable(line, charset));
-    }
-    run_start_files(editor, options, files);
+    const std::string fault = restore_at_start(editor, options.section_file);
+    if (!fault.empty()) complain(ports.terminal, printable(fault, charset));
+    const std::string not_run = run_start_files(editor, options, files);
     editor.recovery = std::make_unique<Recovery>(editor, files.recovery_folder);
     editor.set_message(kGreeting);
     // Faults in start-up files are not to go by unseen.
     if (!editor.parser.error_list.empty()) editor.set_message(editor.parser.error_list.front());
+    if (trouble.empty()) trouble = not_run;
     if (trouble.empty()) trouble = editor.recovery->greeting(*main);
     if (!trouble.empty()) editor.set_message(trouble);
     editor.run();

@@ -175,8 +175,11 @@ somebody else has changed the file since, and RELOAD reads it again when the
 buffer has no changes of its own.
 
 When the editor or the machine has died, opening the file again tells of the
-unsaved work, and RECOVER_BUFFER brings it back. It is kept in the folder
-~/.local/state/tpu/recovery until the file is saved or the editor is left.
+unsaved work, and RECOVER_BUFFER brings it back; work in buffers without a
+file is told of when the editor starts without one. If the file has changed
+since, the work comes in a buffer of its own. It is kept within a second in
+~/.local/state/tpu/recovery until the file is saved or the editor is left. A
+message and SHOW SYSTEM tell when it cannot be kept, and why.
 
 JOURNAL_OPEN("file") records all that is done to the buffer from then on, for
 RECOVER_BUFFER("file") to do again on the text that there was. SAVE("file")

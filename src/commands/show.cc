@@ -6,6 +6,7 @@
 #include "app/version.h"
 #include "core/ascii.h"
 #include "editor/editor.h"
+#include "editor/recovery.h"
 #include "keys/key_names.h"
 
 namespace tpu {
@@ -135,6 +136,9 @@ std::string tab_stops(const Buffer& buffer) {
 }
 
 std::string journal(const Buffer& buffer) {
+    if (!buffer.journal_fault.empty() && !buffer.journaling) {
+        return "stopped: " + buffer.journal_fault;
+    }
     if (!buffer.journaling) return "off";
     return buffer.journal_file.empty() ? "on" : buffer.journal_file;
 }
@@ -200,6 +204,9 @@ std::string system(TPUEditor& editor, const std::string&) {
     add("Undef-key proc", or_none(editor.undefined_key_procedure));
     add("GOLD key", code_and_name(editor.gold_key));
     add("Last key", code_and_name(editor.last_key));
+    if (editor.recovery && !editor.recovery->trouble().empty()) {
+        add("Unsaved work", "not kept: " + editor.recovery->trouble());
+    }
     return text;
 }
 

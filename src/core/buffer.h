@@ -73,6 +73,8 @@ class Buffer {
     std::string eob_text = "[End of file]";
     std::string key_map_list;  // name of the list for keys in this buffer; empty: the editor's
     std::string journal_file;
+    std::string journal_fault;  // why the recording ended against our will
+    bool journal_fault_told = false;
     bool journal_strayed = false;  // its statements so far leave another buffer current
     std::shared_ptr<JournalMirror> journal_mirror;
     std::uint64_t file_time = 0;  // milliseconds since the epoch; 0: unknown
@@ -88,7 +90,7 @@ class Buffer {
     bool free_cursor = false;
     std::uint64_t history_moves = 0;  // how often undo and redo have succeeded
     Snapshot last_restored;           // what the latest of them brought back
-    LineStore saved_lines;            // the text as it was read or written last
+    LineStore saved_lines;            // what loading the file gives, as far as we know
     std::uint64_t loading_size = 0;   // bytes of the file that is being loaded in steps; 0: none
 
     // buffer_cursor.cc: cursor, marks, selection

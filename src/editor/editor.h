@@ -149,6 +149,8 @@ class TPUEditor {
     bool key_waiting();  // read_key would give a key at once
     // Of the terminal, but for keys put back.
     int read_key(int wait_ms, const Awaited& others = {});
+    // The next key for a prompt; unsaved work is kept meanwhile.
+    int read_prompt_key();
     void unread_key(int key) { unread_keys_.push_front(key); }
     void sleep(std::chrono::milliseconds time);  // or until Ctrl-C
 

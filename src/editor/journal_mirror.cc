@@ -101,11 +101,6 @@ JournalMirror::JournalMirror(Buffer& buffer) : buffer_(buffer) {
     capture();
 }
 
-JournalMirror::JournalMirror(Buffer& buffer, const LineStore& text, Sink sink)
-    : buffer_(buffer), sink_(std::move(sink)) {
-    replayed_.lines = text;
-}
-
 void JournalMirror::capture() {
     replayed_.lines = buffer_.lines;
     replayed_.cursor_row = buffer_.cursor_row;
@@ -143,7 +138,6 @@ void JournalMirror::flush() {
 }
 
 void JournalMirror::record(std::string_view statement) {
-    if (sink_) return sink_(std::string(statement));
     // What brought the user back here was not recorded in this journal.
     if (std::exchange(buffer_.journal_strayed, false)) {
         tpu_journal_append(&buffer_, "POSITION(GET_BUFFER(" + expression_for(buffer_.name) + "))");
@@ -348,9 +342,16 @@ JournalMirror& mirror_of(Buffer& buffer) {
     return *buffer.journal_mirror;
 }
 
+// A journal that ended by itself is told of once.
+static void tell_fault(TPUEditor& editor, Buffer& buffer) {
+    if (buffer.journal_fault.empty() || std::exchange(buffer.journal_fault_told, true)) return;
+    editor.set_message("Journaling has stopped: " + buffer.journal_fault);
+}
+
 bool flush_journals(TPUEditor& editor, bool all) {
     bool waits = false;
     for (const auto& buffer : editor.buffers) {
+        tell_fault(editor, *buffer);
         if (!buffer->journaling || !buffer->journal_mirror) continue;
         JournalMirror& mirror = *buffer->journal_mirror;
         std::optional<Clock::time_point> since = mirror.waiting_since();

@@ -7,7 +7,6 @@
 // has been tried on the mirror first, so that a replay comes out the same to the byte.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -22,11 +21,7 @@ class JournalMirror {
   public:
     static constexpr std::chrono::milliseconds kLongestWait{1000};  // of what was typed
 
-    using Sink = std::function<void(const std::string& statement)>;
-
     explicit JournalMirror(Buffer& buffer);
-    // The same for records that begin with a text just loaded, and go elsewhere.
-    JournalMirror(Buffer& buffer, const LineStore& text, Sink sink);
 
     // Takes the buffer as it is: what was recorded last has led there.
     void capture();
@@ -73,7 +68,6 @@ class JournalMirror {
     bool tries(const std::string& statement, Change change);
 
     Buffer& buffer_;
-    Sink sink_;  // null: the buffer's journal
     Buffer replayed_{"", ""};
     std::string typed_;  // the mirror has it, the journal does not
     std::size_t typed_keys_ = 0;

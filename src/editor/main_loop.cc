@@ -77,7 +77,6 @@ void TPUEditor::run() {
         poll_processes();
         run_timer(*this);
         if (!handle_report(*this, key)) handle_key(key);
-        if (recovery && key != kNoKey) recovery->note_key();
     }
     flush_journals(*this, true);
     if (recovery) hung_up ? recovery->write() : recovery->discard();
@@ -100,6 +99,15 @@ void TPUEditor::sleep(std::chrono::milliseconds time) {
 
 bool TPUEditor::key_waiting() {
     return !unread_keys_.empty() || ports.terminal.key_waiting();
+}
+
+int TPUEditor::read_prompt_key() {
+    for (;;) {
+        const std::chrono::milliseconds next =
+            recovery ? recovery->serve() : std::chrono::milliseconds(kWithoutLimit);
+        int key = read_key(static_cast<int>(next.count()));
+        if (key != kNoKey || next.count() < 0) return key;
+    }
 }
 
 int TPUEditor::read_key(int wait_ms, const Awaited& others) {

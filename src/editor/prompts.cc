@@ -23,7 +23,7 @@ int TPUEditor::read_one_key(const std::string& prompt) {
     if (headless) return kNoKey;
     for (;;) {
         present_prompt(*this, prompt);
-        int key = read_key(-1);
+        int key = read_prompt_key();
         if (key == kKeyHangup) hang_up();
         if (key == kKeyResize) {
             resize_screen();
@@ -43,7 +43,7 @@ std::optional<std::string> TPUEditor::ask(const std::string& prompt, Asking how)
     do {
         if (!key_waiting() && echo) present_prompt(*this, prompt, input.text(), input.cursor());
         if (!key_waiting() && !echo) present_prompt(*this, prompt);
-        key = read_key(-1);
+        key = read_prompt_key();
         if (key == kKeyResize) resize_screen();
         if (key == kKeyPaste) input.paste(ports.terminal.take_paste());
         if (key == kKeyHangup) {
@@ -84,7 +84,7 @@ void TPUEditor::prompt_find() {
     do {
         set_message(session.search());
         if (!key_waiting()) draw();
-        key = read_key(-1);
+        key = read_prompt_key();
         if (key == kKeyResize) resize_screen();
         if (key == kKeyPaste) session.paste(ports.terminal.take_paste());
         if (key == kKeyHangup) {

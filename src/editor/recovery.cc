@@ -1,5 +1,6 @@
 #include "editor/recovery.h"
 
+#include <algorithm>
 #include <ctime>
 #include <vector>
 
@@ -7,12 +8,16 @@
 #include "editor/journal_mirror.h"
 #include "store/journal.h"
 #include "store/recovery_files.h"
+#include "store/saved_text.h"
+#include "store/text_changes.h"
 
 namespace tpu {
 
 namespace {
 
 using std::chrono::milliseconds;
+
+constexpr milliseconds kForEver{-1};
 
 std::string day_and_time(std::uint64_t ms) {
     auto seconds = static_cast<std::time_t>(ms / 1000);
@@ -31,99 +36,129 @@ void reset_modes(Buffer& buffer) {
 }
 
 bool wants_keeping(const Buffer& buffer) {
-    return buffer.modified && !buffer.file_name.empty() && !buffer.system && !buffer.no_write;
+    return buffer.modified && !buffer.system && !buffer.no_write;
+}
+
+std::string unused_name(TPUEditor& editor, const std::string& name) {
+    std::string unused = name;
+    for (int n = 2; editor.find_buffer(unused); ++n) {
+        unused = name + "<" + std::to_string(n) + ">";
+    }
+    return unused;
 }
 
 }  // namespace
 
 // What is kept of a buffer.
 struct Recovery::Kept {
-    explicit Kept(Buffer& buffer)
-        : file_time(buffer.file_time),
+    explicit Kept(const Buffer& buffer)
+        : saved(buffer.saved_lines),
           file_name(buffer.file_name),
-          mirror(buffer, buffer.saved_lines,
-                 [this](const std::string& statement) { statements.push_back(statement); }) {}
+          file_time(buffer.file_time),
+          written(saved) {}
 
-    // It is saved, or not wanted any more.
-    void remove() {
-        if (file) file->remove();
-        if (!recovered.empty()) remove_recovery_file(recovered);
+    // The buffer was neither saved nor loaded since.
+    bool is_of(const Buffer& buffer) const {
+        return file_name == buffer.file_name && saved.is_same_version(buffer.saved_lines);
     }
 
-    std::uint64_t file_time;
+    LineStore saved;
     std::string file_name;
-    std::vector<std::string> statements;  // not in the file yet
-    JournalMirror mirror;
+    std::uint64_t file_time;
+    LineStore written;                 // the text that the file leads to, at first its base
     std::optional<RecoveryFile> file;  // made with the first statement
-    std::string recovered;             // the file that was left behind and brought back
-    LineStore written;                 // the text that the file leads to
+    bool copying_base = false;
 };
 
 Recovery::Recovery(TPUEditor& editor, std::string folder)
-    : editor_(editor), folder_(std::move(folder)), last_key_(editor.ports.clock.now()) {}
+    : editor_(editor), folder_(std::move(folder)) {}
 
 Recovery::~Recovery() = default;
 
-void Recovery::note_key() {
-    if (folder_.empty()) return;
-    ++keys_;
-    pending_ = true;
-    last_key_ = editor_.ports.clock.now();
-}
-
 milliseconds Recovery::serve() {
-    constexpr milliseconds kForEver{-1};
     if (folder_.empty()) return kForEver;
     drop_saved();
-    if (!pending_) return kForEver;
-    auto idle = std::chrono::duration_cast<milliseconds>(editor_.ports.clock.now() - last_key_);
-    if (idle < kIdle && keys_ < kMostKeys) return kIdle - idle;
+    const auto& buffers = editor_.buffers;
+    bool all = std::all_of(buffers.begin(), buffers.end(),
+                           [&](const auto& buffer) { return keeps_all(*buffer); });
+    if (all) {
+        due_.reset();
+        return copy_bases();
+    }
+    const Clock::time_point now = editor_.ports.clock.now();
+    if (!due_) due_ = now + kLongestWait;
+    if (now < *due_) return std::chrono::ceil<milliseconds>(*due_ - now);
     write();
+    return due_ ? kRetry : copy_bases();
+}
+
+// A little at a time, so that no key has to wait for it.
+milliseconds Recovery::copy_bases() {
+    for (auto& [buffer, kept] : kept_) {
+        if (!kept->copying_base) continue;
+        kept->copying_base = kept->file->copy_base();
+        return milliseconds(0);
+    }
     return kForEver;
 }
 
+bool Recovery::keeps_all(const Buffer& buffer) const {
+    if (!wants_keeping(buffer)) return true;
+    auto kept = kept_.find(&buffer);
+    return kept != kept_.end() && kept->second->written.is_same_version(buffer.lines);
+}
+
 void Recovery::write() {
-    keys_ = 0;
-    pending_ = false;
+    due_.reset();
     if (folder_.empty()) return;
+    drop_saved();
     for (const auto& buffer : editor_.buffers) {
-        if (wants_keeping(*buffer)) write(*buffer);
+        if (!keeps_all(*buffer)) write(*buffer);
     }
 }
 
-// A failure leaves the statements for the next time; there is nobody to be told.
 void Recovery::write(Buffer& buffer) {
     std::unique_ptr<Kept>& kept = kept_[&buffer];
     if (!kept) kept = std::make_unique<Kept>(buffer);
-    if (kept->file && kept->written.is_same_version(buffer.lines)) return;
-    kept->mirror.follow(editor_.charset, editor_.ports.clock.now());
-    kept->mirror.flush();
-    if (kept->statements.empty()) return;
-    if (!kept->file) kept->file = RecoveryFile::create(folder_, buffer.file_name, kept->file_time);
-    if (!kept->file || !kept->file->append(kept->statements)) return;
-    kept->statements.clear();
+    const std::vector<std::string> statements = text_changes(kept->written, buffer.lines);
+    std::string reason;
+    if (!statements.empty() && !kept->file) {
+        kept->file =
+            RecoveryFile::create(folder_, kept->file_name, kept->file_time, kept->written, reason);
+        if (!kept->file) return fail(reason);
+        kept->copying_base = kept->file->copy_base();
+    }
+    if (!statements.empty() && !kept->file->append(statements, reason)) return fail(reason);
     kept->written = buffer.lines;
+    trouble_.clear();
+}
+
+// What could not be written is tried again. It is told once.
+void Recovery::fail(const std::string& reason) {
+    due_ = editor_.ports.clock.now() + kRetry;
+    if (trouble_.empty()) editor_.set_message("Unsaved work is not kept: " + reason);
+    trouble_ = reason;
 }
 
 // Of buffers that are gone, saved, or written to another file.
 void Recovery::drop_saved() {
     std::erase_if(kept_, [&](auto& entry) {
         auto& [buffer, kept] = entry;
-        bool stays = editor_.owns(buffer) && wants_keeping(*buffer) &&
-                     kept->file_time == buffer->file_time && kept->file_name == buffer->file_name;
-        if (stays) return false;
-        kept->remove();
+        if (editor_.owns(buffer) && wants_keeping(*buffer) && kept->is_of(*buffer)) return false;
+        if (kept->file) kept->file->remove();
         return true;
     });
 }
 
 void Recovery::discard() {
-    for (auto& [buffer, kept] : kept_) kept->remove();
+    for (auto& [buffer, kept] : kept_) {
+        if (kept->file) kept->file->remove();
+    }
     kept_.clear();
 }
 
 std::string Recovery::greeting(const Buffer& buffer) const {
-    if (folder_.empty() || buffer.file_name.empty()) return {};
+    if (folder_.empty()) return {};
     std::vector<LeftBehind> left = left_behind(folder_, buffer.file_name);
     if (left.empty()) return {};
     return "Unsaved work of " + day_and_time(left.front().time) +
@@ -132,25 +167,59 @@ std::string Recovery::greeting(const Buffer& buffer) const {
 
 std::string Recovery::recover(Buffer& buffer) {
     std::vector<LeftBehind> left;
-    if (!folder_.empty() && !buffer.file_name.empty()) {
-        left = left_behind(folder_, buffer.file_name);
+    if (!folder_.empty()) left = left_behind(folder_, buffer.file_name);
+    if (left.empty()) {
+        return buffer.file_name.empty()
+                   ? "RECOVER_BUFFER: there is no unsaved work without a file"
+                   : "RECOVER_BUFFER: there is no unsaved work on this buffer's file";
     }
-    if (left.empty()) return "RECOVER_BUFFER: there is no unsaved work on this buffer's file";
     const LeftBehind& work = left.front();
-    if (buffer.modified) return "Buffer modified: RECOVER_BUFFER needs the text as it was saved";
-    if (work.file_time != buffer.file_time) {
-        return "The file has changed since; RECOVER_BUFFER(\"" + work.path +
-               "\") replays the work all the same";
-    }
+    bool fits =
+        !buffer.modified && buffer.modifiable &&
+        (work.base ? *work.base == identity_of(buffer.lines) : work.file_time == buffer.file_time);
+    std::string told = fits ? replay(buffer, work) : recover_elsewhere(buffer, work);
+    if (left.size() > 1) told += "; there is more";
+    return told;
+}
+
+// What the buffer holds by then is kept anew, and so the old work is needed no more, unless
+// some of it could not be read.
+std::string Recovery::replay(Buffer& buffer, const LeftBehind& work) {
     reset_modes(buffer);
-    if (!tpu_journal_recover(editor_.parser, work.path)) {
-        return "RECOVER_BUFFER: cannot open " + work.path;
+    const Replayed replayed = tpu_journal_bring_back(editor_.parser, work.path);
+    if (replayed == Replayed::nothing) return "RECOVER_BUFFER: cannot read " + work.path;
+    write();
+    while (copy_bases().count() == 0) {
     }
-    if (wants_keeping(buffer)) {
-        write(buffer);
-        kept_[&buffer]->recovered = work.path;
+    bool is_kept = keeps_all(buffer) && trouble_.empty();
+    if (replayed == Replayed::all && is_kept) remove_recovery_file(work.path);
+    return "RECOVER_BUFFER replayed the work of " + day_and_time(work.time);
+}
+
+// On a copy of the text that it began with. Where nobody has that any more, what was typed
+// is at least shown among the text that there is now.
+std::string Recovery::recover_elsewhere(const Buffer& buffer, const LeftBehind& work) {
+    std::optional<LineStore> base = work.base_text();
+    if (!base && work.base) {
+        Buffer backup("", "");
+        if (identity_of(buffer.saved_lines) == *work.base) {
+            base = buffer.saved_lines;
+        } else if (backup.load_file(buffer.file_name + ".bak") &&
+                   identity_of(backup.lines) == *work.base) {
+            base = backup.lines;
+        }
     }
-    return "RECOVER_BUFFER replayed " + work.path;
+    const std::string of_what = buffer.file_name.empty() ? buffer.name : buffer.file_name;
+    Buffer* fresh = editor_.create_buffer(unused_name(editor_, "RECOVERED " + of_what), "");
+    fresh->lines = base ? *base : buffer.saved_lines;
+    editor_.position(fresh);
+    const std::string told = replay(*fresh, work);
+    if (!fresh->modified) {
+        editor_.delete_buffer(fresh);
+        return told;
+    }
+    if (!base) return "The file has changed: look over what the work made of the text of now";
+    return "This is the work of " + day_and_time(work.time) + ", on the text it began with";
 }
 
 }  // namespace tpu

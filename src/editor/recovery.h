@@ -1,12 +1,13 @@
 // Keeps unsaved work where a crash does not reach it.
 //
-// Each modified buffer with a file has a recovery file, to which what has changed is added
-// now and then. It goes when the buffer is saved, deleted or no longer modified, and when
-// the session ends on purpose; it stays when the session just ends.
+// Each modified buffer has a recovery file, to which what has changed is added within a
+// second. It goes when the buffer is saved, deleted or no longer modified, and when the
+// session ends on purpose; it stays when the session just ends.
 #pragma once
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "core/buffer.h"
@@ -15,45 +16,52 @@
 namespace tpu {
 
 class TPUEditor;
+struct LeftBehind;
 
 class Recovery {
   public:
-    static constexpr std::chrono::milliseconds kIdle{1000};  // of the keyboard
-    static constexpr int kMostKeys = 200;                    // between two writings
+    static constexpr std::chrono::milliseconds kLongestWait{1000};  // of a change
+    static constexpr std::chrono::milliseconds kRetry{10000};       // after a failure
 
     // Without a folder nothing is kept.
     Recovery(TPUEditor& editor, std::string folder);
     ~Recovery();
 
-    // A key has come.
-    void note_key();
-    // Does what is due. How long it may be until the next call, if no key comes: below 0
-    // for ever.
+    // Does what is due; for whenever the session is about to wait. How long it may be until
+    // the next call: below 0 for ever.
     std::chrono::milliseconds serve();
     // Keeps all that there is now.
     void write();
     // The session ends on purpose.
     void discard();
 
-    // What to tell about work on the buffer's file that another session has left behind;
-    // empty: there is none.
+    // What to tell about work that another session has left behind on the buffer's file, or
+    // on buffers without one; empty: there is none.
     std::string greeting(const Buffer& buffer) const;
-    // Brings that work back into the buffer, which is to be as it was loaded. The message
-    // to show.
+    // Brings the latest of that work back: into the buffer, if it is the text that the work
+    // began with, else into a buffer of its own, which becomes current. The message to show.
     std::string recover(Buffer& buffer);
+
+    // Why work is not kept just now; empty: it is, or there is none.
+    const std::string& trouble() const { return trouble_; }
 
   private:
     struct Kept;
 
+    bool may_keep(const Buffer& buffer) const;
+    bool keeps_all(const Buffer& buffer) const;
+    std::chrono::milliseconds copy_bases();
     void write(Buffer& buffer);
     void drop_saved();
+    void fail(const std::string& reason);
+    std::string replay(Buffer& buffer, const LeftBehind& work);
+    std::string recover_elsewhere(const Buffer& buffer, const LeftBehind& work);
 
     TPUEditor& editor_;
     std::string folder_;
     std::map<const Buffer*, std::unique_ptr<Kept>> kept_;
-    int keys_ = 0;  // since the last writing
-    bool pending_ = false;
-    Clock::time_point last_key_;
+    std::optional<Clock::time_point> due_;  // none: nothing has changed
+    std::string trouble_;                   // why the last writing failed
 };
 
 }  // namespace tpu

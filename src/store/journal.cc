@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <utility>
 
 #include "core/buffer.h"
@@ -31,7 +33,10 @@ JournalFile open_journal(const std::string& path, int access) {
                              S_IRUSR | S_IWUSR);
     bool usable =
         journal.file && fstat(journal.file.get(), &status) == 0 && S_ISREG(status.st_mode);
-    if (!usable) return {};
+    if (!usable) {
+        if (journal.file) errno = ENOTSUP;
+        return {};
+    }
     journal.size = status.st_size;
     return journal;
 }
@@ -61,7 +66,17 @@ std::string as_line(std::string_view text) {
 bool append(const JournalFile& journal, std::string_view bytes) {
     HeldSignal size_limit(SIGXFSZ);
     if (write_all(journal.file.get(), bytes)) return true;
-    return sys::truncate(journal.file.get(), journal.size) == 0 && false;
+    const int error = errno;
+    static_cast<void>(sys::truncate(journal.file.get(), journal.size));
+    errno = error;
+    return false;
+}
+
+// Because of errno. What would come behind the hole could not be replayed.
+void end_recording(Buffer& buffer) {
+    buffer.journal_fault = buffer.journal_file + ": " + std::strerror(errno);
+    buffer.journal_fault_told = false;
+    tpu_journal_close(buffer);
 }
 
 // Makes a journal that holds something ready for more records.
@@ -90,7 +105,6 @@ bool continue_binary(JournalReader& reader, int fd, std::string& note) {
 
 bool make_ready(const JournalFile& journal, bool binary, std::string& note) {
     int fd = journal.file.get();
-    constexpr auto kHeader = static_cast<off_t>(kJournalMagic.size() + sizeof kJournalVersion);
     if (journal.size == 0) return !binary || tpu_journal_write_header(fd);
     JournalReader reader{Descriptor(dup(fd))};
     if (reader.is_binary() != binary) {
@@ -98,7 +112,8 @@ bool make_ready(const JournalFile& journal, bool binary, std::string& note) {
         return false;
     }
     if (!binary) return continue_text(journal);
-    if (journal.size < kHeader) return sys::truncate(fd, 0) == 0 && tpu_journal_write_header(fd);
+    if (journal.size < off_t{kJournalHeader})
+        return sys::truncate(fd, 0) == 0 && tpu_journal_write_header(fd);
     return continue_binary(reader, fd, note);
 }
 
@@ -112,7 +127,7 @@ bool tpu_journal_write_header(int fd) {
 void tpu_journal_append(Buffer* buffer, std::string_view text) {
     if (!buffer || !buffer->journaling || buffer->journal_file.empty()) return;
     JournalFile journal = open_journal(buffer->journal_file, O_WRONLY);
-    if (!journal.file) return;
+    if (!journal.file) return end_recording(*buffer);
     std::string bytes;
     if (journal.size == 0) {
         // A text journal must not begin like a binary one.
@@ -121,17 +136,22 @@ void tpu_journal_append(Buffer* buffer, std::string_view text) {
         if (misleads) bytes += ' ';
     }
     bytes += buffer->binary_journal ? as_record(text) : as_line(text);
-    static_cast<void>(append(journal, bytes));
+    if (!append(journal, bytes)) end_recording(*buffer);
 }
 
 bool tpu_journal_open(Buffer& buffer, const std::string& path, bool binary, std::string& note) {
     JournalFile journal = open_journal(path, O_RDWR);
+    if (journal.size > 0 && buffer.journal_fault.starts_with(path + ": ")) {
+        note = "The journal lacks what followed when it could not be written";
+        return false;
+    }
     if (!journal.file || !make_ready(journal, binary, note)) return false;
     buffer.journaling = true;
     buffer.binary_journal = binary;
     buffer.journal_file = path;
     buffer.journal_strayed = false;
     buffer.journal_mirror.reset();
+    buffer.journal_fault.clear();
     return true;
 }
 

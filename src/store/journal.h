@@ -25,13 +25,15 @@ class MiniTPUParser;
 
 inline constexpr std::string_view kJournalMagic = "TPJB";
 inline constexpr std::uint32_t kJournalVersion = 1;
+inline constexpr std::size_t kJournalHeader = kJournalMagic.size() + sizeof kJournalVersion;
 inline constexpr std::uint32_t kLongestRecord = 1u << 24;  // bytes that a replay takes
 
 // Begins a binary journal in an open file. False when it cannot be written.
 [[nodiscard]] bool tpu_journal_write_header(int fd);
 
 // Records a text for a buffer, which may be null or keep no journal: then nothing
-// happens. A failure to write is ignored.
+// happens. When it cannot be written, the recording ends, since what came behind it would
+// not fit what stands before it; the buffer's `journal_fault` has the reason.
 void tpu_journal_append(Buffer* buffer, std::string_view text);
 
 // Makes a file the journal of a buffer. What is in it stays, but for half a record at its
@@ -46,5 +48,11 @@ void tpu_journal_close(Buffer& buffer);
 // shows how many there were and where it stopped. None of it is recorded again. A
 // journal that comes to replay itself does nothing. False: it cannot be opened.
 bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path);
+
+// The same for a file that the user has not named: unsaved work. Nothing of it runs if the
+// file is not the user's own, or if it holds more than statements that change the text and
+// the cursor of the current buffer.
+enum class Replayed { nothing, part, all };
+Replayed tpu_journal_bring_back(MiniTPUParser& parser, const std::string& path);
 
 }  // namespace tpu

@@ -14,7 +14,6 @@ namespace tpu {
 namespace {
 
 constexpr std::size_t kPiece = std::size_t{64} << 10;
-constexpr std::uint64_t kHeader = kJournalMagic.size() + sizeof kJournalVersion;
 
 std::uint32_t read_number(const std::string& bytes) {
     std::uint32_t number = 0;
@@ -35,8 +34,8 @@ JournalReader::JournalReader(Descriptor file) : file_(std::move(file)), piece_(k
     binary_ = begin.starts_with(kJournalMagic);
     if (!binary_) return;
     // A torn header has no records behind it.
-    at_ = std::min(size_, kHeader);
-    piece_at_ = std::min<std::size_t>(piece_end_, kHeader);
+    at_ = std::min<std::uint64_t>(size_, kJournalHeader);
+    piece_at_ = std::min(piece_end_, kJournalHeader);
 }
 
 bool JournalReader::next(std::string& statement) {

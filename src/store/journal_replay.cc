@@ -1,10 +1,12 @@
 // Running a journal.
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <tuple>
 
+#include "core/ascii.h"
 #include "editor/editor.h"
 #include "editor/undo_step.h"
 #include "lang/nesting.h"
@@ -12,6 +14,7 @@
 #include "store/file_io.h"
 #include "store/journal.h"
 #include "store/journal_reader.h"
+#include "store/trust.h"
 
 namespace tpu {
 
@@ -98,7 +101,8 @@ class Replay {
     std::uint64_t count_ = 0;
 };
 
-void replay(MiniTPUParser& run, Descriptor file) {
+// Runs all of it; false when that ended early.
+bool replay(MiniTPUParser& run, Descriptor file) {
     Nesting nesting(run);
     JournalReader reader(std::move(file));
     Replay replay(run, reader);
@@ -111,9 +115,83 @@ void replay(MiniTPUParser& run, Descriptor file) {
         replay.run_all();
     }
     replay.report();
+    return reader.end() == JournalReader::End::of_file;
+}
+
+// What records of unsaved work consist of besides numbers and strings.
+bool is_word_of_editing(std::string_view word) {
+    constexpr std::string_view kWords[] = {
+        "REPLACE_TEXT",
+        "COPY_TEXT",
+        "SPLIT_LINE",
+        "ERASE_CHARACTER",
+        "TRANSLATE",
+        "FAO",
+        "MOVE_VERTICAL",
+        "MOVE_HORIZONTAL",
+        "SELECT",
+        "MOVE_TEXT",
+        "SET",
+        "INSERT",
+        "OVERSTRIKE",
+        "WRAP",
+        "NO_WRAP",
+        "REVERSE",
+        "FORWARD",
+        "FREE_CURSOR",
+        "ON",
+        "OFF",
+        "LEFT_MARGIN",
+        "RIGHT_MARGIN",
+    };
+    return std::find(std::begin(kWords), std::end(kWords), word) != std::end(kWords);
+}
+
+// True when nothing but such words, numbers and strings are in it, so that whatever it
+// says, it changes only text and cursor.
+bool only_edits(std::string_view statement) {
+    if (statement.starts_with('!')) return true;
+    std::string word;
+    auto word_is_known = [&] {
+        return word.empty() || ascii::is_digit(word[0]) || is_word_of_editing(word);
+    };
+    for (std::size_t at = 0; at < statement.size(); ++at) {
+        const char c = statement[at];
+        if (ascii::is_letter(c) || ascii::is_digit(c) || c == '_') {
+            word += c;
+            continue;
+        }
+        if (!word_is_known()) return false;
+        word.clear();
+        if (c == '"') {
+            at = statement.find('"', at + 1);
+            if (at == std::string_view::npos) return false;
+        } else if (std::string_view("(), -").find(c) == std::string_view::npos) {
+            return false;
+        }
+    }
+    return word_is_known();
+}
+
+// Leaves the file as it found it.
+bool only_edits(int fd) {
+    JournalReader reader{Descriptor(dup(fd))};
+    std::size_t count = 0;
+    for (std::string statement; reader.next(statement); ++count) {
+        if (!only_edits(statement)) return false;
+    }
+    return reader.is_binary() && count > 0 && lseek(fd, 0, SEEK_SET) == 0;
 }
 
 }  // namespace
+
+Replayed tpu_journal_bring_back(MiniTPUParser& parser, const std::string& path) {
+    Descriptor file = open_file(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+    if (!file || !distrust_of_file(file.get()).empty() || !only_edits(file.get())) {
+        return Replayed::nothing;
+    }
+    return replay(parser, std::move(file)) ? Replayed::all : Replayed::part;
+}
 
 bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path) {
     constexpr std::size_t kDeepest = 100;

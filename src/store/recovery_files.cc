@@ -10,6 +10,7 @@
 #include <charconv>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <utility>
 
@@ -19,13 +20,17 @@
 #include "core/system_calls.h"
 #include "store/file_io.h"
 #include "store/journal.h"
+#include "store/journal_reader.h"
+#include "store/trust.h"
 
 namespace tpu {
 
 namespace {
 
 constexpr mode_t kOwnerOnly = 0600;
-constexpr const char* kSuffix = ".tpjb";
+constexpr std::string_view kSuffix = ".tpjb";
+constexpr std::string_view kBaseSuffix = ".base";
+constexpr std::string_view kBaseComment = "! unsaved work on ";  // then bytes and hash
 
 // FNV-1a: the same on every machine and in every version.
 std::uint64_t hash(std::string_view text) {
@@ -36,10 +41,17 @@ std::uint64_t hash(std::string_view text) {
     return value;
 }
 
+std::string hexadecimal(std::uint64_t number) {
+    char digits[17];
+    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(number));
+    return digits;
+}
+
 // What the names of all recovery files of a file begin with: a hint for people, and a
 // number for the file.
 std::string prefix(const std::string& file) {
     constexpr std::size_t kLongestHint = 64;
+    if (file.empty()) return "unnamed-";
     std::error_code error;
     // A bare name of a file that is still to be made would be canonical as it is.
     const std::filesystem::path whole = std::filesystem::absolute(file, error);
@@ -49,15 +61,34 @@ std::string prefix(const std::string& file) {
     std::replace_if(
         hint.begin(), hint.end(),
         [](char c) { return !ascii::is_letter(c) && !ascii::is_digit(c) && c != '.'; }, '_');
-    char number[32];
-    std::snprintf(number, sizeof number, "%016llx",
-                  static_cast<unsigned long long>(hash(path.string())));
-    return hint + "-" + number + "-";
+    return hint + "-" + hexadecimal(hash(path.string())) + "-";
 }
 
 std::string name_of(const std::string& file, std::uint64_t file_time, int attempt) {
     return prefix(file) + std::to_string(file_time) + "-" + std::to_string(getpid()) + "." +
-           std::to_string(attempt) + kSuffix;
+           std::to_string(attempt).append(kSuffix);
+}
+
+std::string base_path(std::string_view path) {
+    return std::string(path.substr(0, path.size() - kSuffix.size())).append(kBaseSuffix);
+}
+
+std::string base_comment(const TextIdentity& base) {
+    return std::string(kBaseComment) + std::to_string(base.bytes) + " bytes " +
+           hexadecimal(base.hash);
+}
+
+// What base_comment wrote.
+std::optional<TextIdentity> base_in(std::string_view comment) {
+    if (!comment.starts_with(kBaseComment)) return std::nullopt;
+    comment.remove_prefix(kBaseComment.size());
+    const char* end = comment.data() + comment.size();
+    TextIdentity base;
+    auto bytes = std::from_chars(comment.data(), end, base.bytes);
+    const std::size_t hash = comment.find_last_of(' ') + 1;
+    auto digits = std::from_chars(comment.data() + hash, end, base.hash, 16);
+    bool whole = bytes.ec == std::errc() && digits.ec == std::errc() && digits.ptr == end;
+    return whole ? std::optional(base) : std::nullopt;
 }
 
 // Makes what is missing of the folder, for the owner alone.
@@ -110,33 +141,46 @@ std::optional<off_t> write_records(int fd, const std::vector<std::string>& state
 }  // namespace
 
 std::optional<RecoveryFile> RecoveryFile::create(const std::string& folder, const std::string& file,
-                                                 std::uint64_t file_time) {
+                                                 std::uint64_t file_time, const LineStore& base,
+                                                 std::string& reason) {
     constexpr int kAttempts = 100;
-    if (!make_folder(folder)) return std::nullopt;
+    reason = distrust_of_folder(folder);
+    if (!reason.empty()) return std::nullopt;
+    auto fail = [&] {
+        reason = std::strerror(errno);
+        return std::nullopt;
+    };
+    if (!make_folder(folder)) return fail();
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         std::string path = folder + "/" + name_of(file, file_time, attempt);
         Descriptor made =
             open_file(path, O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_NOFOLLOW, kOwnerOnly);
         if (!made && errno == EEXIST) continue;
-        if (!made) return std::nullopt;
+        if (!made) return fail();
         struct stat status;
         if (is_free(made.get()) && tpu_journal_write_header(made.get()) &&
             fstat(made.get(), &status) == 0) {
-            return RecoveryFile(std::move(made), path, status.st_size);
+            RecoveryFile created(std::move(made), path, status.st_size, base);
+            if (created.append({base_comment(identity_of(base))}, reason)) return created;
+            created.remove();
+            return std::nullopt;
         }
+        fail();
         remove_recovery_file(path);
         return std::nullopt;
     }
-    return std::nullopt;
+    errno = EEXIST;
+    return fail();
 }
 
-bool RecoveryFile::append(const std::vector<std::string>& statements) {
+bool RecoveryFile::append(const std::vector<std::string>& statements, std::string& reason) {
     HeldSignal size_limit(SIGXFSZ);
     // Half a record would make those behind it unreadable.
     auto mend = [&] { torn_ = torn_ && sys::truncate(descriptor_.get(), size_) != 0; };
     mend();
-    if (torn_) return false;
-    const std::optional<off_t> added = write_records(descriptor_.get(), statements);
+    const std::optional<off_t> added =
+        torn_ ? std::nullopt : write_records(descriptor_.get(), statements);
+    if (!added) reason = std::strerror(errno);
     torn_ = !added;
     size_ += added.value_or(0);
     mend();
@@ -145,17 +189,55 @@ bool RecoveryFile::append(const std::vector<std::string>& statements) {
     return added.has_value();
 }
 
+// Nothing is said of a failure: the base is needed only if the file changes too.
+bool RecoveryFile::copy_base() {
+    constexpr std::uint64_t kPart = std::uint64_t{1} << 20;
+    const std::uint64_t size = base_.bytes();
+    if (size > kLargestBase || base_copied_ == size) return false;
+    HeldSignal size_limit(SIGXFSZ);
+    if (!base_copy_) {
+        base_copy_ =
+            open_file(base_path(path_), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, kOwnerOnly);
+    }
+    const std::uint64_t end = std::min(size, base_copied_ + kPart);
+    bool good = static_cast<bool>(base_copy_);
+    base_.for_each_span(base_copied_, end, [&](std::string_view span) {
+        return good = good && write_all(base_copy_.get(), span);
+    });
+    base_copied_ = good ? end : size;
+    if (base_copied_ == size) base_copy_.close();
+    return base_copied_ < size;
+}
+
 void RecoveryFile::remove() {
     remove_recovery_file(path_);
     descriptor_.close();
 }
 
+// The base first: without the work nobody would find it.
 void remove_recovery_file(const std::string& path) {
+    sys::unlink(base_path(path).c_str());
     sys::unlink(path.c_str());
+}
+
+std::optional<LineStore> LeftBehind::base_text() const {
+    if (!base || base->bytes > RecoveryFile::kLargestBase) return std::nullopt;
+    if (base->bytes == 0) return LineStore();
+    Descriptor copy = open_file(base_path(path), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+    if (!copy || !distrust_of_file(copy.get()).empty()) return std::nullopt;
+    std::string text(base->bytes, '\0');
+    std::uint64_t size = 0;
+    for (ssize_t got = 1; got > 0; size += static_cast<std::uint64_t>(std::max<ssize_t>(got, 0))) {
+        got = read_some(copy.get(), text.data() + size, text.size() - size);
+    }
+    LineStore lines = LineStore::from_text(text);
+    bool whole = size == base->bytes && identity_of(lines) == *base;
+    return whole ? std::optional(std::move(lines)) : std::nullopt;
 }
 
 std::vector<LeftBehind> left_behind(const std::string& folder, const std::string& file) {
     std::vector<LeftBehind> found;
+    if (!distrust_of_folder(folder).empty()) return found;
     const std::string begin = prefix(file);
     std::error_code error;
     for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
@@ -164,10 +246,18 @@ std::vector<LeftBehind> left_behind(const std::string& folder, const std::string
         if (!name.starts_with(begin) || !name.ends_with(kSuffix)) continue;
         std::string_view rest = std::string_view(name).substr(begin.size());
         std::optional<std::uint64_t> file_time = file_time_in(rest);
-        Descriptor opened = open_file(entry->path().string(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-        if (!file_time || !opened || !is_free(opened.get())) continue;
-        found.push_back(
-            {entry->path().string(), *file_time, Buffer::file_mtime_ms(entry->path().string())});
+        const std::string path = entry->path().string();
+        Descriptor opened = open_file(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+        if (!file_time || !opened || !distrust_of_file(opened.get()).empty() ||
+            !is_free(opened.get())) {
+            continue;
+        }
+        JournalReader reader(std::move(opened));
+        std::string statement;
+        bool holds_work = reader.next(statement);
+        const std::optional<TextIdentity> base = base_in(statement);
+        if (base) holds_work = reader.next(statement);
+        if (holds_work) found.push_back({path, *file_time, Buffer::file_mtime_ms(path), base});
     }
     std::sort(found.begin(), found.end(),
               [](const LeftBehind& a, const LeftBehind& b) { return a.time > b.time; });

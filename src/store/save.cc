@@ -2,6 +2,7 @@
 #include "core/buffer.h"
 #include "store/file_io.h"
 #include "store/safe_write.h"
+#include "store/saved_text.h"
 
 namespace tpu {
 
@@ -42,7 +43,7 @@ bool Buffer::write_file(const std::string& path) {
     if (!write_safely(target, backup_on_write, write)) return false;
     file_name = target;
     modified = false;
-    saved_lines = lines;
+    saved_lines = as_loaded(lines);
     file_time = file_mtime_ms(target);
     return true;
 }

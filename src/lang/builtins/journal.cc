@@ -1,15 +1,34 @@
 // Journals: keeping one, and running one after a crash.
 #include "store/journal.h"
 
+#include <filesystem>
+
 #include "core/ascii.h"
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
 #include "editor/recovery.h"
 #include "lang/builtins/families.h"
+#include "store/text_changes.h"
+#include "store/trust.h"
 
 namespace tpu::builtins {
 
 namespace {
+
+bool is_empty_journal(const std::string& path) {
+    std::error_code unknown;
+    return std::filesystem::file_size(path, unknown) <= kJournalHeader;
+}
+
+// Whoever replays the journal of a saved text has what loading its file gives, and the
+// cursor at its begin.
+void record_start(JournalMirror& mirror, const Buffer& buffer) {
+    if (buffer.modified || buffer.file_name.empty()) return;
+    const std::vector<std::string> changes = text_changes(buffer.saved_lines, buffer.lines);
+    for (const std::string& statement : changes) mirror.record(statement);
+    const std::uint64_t place = buffer.current_offset_in_line();
+    if (place > 0 || !changes.empty()) mirror.record(text_place(place));
+}
 
 // JOURNAL_OPEN(file [, "TEXT" or "BINARY"])
 void journal_open(Call& call) {
@@ -25,7 +44,8 @@ void journal_open(Call& call) {
     bool opened = call.args.count() > 0 && tpu_journal_open(call.buffer(), name, binary, note);
     if (!note.empty()) call.editor.set_message(note);
     if (!opened) return call.editor.set_message("JOURNAL_OPEN: cannot write " + name);
-    mirror_of(call.buffer());  // what else the running statement does counts too
+    JournalMirror& mirror = mirror_of(call.buffer());  // what else the statement does counts too
+    if (is_empty_journal(name)) record_start(mirror, call.buffer());
     call.editor.set_message((binary ? "Journaling (binary TPJB) to " : "Journaling (text) to ") +
                             name);
 }
@@ -42,6 +62,10 @@ void recover_buffer(Call& call) {
                                            : "RECOVER_BUFFER(file)");
     }
     std::string name = call.args.text(0);
+    const std::string distrust = distrust_of_file(name);
+    if (!distrust.empty()) {
+        return call.editor.set_message("RECOVER_BUFFER: cannot open " + name + ": " + distrust);
+    }
     bool opened = tpu_journal_recover(call.parser, name);
     call.editor.set_message((opened ? "RECOVER_BUFFER replayed " : "RECOVER_BUFFER: cannot open ") +
                             name);

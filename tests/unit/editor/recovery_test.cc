@@ -4,8 +4,11 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <fstream>
 #include <random>
+#include <set>
 
 #include "editor/journal_mirror.h"
 #include "store/recovery_files.h"
@@ -22,11 +25,13 @@ struct RecoveryTest : testing::Test {
             editor.recovery = std::make_unique<Recovery>(editor, folder);
             EXPECT_EQ(buffer->edit_file(file), "");
         }
-        // What happens between keys once the keyboard has been idle for a while.
+        // What the main loop does in somewhat more than a second.
         void idle() {
-            editor.recovery->note_key();
-            clock.time += Recovery::kIdle;
             editor.recovery->serve();
+            clock.time += Recovery::kRetry;
+            editor.recovery->serve();
+            while (editor.recovery->serve() == std::chrono::milliseconds(0)) {
+            }
         }
         std::string text() { return buffer->lines.text(); }
     };
@@ -60,8 +65,13 @@ TEST_F(RecoveryTest, work_of_a_session_that_died_is_brought_back) {
     next.editor.parser.execute_statement("SET(OVERSTRIKE); SET(WRAP); SET(RIGHT_MARGIN, 3)");
     std::string path = left()[0].path;
     next.editor.execute_command("RECOVER_BUFFER");
-    EXPECT_EQ(next.editor.message, "RECOVER_BUFFER replayed " + path);
+    EXPECT_TRUE(next.editor.message.starts_with("RECOVER_BUFFER replayed the work of 2"));
+    EXPECT_EQ(next.editor.message.find('/'), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(path));  // the new session keeps it by now
     EXPECT_EQ(next.text(), "hello \xc3\xa4one\ntwo!\nthree");
+    next.press("<GOLD>U");
+    EXPECT_EQ(next.text(), "one\ntwo\nthree");
+    next.press("<GOLD>R");
     // Once it is saved, nothing is left.
     next.editor.execute_command("WRITE");
     next.editor.recovery->serve();
@@ -85,40 +95,236 @@ TEST_F(RecoveryTest, nothing_is_left_by_a_session_that_ended_on_purpose) {
     EXPECT_FALSE(std::filesystem::is_empty(state));
 }
 
-TEST_F(RecoveryTest, two_hundred_keys_are_reason_enough) {
+TEST_F(RecoveryTest, keeps_each_change_within_a_second) {
     Worker worker(state, file);
-    for (int i = 0; i < Recovery::kMostKeys; ++i) {
-        worker.press("a");
-        EXPECT_FALSE(std::filesystem::exists(state));
-        worker.editor.recovery->note_key();
-        worker.editor.recovery->serve();
-    }
-    EXPECT_FALSE(std::filesystem::is_empty(state));
+    auto is_kept = [&] { return std::filesystem::exists(state); };
+    auto& recovery = *worker.editor.recovery;
+    const auto nearly = Recovery::kLongestWait - std::chrono::milliseconds(1);
+    EXPECT_LT(recovery.serve().count(), 0);
+    worker.editor.insert_paste("pasted");
+    EXPECT_EQ(recovery.serve(), Recovery::kLongestWait);
+    worker.clock.time += nearly;
+    worker.press("typed");  // does not put it off
+    EXPECT_EQ(recovery.serve().count(), 1);
+    EXPECT_FALSE(is_kept());
+    worker.clock.time += std::chrono::milliseconds(1);
+    recovery.serve();
+    EXPECT_TRUE(is_kept());
 }
 
-TEST_F(RecoveryTest, a_file_that_has_changed_since_is_not_mixed_up) {
+TEST_F(RecoveryTest, keeps_work_while_a_prompt_is_open) {
+    for (const char* prompt : {"<CTRL_Z>", "<CTRL_F>", "<CTRL_Z>READ_KEY<RETURN>"}) {
+        SCOPED_TRACE(prompt);
+        std::filesystem::remove_all(state);
+        Worker worker(state, file);
+        std::vector<int> codes = key_codes(std::string("abcdef").append(prompt));
+        worker.terminal.keys.assign(codes.begin(), codes.end());
+        for (int i = 0; i < 4; ++i) worker.terminal.keys.push_back(kNoKey);
+        bool kept_while_open = false;
+        worker.terminal.before_key = [&] {
+            if (worker.terminal.keys.empty() || worker.terminal.keys.front() != kNoKey) return;
+            kept_while_open = std::filesystem::exists(state);
+            worker.clock.time += std::chrono::milliseconds(400);
+        };
+        worker.editor.run();
+        EXPECT_TRUE(kept_while_open);
+    }
+}
+
+// Keys and commands; what the buffer holds then is what comes back, whatever was saved
+// meanwhile and whatever loading makes of it.
+TEST_F(RecoveryTest, begins_with_what_loading_the_saved_file_gives) {
+    const std::vector<std::vector<std::string>> sessions = {
+        {"<END><RETURN>", "WRITE", "new"},
+        {"<END>", "COPY_TEXT(FAO(\"!%C\", 13))", "WRITE", "new"},
+        {"<END><RETURN><RETURN>x<UP>", "COPY_TEXT(FAO(\"!%C!%C\", 13, 13))", "WRITE", "<DOWN>new"},
+        {"new", "WRITE", "UNDO"},
+        {"new", "WRITE", "more", "WRITE", "UNDO", "UNDO", "UNDO"},
+        {"<DOWN><DOWN><END><RETURN>", "WRITE", "RELOAD", "<END>new"},
+    };
+    for (const auto& session : sessions) {
+        SCOPED_TRACE(session[0] + session.back());
+        for (bool keeps_journal : {false, true}) {
+            folder.write("file.txt", "one\ntwo\nthree\n");
+            std::filesystem::remove_all(state);
+            const std::string journal = folder.path("journal");
+            std::filesystem::remove(journal);
+            std::string text;
+            {
+                Worker dying(state, file);
+                for (std::size_t i = 0; i < session.size(); ++i) {
+                    const std::string& step = session[i];
+                    if (keeps_journal && i + 1 == session.size()) {
+                        dying.editor.execute_command("JOURNAL_OPEN(\"" + journal + "\")");
+                    }
+                    const bool is_command = step.size() > 3 && step[0] >= 'A' && step[0] <= 'Z';
+                    is_command ? dying.editor.execute_command(step) : dying.press(step);
+                    if (i % 2 == 0) dying.idle();
+                }
+                dying.idle();
+                flush_journals(dying.editor, true);
+                text = dying.text();
+            }
+            Worker next(state, file);
+            next.editor.execute_command(keeps_journal ? "RECOVER_BUFFER(\"" + journal + "\")"
+                                                      : "RECOVER_BUFFER");
+            // A journal has no steps of undo from before it was opened.
+            if (keeps_journal && session.back() == "UNDO") continue;
+            EXPECT_EQ(next.text(), text);
+        }
+    }
+}
+
+TEST_F(RecoveryTest, of_a_second_crash_leaves_nothing_of_the_first) {
+    for (const char* more : {"b", "c", "d"}) {
+        Worker dying(state, file);
+        dying.editor.execute_command("RECOVER_BUFFER");
+        dying.press(more);
+        dying.idle();
+    }
+    ASSERT_EQ(left().size(), 1u);
+    Worker next(state, file);
+    next.editor.execute_command("RECOVER_BUFFER");
+    EXPECT_EQ(next.text(), "bcdone\ntwo\nthree");
+    next.editor.execute_command("WRITE");
+    next.editor.recovery->serve();
+    EXPECT_TRUE(std::filesystem::is_empty(state));
+}
+
+TEST_F(RecoveryTest, on_a_file_that_has_changed_gets_a_buffer_of_its_own) {
+    {
+        Worker dying(state, file);
+        dying.press("<DOWN>typed ");
+        dying.idle();
+    }
+    // A new time alone is no change.
+    struct timespec times[2] = {{1'000'000, 0}, {1'000'000, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+    {
+        Worker same(state, file);
+        same.editor.execute_command("RECOVER_BUFFER");
+        EXPECT_EQ(same.text(), "one\ntyped two\nthree");
+    }
+    folder.write("file.txt", "something else");
+    {
+        Worker next(state, file);
+        EXPECT_NE(greeting(next), "");
+        next.editor.execute_command("RECOVER_BUFFER");
+        EXPECT_EQ(next.text(), "something else");
+        Buffer& work = *next.editor.current_buffer;
+        EXPECT_EQ(work.name, "RECOVERED " + file);
+        EXPECT_EQ(work.lines.text(), "one\ntyped two\nthree");
+        EXPECT_TRUE(work.modified);
+        EXPECT_EQ(work.file_name, "");  // not to be written over the other text
+        EXPECT_EQ(greeting(next), "");
+        next.idle();
+    }
+    // It is kept on from there, as text without a file.
+    Session unnamed;
+    unnamed.editor.recovery = std::make_unique<Recovery>(unnamed.editor, state);
+    unnamed.editor.execute_command("RECOVER_BUFFER");
+    EXPECT_EQ(unnamed.buffer->lines.text(), "one\ntyped two\nthree");
+}
+
+TEST_F(RecoveryTest, on_a_text_that_nobody_has_any_more_is_shown_on_that_of_now) {
+    {
+        Worker dying(state, file);
+        dying.press("typed ");
+        dying.idle();
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(state)) {
+        if (entry.path().extension() == ".base") std::filesystem::remove(entry.path());
+    }
+    folder.write("file.txt", "something else");
+    Worker next(state, file);
+    next.editor.execute_command("RECOVER_BUFFER");
+    EXPECT_EQ(next.editor.message,
+              "The file has changed: look over what the work made of the text of now");
+    EXPECT_EQ(next.editor.current_buffer->lines.text(), "typed something else");
+    EXPECT_EQ(next.text(), "something else");
+}
+
+TEST_F(RecoveryTest, keeps_texts_without_a_file) {
+    {
+        Session dying;
+        dying.editor.recovery = std::make_unique<Recovery>(dying.editor, state);
+        dying.press("first");
+        dying.editor.execute_command("BUFFER other");
+        dying.press("second");
+        dying.editor.recovery->write();
+    }
+    EXPECT_EQ(left_behind(state, "").size(), 2u);
+    EXPECT_TRUE(left().empty());
+    Session next;
+    next.editor.recovery = std::make_unique<Recovery>(next.editor, state);
+    EXPECT_NE(next.editor.recovery->greeting(*next.buffer), "");
+    std::set<std::string> texts;
+    for (int i = 0; i < 2; ++i) {
+        next.editor.execute_command("RECOVER_BUFFER");
+        texts.insert(next.editor.current_buffer->lines.text());
+    }
+    EXPECT_EQ(texts, (std::set<std::string>{"first", "second"}));
+    next.editor.execute_command("WRITE " + folder.path("saved"));
+    next.editor.recovery->serve();
+    next.editor.recovery->discard();
+    EXPECT_TRUE(std::filesystem::is_empty(state));
+}
+
+TEST_F(RecoveryTest, believes_only_what_is_the_users_own) {
     {
         Worker dying(state, file);
         dying.press("a");
         dying.idle();
     }
-    folder.write("file.txt", "something else");
-    struct timespec times[2] = {{1'000'000, 0}, {1'000'000, 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
-    Worker next(state, file);
-    EXPECT_NE(greeting(next), "");
-    std::string refusal = next.editor.recovery->recover(*next.buffer);
-    EXPECT_TRUE(refusal.starts_with("The file has changed since; RECOVER_BUFFER(\"")) << refusal;
-    EXPECT_EQ(next.text(), "something else");
-    next.press("x");
-    next.idle();
-    next.editor.recovery->discard();
-    EXPECT_EQ(left().size(), 1u);  // what was never brought back stays
+    const std::string path = left()[0].path;
+    auto is_offered = [&] { return !left_behind(state, file).empty(); };
+    for (const std::string& place : {state, path}) {
+        const auto before = std::filesystem::status(place).permissions();
+        std::filesystem::permissions(place, std::filesystem::perms::others_write,
+                                     std::filesystem::perm_options::add);
+        EXPECT_FALSE(is_offered()) << place;
+        std::filesystem::permissions(place, before);
+        EXPECT_TRUE(is_offered()) << place;
+        if (geteuid() != 0) continue;
+        ASSERT_EQ(chown(place.c_str(), 12345, 12345), 0);
+        EXPECT_FALSE(is_offered()) << place;
+        ASSERT_EQ(chown(place.c_str(), 0, 0), 0);
+    }
+    // Whoever comes to plant records all the same cannot run a program with them.
+    const std::string plants[] = {"SPAWN(\"touch " + folder.path("pwned") + "\")",
+                                  "COPY_TEXT(GET_CLIPBOARD)", "x := 1",
+                                  "COPY_TEXT(\"a\"); WRITE_FILE(\"" + file + "\")"};
+    const std::string good =
+        folder.read("state/tpu/recovery/" + std::filesystem::path(path).filename().string());
+    for (const std::string& plant : plants) {
+        const std::string record = {static_cast<char>(plant.size()), 0, 0, 0};
+        std::ofstream(path, std::ios::binary) << good << record << plant;
+        Worker next(state, file);
+        next.editor.execute_command("RECOVER_BUFFER");
+        EXPECT_TRUE(next.editor.message.starts_with("RECOVER_BUFFER: cannot read ")) << plant;
+        EXPECT_EQ(next.text(), "one\ntwo\nthree");
+    }
+}
+
+TEST_F(RecoveryTest, makes_no_folders_in_the_home_of_another_user) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give folders away";
+    std::filesystem::create_directory(folder.path("home"));
+    ASSERT_EQ(chown(folder.path("home").c_str(), 12345, 12345), 0);
+    Worker worker(folder.path("home/.local/state/tpu/recovery"), file);
+    worker.press("a");
+    worker.idle();
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path("home")));
+    EXPECT_EQ(worker.editor.message,
+              "Unsaved work is not kept: " + folder.path("home") + " belongs to another user");
 }
 
 TEST_F(RecoveryTest, knows_a_file_that_is_still_to_be_made_by_any_of_its_names) {
     const auto here = std::filesystem::current_path();
-    ASSERT_TRUE(RecoveryFile::create(state, "not-there-yet", 0).has_value());
+    std::string reason;
+    std::optional<RecoveryFile> made =
+        RecoveryFile::create(state, "not-there-yet", 0, LineStore(), reason);
+    ASSERT_TRUE(made && made->append({"SPLIT_LINE"}, reason)) << reason;
+    made.reset();
     EXPECT_EQ(left_behind(state, (here / "not-there-yet").string()).size(), 1u);
     EXPECT_EQ(left_behind(state, (here / "x" / ".." / "not-there-yet").string()).size(), 1u);
     EXPECT_TRUE(left_behind(state, folder.path("not-there-yet")).empty());
@@ -135,7 +341,12 @@ TEST_F(RecoveryTest, that_finds_no_room_goes_on_once_there_is_some) {
             FileSizeLimit limit(10'000);
             dying.idle();
         }
-        EXPECT_EQ(dying.editor.message, "");  // nobody is told
+        EXPECT_EQ(dying.editor.message, "Unsaved work is not kept: File too large");
+        dying.editor.execute_command("SHOW SYSTEM");
+        EXPECT_NE(dying.editor.current_buffer->lines.text().find("not kept: File too large"),
+                  std::string::npos);
+        dying.editor.execute_command("BUFFER MAIN");
+        dying.editor.set_message("");
         dying.press("b");
         dying.idle();
     }
@@ -154,7 +365,10 @@ TEST_F(RecoveryTest, does_without_a_folder_that_cannot_be_made) {
         worker.press("a");
         worker.idle();
         EXPECT_EQ(worker.text(), "aone\ntwo\nthree");
-        EXPECT_EQ(worker.editor.message, "");
+        EXPECT_TRUE(worker.editor.message.starts_with("Unsaved work is not kept: "));
+        worker.editor.set_message("");
+        worker.idle();
+        EXPECT_EQ(worker.editor.message, "");  // it is told once
     }
 }
 

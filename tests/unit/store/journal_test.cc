@@ -242,7 +242,7 @@ TEST_F(Journals, are_regular_files_that_can_be_written) {
     EXPECT_EQ(folder.read("target"), "");
 }
 
-TEST_F(Journals, that_cannot_grow_do_not_keep_statements_from_running) {
+TEST_F(Journals, that_cannot_grow_end_before_the_hole) {
     Journaled s;
     s.open(path);
     s.run("COPY_TEXT(\"a\")");
@@ -251,13 +251,19 @@ TEST_F(Journals, that_cannot_grow_do_not_keep_statements_from_running) {
         FileSizeLimit limit(before.size() + 10);
         s.run("COPY_TEXT(\"b\")");
     }
-    EXPECT_EQ(folder.read("j"), before) << "half a record would hide those behind it";
-    s.run("x := 1");
-    EXPECT_EQ(folder.read("j"), before + record("x := 1"));
-    std::filesystem::remove(path);
-    s.run("x := 2");
-    EXPECT_EQ(folder.read("j"), kHeader + record("x := 2")) << "a journal begins anew";
+    flush_journals(s.editor, false);
+    const std::string fault = path + ": File too large";
+    EXPECT_EQ(s.editor.message, "Journaling has stopped: " + fault);
+    s.run("SET(JOURNALING, ON); x := 1");
+    EXPECT_EQ(folder.read("j"), before);
+    s.run("JOURNAL_OPEN(\"" + path + "\"); x := 2");
+    EXPECT_EQ(s.editor.message, "JOURNAL_OPEN: cannot write " + path);
+    EXPECT_EQ(folder.read("j"), before);
     EXPECT_EQ(s.lines(), Lines{"ab"});
+    std::filesystem::remove(path);
+    s.run("JOURNAL_OPEN(\"" + path + "\")");
+    s.run("x := 3");
+    EXPECT_EQ(folder.read("j"), kHeader + record("x := 3"));
 }
 
 // ---- Keys
