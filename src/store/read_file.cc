@@ -62,7 +62,8 @@ class Filler {
 
     LineStore lines() const {
         std::size_t bytes = block_->used();
-        if (bytes > 0 && block_->data()[bytes - 1] == '\n') --bytes;
+        // A CR that is still held is all there is of the last line.
+        if (!holds_cr_ && bytes > 0 && block_->data()[bytes - 1] == '\n') --bytes;
         return LineStore::from_block(block_, bytes, feeds_);
     }
 

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -50,28 +51,47 @@ void expect_lines(const LineStore& text, const Lines& lines) {
 }
 
 TEST(Load, splits_at_line_feeds_and_drops_one_cr_at_a_line_end) {
-    struct Case {
-        std::string text;
-        Lines lines;
-    };
-    const Case cases[] = {
-        {"", {""}},
-        {"\n", {""}},
-        {"\r", {""}},
-        {"\r\n", {""}},
-        {"\n\n", {"", ""}},
-        {"a\nb", {"a", "b"}},
-        {"a\r\nb\r\nc\r\n", {"a", "b", "c"}},
-        {"a\r\r\nb\r\r", {"a\r", "b\r"}},
-        {"a\rb\n\rc\r\n", {"a\rb", "\rc"}},
-        {std::string("a\0b\n\xff\xc3\n", 7), {std::string("a\0b", 3), "\xff\xc3"}},
-    };
+    EXPECT_EQ(split("a\r\nb\rc\n\r"), (Lines{"a", "b\rc", ""}));
+    EXPECT_EQ(split("a\r\r\n\n"), (Lines{"a\r", ""}));
     TempFolder folder;
-    for (const Case& c : cases) {
+    for (std::string text : {std::string("a\0b\n\xff\xc3\n", 7), std::string("\n\rc\r\n")}) {
         Buffer buffer("B", "");
-        ASSERT_TRUE(buffer.load_file(folder.write("file", c.text)));
-        EXPECT_EQ(buffer.lines.lines(), c.lines) << testing::PrintToString(c.text);
-        EXPECT_EQ(split(c.text), c.lines);
+        ASSERT_TRUE(buffer.load_file(folder.write("file", text)));
+        EXPECT_EQ(buffer.lines.lines(), split(text)) << testing::PrintToString(text);
+    }
+}
+
+// Of up to six characters.
+std::vector<std::string> all_short_texts() {
+    std::vector<std::string> texts = {""};
+    for (std::size_t i = 0; texts[i].size() < 6; ++i) {
+        for (char c : {'a', '\n', '\r'}) texts.push_back(texts[i] + c);
+    }
+    return texts;
+}
+
+TEST(Load, of_every_short_text_gives_its_lines_whichever_way_it_is_read) {
+    TempFolder folder;
+    for (const std::string& text : all_short_texts()) {
+        SCOPED_TRACE(testing::PrintToString(text));
+        std::string path = folder.write("file", text);
+        Buffer buffer("B", "");
+        ASSERT_TRUE(buffer.load_file(path));
+        EXPECT_EQ(buffer.lines.lines(), split(text));
+        Descriptor file = open_file(path, O_RDONLY);
+        if (std::optional<LineStore> mapped = map_lines(file.get(), text.size())) {
+            EXPECT_EQ(mapped->lines(), split(text));
+        }
+#ifdef __linux__
+        // A pipe that gives one byte at a time.
+        int ends[2];
+        ASSERT_EQ(pipe2(ends, O_DIRECT), 0);
+        for (char c : text) EXPECT_EQ(write(ends[1], &c, 1), 1);
+        close(ends[1]);
+        ASSERT_TRUE(buffer.load_file("/dev/fd/" + std::to_string(ends[0])));
+        EXPECT_EQ(buffer.lines.lines(), split(text));
+        close(ends[0]);
+#endif
     }
 }
 
