@@ -1,22 +1,11 @@
 #include "app/source_file.h"
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 
 #include "editor/glyphs.h"
 #include "lang/parser.h"
 
 namespace tpu {
-
-std::optional<std::string> read_source(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) return {};
-    std::string text(std::istreambuf_iterator<char>(file), {});
-    // A directory can be opened, but not read.
-    if (file.bad()) return {};
-    return text;
-}
 
 void print_diagnostics(const MiniTPUParser& parser, std::size_t already, const std::string& file) {
     for (std::size_t i = already; i < parser.diagnostics.size(); ++i) {

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "app/source_file.h"
 #include "editor/editor.h"
 #include "editor/glyphs.h"
 #include "editor/recovery.h"
+#include "store/read_file.h"
 #include "store/section.h"
 #include "store/trust.h"
 
@@ -25,7 +25,7 @@ void go_to_line(Buffer& buffer, std::uint64_t line) {
 // Compiles and runs a file. False: there is none, or it cannot be read.
 bool load_source(TPUEditor& editor, const std::string& path) {
     if (path.empty()) return false;
-    std::optional<std::string> source = read_source(path);
+    std::optional<std::string> source = read_whole(path, {editor.interrupted()});
     if (!source) return false;
     editor.parser.compile_text(*source);
     editor.set_message("Loaded " + path);

@@ -4,6 +4,7 @@
 
 #include "app/source_file.h"
 #include "editor/editor.h"
+#include "store/read_file.h"
 
 namespace tpu {
 
@@ -26,7 +27,7 @@ int run_test_script(const std::string& path, Ports ports, Charset charset) {
     editor.charset = charset;
     editor.create_buffer("MAIN", "");
     editor.init_screen();
-    std::optional<std::string> source = read_source(path);
+    std::optional<std::string> source = read_whole(path);
     if (!source) {
         std::fprintf(stderr, "tpu --test: cannot open %s\n", path.c_str());
         return 2;

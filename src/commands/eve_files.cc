@@ -35,7 +35,7 @@ void get_file(TPUEditor& editor, Line line) {
     Buffer* buffer = buffer_of_file(editor, file);
     if (!buffer) {
         auto loaded = std::make_unique<Buffer>(unused_name(editor, file), file);
-        std::string trouble = loaded->edit_file(file, editor.loading());
+        std::string trouble = loaded->edit_file(file, editor.loading(), editor.interrupted());
         if (!trouble.empty()) return editor.set_message(trouble);
         if (loaded->file_time == 0) message = "New file " + file;
         buffer = loaded.get();
@@ -50,7 +50,9 @@ void get_file(TPUEditor& editor, Line line) {
 void include_file(TPUEditor& editor, Line line) {
     std::string file = line.file(1);
     Buffer included("", "");
-    if (!included.load_file(file)) return editor.set_message("Cannot include " + file);
+    if (!included.load_file(file, Buffer::Loading::at_once, editor.interrupted())) {
+        return editor.set_message("Cannot include " + file);
+    }
     editor.current_buffer->copy_lines(included.lines, editor.charset);
     editor.set_message("Included " + file);
 }
@@ -67,7 +69,9 @@ void reload(TPUEditor& editor, Line) {
     }
     if (file.empty()) return editor.set_message("No file to reload");
     Buffer::Snapshot before = buffer.snap();
-    if (!buffer.load_file(file, editor.loading())) return editor.set_message("Reload failed");
+    if (!buffer.load_file(file, editor.loading(), editor.interrupted())) {
+        return editor.set_message("Reload failed");
+    }
     buffer.cursor_row = before.cursor_row;
     buffer.cursor_column = before.cursor_column;
     buffer.view_line = std::min(before.view_line, buffer.lines.size() - 1);

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +17,7 @@
 
 #include "core/attr.h"
 #include "core/charset.h"
+#include "core/file_version.h"
 #include "core/line_store.h"
 #include "core/marker.h"
 
@@ -23,6 +25,9 @@ namespace tpu {
 
 class JournalMirror;
 struct TPUPattern;
+
+// Tells, while something waits or takes long, that the user does not want it any more.
+using Interrupted = std::function<bool()>;
 
 class Buffer {
   public:
@@ -179,13 +184,15 @@ class Buffer {
     bool search_round(std::string_view text);  // the one, then the other, each byte once
 
     // store/load.cc, store/save.cc
-    // False: unreadable, text unchanged. A large file loaded in steps is there at once
-    // but shows the file itself until TextBlock::settle_some has copied all of it;
-    // then finish_loading() has to follow.
-    bool load_file(const std::string& path, Loading how = Loading::at_once);
+    // False: unreadable, text unchanged. Waiting for what a pipe has to say can be interrupted. A
+    // large file loaded in steps is there at once but shows the file itself until
+    // TextBlock::settle_some has copied all of it; then finish_loading() has to follow.
+    bool load_file(const std::string& path, Loading how = Loading::at_once,
+                   const Interrupted& interrupted = {});
     // The same for a file that need not be there yet: what to tell about one that is but
     // cannot be read, else empty. In any case it is where the buffer is written.
-    std::string edit_file(const std::string& path, Loading how = Loading::at_once);
+    std::string edit_file(const std::string& path, Loading how = Loading::at_once,
+                          const Interrupted& interrupted = {});
     void finish_loading();
     bool write_file(const std::string& path);                     // empty: to file_name
     static std::uint64_t file_mtime_ms(const std::string& path);  // 0: unknown

@@ -145,6 +145,8 @@ class TPUEditor {
     Buffer::Loading loading() const {
         return headless ? Buffer::Loading::at_once : Buffer::Loading::in_steps;
     }
+    // For those who may wait long: true once Ctrl-C is pressed, which ends running code too.
+    Interrupted interrupted();
     void hang_up();      // the terminal is gone: the session ends
     bool key_waiting();  // read_key would give a key at once
     // Of the terminal, but for keys put back.

@@ -97,6 +97,14 @@ void TPUEditor::sleep(std::chrono::milliseconds time) {
     }
 }
 
+Interrupted TPUEditor::interrupted() {
+    return [this] {
+        if (headless || !ports.terminal.interrupt_waiting()) return false;
+        if (parser.block_depth > 0) parser.interrupt();
+        return true;
+    };
+}
+
 bool TPUEditor::key_waiting() {
     return !unread_keys_.empty() || ports.terminal.key_waiting();
 }

@@ -5,8 +5,6 @@
 #include <cstring>
 #include <limits>
 
-#include "store/file_io.h"
-
 namespace tpu {
 
 namespace {
@@ -37,8 +35,8 @@ char* copy_without_cr(const char* from, const char* end, char* out) {
 // is still in the cache.
 class Filler {
   public:
-    Filler(int fd, Ref<TextBlock> block, std::uint64_t most)
-        : fd_(fd), most_(most), block_(std::move(block)) {}
+    Filler(InputFile& file, Ref<TextBlock> block, std::uint64_t most)
+        : file_(file), most_(most), block_(std::move(block)) {}
 
     // False when reading fails, memory is short or there is too much to read.
     bool read_all() {
@@ -48,7 +46,7 @@ class Filler {
             std::size_t held = holds_cr_ ? 1 : 0;
             if (holds_cr_) *begin = '\r';
             std::size_t room = std::min(block_->room() - held, kReadSize);
-            ssize_t got = read_some(fd_, begin + held, room);
+            ssize_t got = file_.read(begin + held, room);
             if (got < 0) return false;
             if (got == 0) return true;
             take(begin, held + static_cast<std::size_t>(got));
@@ -72,7 +70,9 @@ class Filler {
         constexpr std::size_t kLeast = 2;  // a held CR and a byte to read
         if (block_->room() >= kLeast) return true;
         std::size_t more = std::max(block_->used(), kReadSize);
-        return block_->grow(block_->used() + more);
+        bool grown = block_->grow(block_->used() + more);
+        if (!grown) errno = ENOMEM;
+        return grown;
     }
 
     // Claims the bytes behind the used part. A CR at their end is held back: a line
@@ -94,7 +94,7 @@ class Filler {
         }
     }
 
-    int fd_;
+    InputFile& file_;
     std::uint64_t most_;
     Ref<TextBlock> block_;
     bool holds_cr_ = false;             // a CR follows the used part
@@ -126,13 +126,35 @@ std::optional<LineStore> map_lines(int fd, std::uint64_t size) {
     return LineStore::from_block(block, text.size() - text.ends_with('\n'), feeds);
 }
 
-std::optional<LineStore> read_lines(int fd, std::uint64_t expected, std::uint64_t most) {
+std::optional<LineStore> read_lines(InputFile& file, std::uint64_t most) {
+    errno = ENOMEM;
+    const std::uint64_t expected = file.size();
     if (expected > std::numeric_limits<std::size_t>::max() / 2) return std::nullopt;
     Ref<TextBlock> block = TextBlock::create(static_cast<std::size_t>(expected) + kSlack);
     if (!block) return std::nullopt;
-    Filler filler(fd, std::move(block), most);
+    Filler filler(file, std::move(block), file.is_regular() ? UINT64_MAX : most);
     if (!filler.read_all()) return std::nullopt;
     return filler.lines();
+}
+
+std::optional<std::string> read_whole(const std::string& path, Waiting waiting) {
+    std::optional<InputFile> file = InputFile::open(path, std::move(waiting));
+    if (!file) return std::nullopt;
+    std::string text;
+    const std::uint64_t expected = std::min(file->size(), kMostOfStream);
+    for (std::size_t size = 0; size <= kMostOfStream;) {
+        if (text.size() - size < kReadSize) {
+            text.resize(std::max(static_cast<std::size_t>(expected), size * 2) + kReadSize);
+        }
+        ssize_t got = file->read(text.data() + size, text.size() - size);
+        if (got < 0) return std::nullopt;
+        size += static_cast<std::size_t>(got);
+        if (got > 0) continue;
+        text.resize(size);
+        return text;
+    }
+    errno = EFBIG;
+    return std::nullopt;
 }
 
 }  // namespace tpu

@@ -1,23 +1,31 @@
-// Reading a text from an open file in one pass.
+// Reading a text from a file in one pass.
 #pragma once
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "core/line_store.h"
+#include "store/input_file.h"
 
 namespace tpu {
 
+// A device may give bytes for ever; what a pipe gives is seldom as much.
+inline constexpr std::uint64_t kMostOfStream = std::uint64_t{1} << 30;
+
 // The lines of all that is left of a file. Lines end at line feeds; a carriage
 // return at the end of a line is dropped, and so is a line feed at the end of the
-// file. `expected` is the number of bytes to make room for; more and fewer are
-// fine. Nothing when reading fails, memory is short, or there are more than `most` bytes.
-std::optional<LineStore> read_lines(int fd, std::uint64_t expected,
-                                    std::uint64_t most = UINT64_MAX);
+// file. Nothing, with errno saying why, when reading fails, memory is short, or something
+// other than a regular file has more than `most` bytes.
+std::optional<LineStore> read_lines(InputFile& file, std::uint64_t most = kMostOfStream);
 
 // The lines of a file of `size` bytes without copying them: the text is only mapped,
 // and TextBlock::settle_some must make it the editor's own soon. Nothing when the
 // file cannot be mapped, or when carriage returns would have to go.
 std::optional<LineStore> map_lines(int fd, std::uint64_t size);
+
+// All bytes of a file, if there are at most as many as of a stream. Nothing, with errno saying
+// why, when it cannot be read.
+std::optional<std::string> read_whole(const std::string& path, Waiting waiting = {});
 
 }  // namespace tpu

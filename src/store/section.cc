@@ -1,8 +1,5 @@
 #include "store/section.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <charconv>
 #include <optional>
 
@@ -11,6 +8,7 @@
 #include "editor/editor.h"
 #include "keys/default_keys.h"
 #include "store/file_io.h"
+#include "store/read_file.h"
 #include "store/safe_write.h"
 #include "store/section_format.h"
 
@@ -104,27 +102,10 @@ std::string_view take_line(std::string_view& text) {
     return line;
 }
 
-std::optional<std::string> read_whole(const std::string& path) {
-    constexpr off_t kLargest = off_t{1} << 30;
-    Descriptor file = open_file(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-    struct stat status;
-    if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
-    if (status.st_size > kLargest) return {};
-    std::string text(static_cast<std::size_t>(status.st_size), '\0');
-    std::size_t size = 0;
-    ssize_t got = 0;
-    while ((got = read_some(file.get(), text.data() + size, text.size() - size)) > 0) {
-        size += static_cast<std::size_t>(got);
-    }
-    if (got < 0) return {};
-    text.resize(size);
-    return text;
-}
-
 // The text of a section file for an operation, which is named where there is none.
 std::optional<std::string> read_section(TPUEditor& editor, const std::string& path,
                                         const std::string& operation) {
-    std::optional<std::string> text = read_whole(path);
+    std::optional<std::string> text = read_whole(path, {editor.interrupted()});
     if (text && text->starts_with(kSectionMagic)) return text;
     editor.set_message(operation +
                        (text ? ": not a ZKSECT section file" : ": cannot open " + path));

@@ -1,7 +1,11 @@
 // Start-up files, keys bound to source text, and test scripts, seen from outside.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "pty/pty_session.h"
+#include "unit/store/temp_folder.h"
 
 namespace tpu {
 namespace {
@@ -36,6 +40,20 @@ TEST_F(Language, the_named_start_up_file_wins_when_it_can_be_read) {
     other.start({});
     EXPECT_TRUE(other.shows(0, "home")) << other.screen();
     EXPECT_TRUE(other.shows(23, "Unknown command: bad(  (line 2)")) << other.screen();
+}
+
+TEST_F(Language, control_c_ends_waiting_for_a_pipe_as_a_start_up_file) {
+    TempFolder folder;
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    // With a writer, so that the wait does not end by itself.
+    const int writer = open(pipe.c_str(), O_RDWR | O_CLOEXEC);
+    tty.environment["TPU_STARTUP"] = pipe;
+    tty.start({});
+    ASSERT_TRUE(tty.eventually([&] { return !tty.output().empty(); }));
+    tty.type("\003");
+    EXPECT_TRUE(tty.shows("INSERT")) << tty.screen();
+    close(writer);
 }
 
 TEST_F(Language, a_section_file_is_restored_before_start_up_files) {

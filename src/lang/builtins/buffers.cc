@@ -26,7 +26,8 @@ Value create_buffer(Call& call) {
     if (Buffer* buffer = call.editor.find_buffer(name)) return Value::make_buffer(buffer);
     Buffer* buffer = call.editor.create_buffer(name, "");
     if (call.args.count() > 1) {
-        std::string news = buffer->edit_file(call.args.text(1));
+        std::string news = buffer->edit_file(call.args.text(1), Buffer::Loading::at_once,
+                                             call.editor.interrupted());
         if (news.empty() && call.editor.recovery) news = call.editor.recovery->greeting(*buffer);
         if (!news.empty()) call.editor.set_message(news);
     }
@@ -36,7 +37,7 @@ Value create_buffer(Call& call) {
 void read_file(Call& call) {
     std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
     Buffer file("", "");
-    if (!file.load_file(name)) {
+    if (!file.load_file(name, Buffer::Loading::at_once, call.editor.interrupted())) {
         return call.editor.set_message("READ_FILE: cannot open " + name);
     }
     call.buffer().copy_lines(file.lines, call.editor.charset);

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -107,8 +108,9 @@ TEST(Load, finds_pairs_wherever_the_parts_of_a_large_file_meet) {
 }
 
 TEST(Load, of_what_never_ends_fails) {
-    Descriptor zeros = open_file("/dev/zero", O_RDONLY);
-    EXPECT_FALSE(read_lines(zeros.get(), 0, std::uint64_t{1} << 20));
+    std::optional<InputFile> zeros = InputFile::open("/dev/zero");
+    ASSERT_TRUE(zeros);
+    EXPECT_FALSE(read_lines(*zeros, std::uint64_t{1} << 20));
     EXPECT_EQ(errno, EFBIG);
 }
 
@@ -194,6 +196,25 @@ TEST(Load, reads_a_pipe_of_unknown_size) {
     EXPECT_TRUE(buffer.load_file(pipe));
     writer.join();
     expect_lines(buffer.lines, split(text));
+}
+
+TEST(Load, gives_up_on_a_pipe_that_nobody_writes_to_but_not_on_a_slow_writer) {
+    TempFolder folder;
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    constexpr std::chrono::milliseconds kPatience(60);
+    EXPECT_FALSE(read_whole(pipe, {{}, kPatience}));
+    EXPECT_EQ(errno, EPIPE);
+    Descriptor writer = open_file(pipe, O_RDWR);
+    int looks = 0;
+    auto write_late = [&] {
+        if (++looks == 4) {
+            EXPECT_TRUE(write_all(writer.get(), "text\n"));
+            writer.close();
+        }
+        return false;
+    };
+    EXPECT_EQ(read_whole(pipe, {write_late, kPatience}), "text\n");
 }
 
 TEST(Load, begins_at_the_top_unmodified_and_keeps_the_undo_stack) {
