@@ -170,9 +170,10 @@ Ctrl-S or WRITE saves a buffer to its file, WRITE name to another one, which
 is the buffer's file from then on. The previous file is kept with .bak behind
 its name, unless SET(BACKUP, OFF) says otherwise. A save that fails leaves the
 file as it was. The last line of a file gets no line end. Nothing is saved by
-itself, and nothing is asked when the editor ends. CHECK_DISK tells whether
-somebody else has changed the file since, and RELOAD reads it again when the
-buffer has no changes of its own.
+itself, and nothing is asked when the editor ends.
+
+CHECK_DISK tells whether somebody else has changed the file since, and RELOAD
+reads it again when the buffer has no changes of its own.
 
 When the editor or the machine has died, opening the file again tells of the
 unsaved work, and RECOVER_BUFFER brings it back; work in buffers without a
@@ -184,7 +185,8 @@ message and SHOW SYSTEM tell when it cannot be kept, and why.
 JOURNAL_OPEN("file") records all that is done to the buffer from then on, for
 RECOVER_BUFFER("file") to do again on the text that there was. SAVE("file")
 keeps the procedures, names and keys of the session in a section file, which
-RESTORE("file") or the option --section=file brings back.
+RESTORE("file") or the option --section=file brings back. A file that is
+something else is not replaced.
 )help";
 
 const std::string_view kWindows = R"help(WINDOWS

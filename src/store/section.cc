@@ -1,5 +1,6 @@
 #include "store/section.h"
 
+#include <cerrno>
 #include <charconv>
 #include <optional>
 
@@ -8,6 +9,7 @@
 #include "editor/editor.h"
 #include "keys/default_keys.h"
 #include "store/file_io.h"
+#include "store/input_file.h"
 #include "store/read_file.h"
 #include "store/safe_write.h"
 #include "store/section_format.h"
@@ -91,6 +93,18 @@ std::string section_text(const TPUEditor& editor, const std::string& ident) {
         text += end_line(part) + '\n';
     }
     return text + begin_line(SectionPart::end) + '\n';
+}
+
+// Why a file that is there is left alone; empty: it may be replaced. What was not made by
+// saving a section was named by mistake.
+std::string replace_refusal(const std::string& path) {
+    const std::optional<FileVersion> old = FileVersion::of(path);
+    if (!old || old->size == 0) return {};
+    std::optional<InputFile> file = InputFile::open(path);
+    if (!file) return reason_of(errno);
+    std::string begin(kSectionMagic.size(), '\0');
+    if (file->read(begin.data(), begin.size()) < 0) return reason_of(errno);
+    return begin == kSectionMagic ? "" : "it is no section file";
 }
 
 // ---- Reading
@@ -246,8 +260,11 @@ bool tpu_section_save(TPUEditor& editor, const std::string& path, const std::str
     first_line = first_line.substr(0, first_line.find_first_of("\r\n"));
     const std::string text =
         section_text(editor, first_line.empty() ? tpu_version_string() : std::string(first_line));
-    bool saved = write_at_once(path, [&](int fd) { return write_all(fd, text); });
-    editor.set_message((saved ? "SAVE section -> " : "SAVE: cannot write ") + path);
+    const std::string refusal = replace_refusal(path);
+    const bool saved =
+        refusal.empty() && write_at_once(path, [&](int fd) { return write_all(fd, text); });
+    const std::string reason = refusal.empty() ? "" : " (" + refusal + ")";
+    editor.set_message(saved ? "SAVE section -> " + path : "SAVE: cannot write " + path + reason);
     return saved;
 }
 

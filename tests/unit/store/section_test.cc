@@ -156,7 +156,7 @@ TEST_F(Sections, have_procedures_that_say_the_same_when_they_are_parsed_late) {
 
 TEST_F(Sections, that_cannot_be_had_change_nothing) {
     const std::string other = folder.write("other", "PROCEDURE p\nENDPROCEDURE\n");
-    const std::string locked = folder.write("locked", "old");
+    const std::string locked = folder.write("locked", "#ZKSECT old");
     Session s;
     const struct {
         std::string statement;
@@ -170,6 +170,7 @@ TEST_F(Sections, that_cannot_be_had_change_nothing) {
         {"SAVE(\"" + folder.path("none/s") + "\")", "SAVE: cannot write " + folder.path("none/s")},
         {"SAVE(\"" + folder.path("") + "\")", "SAVE: cannot write " + folder.path("")},
         {"SAVE(\"\")", "SAVE: cannot write "},
+        {"SAVE(\"" + other + "\")", "SAVE: cannot write " + other + " (it is no section file)"},
         {"SAVE()", "SAVE(filespec [, \"IDENT\", id])"},
         {"SAVE", "SAVE(filespec [, \"IDENT\", id])"},
         {"EXPAND()", "EXPAND(filespec)"},
@@ -183,7 +184,8 @@ TEST_F(Sections, that_cannot_be_had_change_nothing) {
         run(s.editor, "SAVE(\"" + locked + "\")");
         EXPECT_EQ(s.editor.message, "SAVE: cannot write " + locked);
     }
-    EXPECT_EQ(folder.read("locked"), "old");
+    EXPECT_EQ(folder.read("locked"), "#ZKSECT old");
+    EXPECT_EQ(folder.read("other"), "PROCEDURE p\nENDPROCEDURE\n");
     EXPECT_EQ(folder.files(), (std::set<std::string>{"locked", "other"}));
     EXPECT_TRUE(s.editor.parser.procedures.empty());
     s.editor.run_key_text("SAVE");
@@ -191,7 +193,7 @@ TEST_F(Sections, that_cannot_be_had_change_nothing) {
 }
 
 TEST_F(Sections, keep_mode_and_link_of_a_file_that_they_replace) {
-    const std::string target = folder.write("target", "old");
+    const std::string target = folder.write("target", "");
     chmod(target.c_str(), 0640);
     ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
     Session s;
