@@ -29,22 +29,29 @@ std::string unused_name(TPUEditor& editor, const std::string& name) {
     return unused;
 }
 
-// Nothing is left of a buffer whose file cannot be read.
+// Nothing is left of a new buffer whose file cannot be read.
 void get_file(TPUEditor& editor, Line line) {
     std::string file = line.file(1), message = "Got file " + file;
     Buffer* buffer = buffer_of_file(editor, file);
+    std::string trouble;
+    auto load = [&](Buffer& into) {
+        trouble = into.edit_file(into.file_name, editor.loading(), editor.interrupted());
+    };
     if (!buffer) {
         auto loaded = std::make_unique<Buffer>(unused_name(editor, file), file);
-        std::string trouble = loaded->edit_file(file, editor.loading(), editor.interrupted());
+        load(*loaded);
         if (!trouble.empty()) return editor.set_message(trouble);
         if (loaded->file_time == 0) message = "New file " + file;
         buffer = loaded.get();
         editor.buffers.push_back(std::move(loaded));
+    } else if (buffer->file_trouble != 0 && !buffer->modified) {
+        load(*buffer);
     }
     editor.position(buffer);
-    std::string unsaved =
-        editor.recovery && !buffer->modified ? editor.recovery->greeting(*buffer) : "";
-    editor.set_message(unsaved.empty() ? message : unsaved);
+    if (trouble.empty() && editor.recovery && !buffer->modified) {
+        trouble = editor.recovery->greeting(*buffer);
+    }
+    editor.set_message(trouble.empty() ? message : trouble);
 }
 
 void include_file(TPUEditor& editor, Line line) {

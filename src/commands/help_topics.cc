@@ -172,8 +172,10 @@ its name, unless SET(BACKUP, OFF) says otherwise. A save that fails leaves the
 file as it was. The last line of a file gets no line end. Nothing is saved by
 itself, and nothing is asked when the editor ends.
 
-CHECK_DISK tells whether somebody else has changed the file since, and RELOAD
-reads it again when the buffer has no changes of its own.
+A file that is there but could not be read is never written over; WRITE name
+saves what was typed elsewhere. CHECK_DISK tells whether somebody else has
+changed the file since, and RELOAD reads it again when the buffer has no
+changes of its own.
 
 When the editor or the machine has died, opening the file again tells of the
 unsaved work, and RECOVER_BUFFER brings it back; work in buffers without a

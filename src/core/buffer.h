@@ -83,6 +83,9 @@ class Buffer {
     bool journal_strayed = false;  // its statements so far leave another buffer current
     std::shared_ptr<JournalMirror> journal_mirror;
     std::uint64_t file_time = 0;  // milliseconds since the epoch; 0: unknown
+    // The file as it was read or written last, or found missing. Nothing: never looked at.
+    std::optional<FileVersion> known_version;
+    int file_trouble = 0;  // the error for which the file could not be read; 0: none
     std::vector<VideoRegion> video_regions;
     std::vector<Snapshot> undo_stack;  // oldest first
     std::vector<Snapshot> redo_stack;
@@ -183,18 +186,24 @@ class Buffer {
     bool search_from_top(std::string_view text);
     bool search_round(std::string_view text);  // the one, then the other, each byte once
 
-    // store/load.cc, store/save.cc
-    // False: unreadable, text unchanged. Waiting for what a pipe has to say can be interrupted. A
-    // large file loaded in steps is there at once but shows the file itself until
-    // TextBlock::settle_some has copied all of it; then finish_loading() has to follow.
+    // store/load.cc, store/save.cc, store/known_file.cc
+    // False: unreadable, text unchanged; what is there is not written over then. Waiting for
+    // what a pipe has to say can be interrupted. A large file loaded in steps is there at once
+    // but shows the file itself until TextBlock::settle_some has copied all of it;
+    // then finish_loading() has to follow.
     bool load_file(const std::string& path, Loading how = Loading::at_once,
                    const Interrupted& interrupted = {});
     // The same for a file that need not be there yet: what to tell about one that is but
-    // cannot be read, else empty. In any case it is where the buffer is written.
+    // cannot be read, else empty. In any case the buffer has its name.
     std::string edit_file(const std::string& path, Loading how = Loading::at_once,
                           const Interrupted& interrupted = {});
     void finish_loading();
-    bool write_file(const std::string& path);                     // empty: to file_name
+    bool write_file(const std::string& path);  // empty: to file_name
+    // Why write_file never writes there; empty: it may.
+    std::string write_refusal(const std::string& path) const;
+    void note_read(const struct stat& status);
+    void note_unread(int error);
+    void note_written();
     static std::uint64_t file_mtime_ms(const std::string& path);  // 0: unknown
 };
 

@@ -5,29 +5,26 @@ namespace tpu {
 
 namespace {
 
-void report_write(TPUEditor& editor, bool written, const std::string& file) {
-    editor.set_message((written ? "Written " : "Write failed: ") + file);
+void save(TPUEditor& editor, const std::string& file) {
+    Buffer& buffer = *editor.current_buffer;
+    std::string objection = buffer.no_write ? "" : buffer.write_refusal(file);
+    if (!objection.empty()) {
+        return editor.set_message("Write failed: " + file + " (" + objection + ")");
+    }
+    editor.set_message((buffer.write_file(file) ? "Written " : "Write failed: ") + file);
 }
 
 }  // namespace
 
 void TPUEditor::save_current() {
     if (!current_buffer) return;
-    if (current_buffer->file_name.empty()) {
-        save_as(read_command_line("Write file: "));
-    } else {
-        bool written = current_buffer->write_file("");
-        report_write(*this, written, current_buffer->file_name);
-    }
+    const std::string file = current_buffer->file_name;
+    file.empty() ? save_as(read_command_line("Write file: ")) : save(*this, file);
 }
 
 void TPUEditor::save_as(const std::string& name) {
     if (!current_buffer) return;
-    if (name.empty()) {
-        set_message("No file specified");
-    } else {
-        report_write(*this, current_buffer->write_file(name), name);
-    }
+    name.empty() ? set_message("No file specified") : save(*this, name);
 }
 
 }  // namespace tpu

@@ -20,29 +20,33 @@ std::optional<LineStore> map_if_worth_it(const InputFile& file) {
 }  // namespace
 
 bool Buffer::load_file(const std::string& path, Loading how, const Interrupted& interrupted) {
+    // Where reading it again fails the text is still that of an earlier version.
+    const bool was_read = file_name == path && known_version && known_version->exists();
     file_name = path;
+    // Whatever may come in between.
+    if (!was_read) file_trouble = ENOMEM;
     std::optional<InputFile> file = InputFile::open(path, {interrupted});
     std::optional<LineStore> text;
     if (file && how == Loading::in_steps) text = map_if_worth_it(*file);
     const std::uint64_t mapped = text ? file->size() : 0;
     if (file && !text) text = read_lines(*file);
-    if (!text) return false;
+    if (!text) {
+        if (!was_read) note_unread(errno);
+        return false;
+    }
     lines = std::move(*text);
     saved_lines = lines;
     loading_size = mapped;
     cursor_row = cursor_column = view_line = 0;
     modified = false;
-    // As it was before reading: a change made meanwhile must not go unnoticed.
-    file_time = FileVersion::of(file->status()).milliseconds();
+    note_read(file->status());
     return true;
 }
 
 std::string Buffer::edit_file(const std::string& path, Loading how,
                               const Interrupted& interrupted) {
-    if (load_file(path, how, interrupted)) return {};
-    const int error = errno;
-    if (FileVersion::of(path) == FileVersion()) return {};
-    return "Cannot read " + path + ": " + reason_of(error);
+    if (load_file(path, how, interrupted) || file_trouble == 0) return {};
+    return "Cannot read " + path + ": " + reason_of(file_trouble);
 }
 
 // What was written to the file while it was mapped is in the text, as it would be
@@ -57,11 +61,6 @@ void Buffer::finish_loading() {
     for (Snapshot& snapshot : undo_stack) snapshot.lines.recount();
     for (Snapshot& snapshot : redo_stack) snapshot.lines.recount();
     clamp_cursor();
-}
-
-std::uint64_t Buffer::file_mtime_ms(const std::string& path) {
-    struct stat status;
-    return stat(path.c_str(), &status) == 0 ? FileVersion::of(status).milliseconds() : 0;
 }
 
 }  // namespace tpu

@@ -35,7 +35,7 @@ bool write_lines(int fd, const LineStore& lines) {
 bool Buffer::write_file(const std::string& path) {
     if (no_write) return false;
     std::string target = path.empty() ? file_name : path;
-    if (target.empty()) return false;
+    if (target.empty() || !write_refusal(target).empty()) return false;
     // The file may be one that a text still shows.
     while (!TextBlock::settle_some()) {
     }
@@ -44,7 +44,7 @@ bool Buffer::write_file(const std::string& path) {
     file_name = target;
     modified = false;
     saved_lines = as_loaded(lines);
-    file_time = file_mtime_ms(target);
+    note_written();
     return true;
 }
 

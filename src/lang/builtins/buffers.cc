@@ -19,7 +19,7 @@ Value get_buffer(Call& call) {
     return buffer ? Value::make_buffer(buffer) : tpu_unspecified();
 }
 
-// The file is loaded when there is one; in any case it is where the buffer is written.
+// The file is loaded when there is one; in any case the buffer has its name.
 Value create_buffer(Call& call) {
     std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
     if (name.empty()) name = "untitled";
@@ -54,6 +54,7 @@ bool write_range(const Range& range, const std::string& name) {
 void write_file(Call& call) {
     const Value& what = call.args.value(0);
     std::string name = call.args.count() > 1 ? call.args.text(1) : std::string();
+    std::string refusal;
     bool written = false;
     if (what.is(Type::range) && buffer_of(what)) {
         if (name.empty()) name = "tpu_range_out.txt";
@@ -65,9 +66,11 @@ void write_file(Call& call) {
             return;
         }
         if (name.empty()) name = buffer->file_name;
+        refusal = buffer->write_refusal(name);
         written = buffer->write_file(name);
     }
-    call.editor.set_message(written ? "Wrote " + name : "Write failed");
+    if (!refusal.empty()) refusal = ": " + name + " (" + refusal + ")";
+    call.editor.set_message(written ? "Wrote " + name : "Write failed" + refusal);
 }
 
 // After this no variable refers to the object that the value shares.

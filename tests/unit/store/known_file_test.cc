@@ -18,6 +18,76 @@ struct KnownFiles : testing::Test {
     TempFolder folder;
 };
 
+// The ways to save the current buffer to its own file.
+std::vector<std::string> saving_doors(const std::string& file) {
+    std::vector<std::string> doors = {"<CTRL_S>", "<GOLD>W"};
+    for (const std::string& line :
+         {std::string("WRITE"), "SAVE " + file, std::string("SAVE FILE"), "WRITE FILE " + file,
+          std::string("WRITE_FILE"), "WRITE_FILE(CURRENT_BUFFER, \"" + file + "\")"}) {
+        doors.push_back("<CTRL_Z>" + line + "<RETURN>");
+    }
+    return doors;
+}
+
+int error_of_reading = 0;
+
+int fail_to_read(sys::Call call) {
+    return call == (error_of_reading == EIO ? sys::Call::read : sys::Call::open) ? error_of_reading
+                                                                                 : 0;
+}
+
+TEST_F(KnownFiles, never_write_over_a_file_that_could_not_be_read) {
+    const std::string file = folder.write("file", "what is there"), other = folder.path("other");
+    for (int error : {EACCES, EIO}) {
+        Session s;
+        error_of_reading = error;
+        sys::set_fault(fail_to_read);
+        const std::string reason = std::string(": ") + std::strerror(error);
+        EXPECT_EQ(s.buffer->edit_file(file), "Cannot read " + file + reason);
+        sys::set_fault(nullptr);
+        s.press("typed");
+        for (const std::string& keys : saving_doors(file)) {
+            s.press(keys);
+            EXPECT_EQ(s.editor.message,
+                      "Write failed: " + file + " (it could not be read" + reason + ")");
+            EXPECT_EQ(s.buffer->file_name, file);
+            EXPECT_TRUE(s.buffer->modified);
+        }
+        EXPECT_EQ(folder.read("file"), "what is there");
+        EXPECT_EQ(folder.files(), std::set<std::string>{"file"});
+        s.editor.save_as(other);
+        s.press("<CTRL_S>");
+        EXPECT_EQ(s.editor.message, "Written " + other);
+        std::filesystem::remove(other);
+        std::filesystem::remove(other + ".bak");
+    }
+}
+
+TEST_F(KnownFiles, save_again_to_a_name_that_can_be_read_or_is_free_by_now) {
+    const std::string file = folder.path("name");
+    std::filesystem::create_directory(file);
+    Session s;
+    auto run = [&](const std::string& line) {
+        s.editor.execute_command(line);
+        return s.editor.message;
+    };
+    EXPECT_EQ(s.buffer->edit_file(file), "Cannot read " + file + ": Is a directory");
+    EXPECT_EQ(run("GET " + file), "Cannot read " + file + ": Is a directory");
+    std::filesystem::remove(file);
+    folder.write("name", "text");
+    EXPECT_EQ(run("GET " + file), "Got file " + file);
+    EXPECT_EQ(s.lines(), std::vector<std::string>{"text"});
+    EXPECT_EQ(run("WRITE"), "Written " + file);
+    // The text is still that of the file when reading it once more fails.
+    error_of_reading = EIO;
+    sys::set_fault(fail_to_read);
+    EXPECT_EQ(run("RELOAD"), "Reload failed");
+    sys::set_fault(nullptr);
+    EXPECT_EQ(run("WRITE"), "Written " + file);
+    ASSERT_FALSE(s.buffer->load_file(folder.path("none")));
+    EXPECT_EQ(run("WRITE"), "Written " + folder.path("none"));
+}
+
 TEST_F(KnownFiles, wait_for_a_pipe_only_until_ctrl_c) {
     const std::string pipe = folder.path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);

@@ -1,0 +1,44 @@
+// What a buffer knows of its file, so that no save destroys what was never read.
+#include <cerrno>
+
+#include "core/buffer.h"
+#include "store/file_names.h"
+#include "store/input_file.h"
+
+namespace tpu {
+
+std::uint64_t Buffer::file_mtime_ms(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 ? FileVersion::of(status).milliseconds() : 0;
+}
+
+// The status is from before reading: a change made meanwhile must not go unnoticed.
+void Buffer::note_read(const struct stat& status) {
+    file_trouble = 0;
+    file_time = FileVersion::of(status).milliseconds();
+    known_version.reset();
+    if (S_ISREG(status.st_mode)) known_version = FileVersion::of(status);
+}
+
+void Buffer::note_unread(int error) {
+    known_version = FileVersion::of(file_name);
+    const bool is_missing = error == ENOENT && known_version == FileVersion();
+    file_trouble = is_missing ? 0 : error;
+    if (!is_missing) known_version.reset();
+}
+
+void Buffer::note_written() {
+    file_trouble = 0;
+    file_time = file_mtime_ms(file_name);
+    known_version = FileVersion::of(file_name);
+}
+
+std::string Buffer::write_refusal(const std::string& path) const {
+    if (file_trouble == 0) return {};
+    const std::string& target = path.empty() ? file_name : path;
+    // It may have gone meanwhile.
+    if (FileVersion::of(target) == FileVersion() || !is_same_file(target, file_name)) return {};
+    return "it could not be read: " + reason_of(file_trouble);
+}
+
+}  // namespace tpu
