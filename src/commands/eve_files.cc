@@ -48,6 +48,7 @@ void get_file(TPUEditor& editor, Line line) {
         load(*buffer);
     }
     editor.position(buffer);
+    buffer->refused_save.reset();
     if (trouble.empty() && editor.recovery && !buffer->modified) {
         trouble = editor.recovery->greeting(*buffer);
     }

@@ -173,9 +173,11 @@ file as it was. The last line of a file gets no line end. Nothing is saved by
 itself, and nothing is asked when the editor ends.
 
 A file that is there but could not be read is never written over; WRITE name
-saves what was typed elsewhere. CHECK_DISK tells whether somebody else has
-changed the file since, and RELOAD reads it again when the buffer has no
-changes of its own.
+saves what was typed elsewhere. When somebody else has written the file since
+it was read, the first attempt to save says so, and the same attempt once more
+writes over it; their text is kept with .bak then. CHECK_DISK tells whether
+the file has changed, and RELOAD reads it again when the buffer has no changes
+of its own.
 
 When the editor or the machine has died, opening the file again tells of the
 unsaved work, and RECOVER_BUFFER brings it back; work in buffers without a

@@ -44,6 +44,11 @@ class Buffer {
         Range range;
         Attr attr = Attr::none;
     };
+    // A save that was not done, since somebody else has written the file.
+    struct RefusedSave {
+        FileVersion version;  // theirs
+        LineStore lines;      // ours
+    };
     enum class Case { upper = 0, lower = 1, invert = 2 };
     static constexpr std::uint64_t kTabInterval = 8;
     enum class Loading { at_once, in_steps };
@@ -86,6 +91,7 @@ class Buffer {
     // The file as it was read or written last, or found missing. Nothing: never looked at.
     std::optional<FileVersion> known_version;
     int file_trouble = 0;  // the error for which the file could not be read; 0: none
+    std::optional<RefusedSave> refused_save;  // the last attempt, if that was one
     std::vector<VideoRegion> video_regions;
     std::vector<Snapshot> undo_stack;  // oldest first
     std::vector<Snapshot> redo_stack;
@@ -201,6 +207,9 @@ class Buffer {
     bool write_file(const std::string& path);  // empty: to file_name
     // Why write_file never writes there; empty: it may.
     std::string write_refusal(const std::string& path) const;
+    // Why a person should think twice before it does: somebody else has written the file since
+    // it was read. Not asked about again when the very next save would do the same. Empty: go on.
+    std::string doubt_about_saving(const std::string& path);
     void note_read(const struct stat& status);
     void note_unread(int error);
     void note_written();

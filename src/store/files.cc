@@ -8,6 +8,7 @@ namespace {
 void save(TPUEditor& editor, const std::string& file) {
     Buffer& buffer = *editor.current_buffer;
     std::string objection = buffer.no_write ? "" : buffer.write_refusal(file);
+    if (objection.empty() && !buffer.no_write) objection = buffer.doubt_about_saving(file);
     if (!objection.empty()) {
         return editor.set_message("Write failed: " + file + " (" + objection + ")");
     }

@@ -1,4 +1,4 @@
-// What a buffer knows of its file, so that no save destroys what was never read.
+// What a buffer knows of its file, so that no save destroys what it never held.
 #include <cerrno>
 
 #include "core/buffer.h"
@@ -31,6 +31,7 @@ void Buffer::note_written() {
     file_trouble = 0;
     file_time = file_mtime_ms(file_name);
     known_version = FileVersion::of(file_name);
+    refused_save.reset();
 }
 
 std::string Buffer::write_refusal(const std::string& path) const {
@@ -39,6 +40,19 @@ std::string Buffer::write_refusal(const std::string& path) const {
     // It may have gone meanwhile.
     if (FileVersion::of(target) == FileVersion() || !is_same_file(target, file_name)) return {};
     return "it could not be read: " + reason_of(file_trouble);
+}
+
+std::string Buffer::doubt_about_saving(const std::string& path) {
+    const std::string& target = path.empty() ? file_name : path;
+    const std::optional<FileVersion> now = FileVersion::of(target);
+    if (!known_version || !now || !now->exists() || now == known_version) return {};
+    if (!is_same_file(target, file_name)) return {};
+    const bool is_told =
+        refused_save && refused_save->version == *now && refused_save->lines.is_same_version(lines);
+    if (is_told) return {};
+    refused_save = {*now, lines};
+    return std::string(known_version->exists() ? "changed" : "new") +
+           " on disk; save again to overwrite";
 }
 
 }  // namespace tpu

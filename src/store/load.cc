@@ -23,6 +23,7 @@ bool Buffer::load_file(const std::string& path, Loading how, const Interrupted& 
     // Where reading it again fails the text is still that of an earlier version.
     const bool was_read = file_name == path && known_version && known_version->exists();
     file_name = path;
+    refused_save.reset();
     // Whatever may come in between.
     if (!was_read) file_trouble = ENOMEM;
     std::optional<InputFile> file = InputFile::open(path, {interrupted});

@@ -40,7 +40,12 @@ bool Buffer::write_file(const std::string& path) {
     while (!TextBlock::settle_some()) {
     }
     auto write = [this](int fd) { return write_lines(fd, lines); };
-    if (!write_safely(target, backup_on_write, write)) return false;
+    const bool is_as_known = target == file_name && FileVersion::of(target) == known_version;
+    if (!write_safely(target, backup_on_write, write)) {
+        // What a failed attempt has left is no change that somebody else has made.
+        if (is_as_known) known_version = FileVersion::of(target);
+        return false;
+    }
     file_name = target;
     modified = false;
     saved_lines = as_loaded(lines);

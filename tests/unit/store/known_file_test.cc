@@ -88,6 +88,49 @@ TEST_F(KnownFiles, save_again_to_a_name_that_can_be_read_or_is_free_by_now) {
     EXPECT_EQ(run("WRITE"), "Written " + folder.path("none"));
 }
 
+TEST_F(KnownFiles, save_over_what_somebody_else_has_written_only_when_asked_again) {
+    const std::string file = folder.write("file", "ours\n"), fresh = folder.path("fresh");
+    struct Case {
+        std::string name, doubt;
+    };
+    for (const Case& c : {Case{file, "changed"}, Case{fresh, "new"}}) {
+        Session s;
+        const std::string refused =
+            "Write failed: " + c.name + " (" + c.doubt + " on disk; save again to overwrite)";
+        auto theirs = [&](const std::string& text) {
+            std::ofstream(c.name, std::ios::binary) << text;
+        };
+        auto save = [&](const std::string& keys) {
+            s.press(keys);
+            return s.editor.message;
+        };
+        ASSERT_EQ(s.buffer->edit_file(c.name), "");
+        s.press("typed ");
+        theirs("theirs");
+        EXPECT_EQ(save("<CTRL_S>"), refused);
+        s.press("more ");  // no save in a row
+        EXPECT_EQ(save("<GOLD>W"), refused);
+        theirs("theirs again");
+        EXPECT_EQ(save("<CTRL_S>"), refused);
+        EXPECT_EQ(save("<CTRL_Z>GET " + c.name + "<RETURN>"), "Got file " + c.name);
+        EXPECT_EQ(save("<CTRL_Z>WRITE " + c.name + "<RETURN>"), refused);
+        EXPECT_EQ(status_of(c.name).st_size, 12);
+        EXPECT_EQ(save("<CTRL_S>"), "Written " + c.name);
+        std::string bak = std::filesystem::path(c.name).filename().string() + ".bak";
+        EXPECT_EQ(folder.read(bak), "theirs again");
+        // What we have written ourselves is no news, nor is a file that has gone, and a
+        // program knows what it does.
+        EXPECT_EQ(save("x<CTRL_S>"), "Written " + c.name);
+        std::filesystem::remove(c.name);
+        EXPECT_EQ(save("<CTRL_S>"), "Written " + c.name);
+        theirs("theirs once more");
+        EXPECT_EQ(save("<CTRL_Z>WRITE_FILE<RETURN>"), "Wrote " + c.name);
+        // A file of another name is not ours to compare.
+        EXPECT_EQ(save("<CTRL_Z>WRITE " + folder.write("third", "x") + "<RETURN>"),
+                  "Written " + folder.path("third"));
+    }
+}
+
 TEST_F(KnownFiles, wait_for_a_pipe_only_until_ctrl_c) {
     const std::string pipe = folder.path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
