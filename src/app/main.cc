@@ -38,18 +38,19 @@ std::string variable(const char* name) {
 }
 
 // In the folder for the state of programs, unless that is switched off.
-std::string recovery_folder() {
+std::string state_file(const std::string& file) {
     if (variable("TPU_RECOVERY") == "off") return {};
     std::string state = variable("XDG_STATE_HOME"), home = variable("HOME");
     if (!state.starts_with('/')) state = home.starts_with('/') ? home + "/.local/state" : "";
-    return state.empty() ? state : state + "/tpu/recovery";
+    return state.empty() ? state : state + "/tpu/" + file;
 }
 
 tpu::StartFiles start_files() {
     tpu::StartFiles files;
     files.source = variable("TPU_STARTUP");
     if (const char* home = std::getenv("HOME")) files.home = home;
-    files.recovery_folder = recovery_folder();
+    files.recovery_folder = state_file("recovery");
+    files.open_files = state_file("open-files");
     return files;
 }
 

@@ -6,6 +6,7 @@
 #include "editor/editor.h"
 #include "editor/glyphs.h"
 #include "editor/recovery.h"
+#include "store/open_files.h"
 #include "store/read_file.h"
 #include "store/section.h"
 #include "store/trust.h"
@@ -83,12 +84,12 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     if (!fault.empty()) complain(ports.terminal, printable(fault, charset));
     const std::string not_run = run_start_files(editor, options, files);
     editor.recovery = std::make_unique<Recovery>(editor, files.recovery_folder);
+    editor.open_files = std::make_unique<OpenFiles>(files.open_files);
     editor.set_message(kGreeting);
     // Faults in start-up files are not to go by unseen.
     if (!editor.parser.error_list.empty()) editor.set_message(editor.parser.error_list.front());
     if (trouble.empty()) trouble = not_run;
-    if (trouble.empty()) trouble = editor.recovery->greeting(*main);
-    if (!trouble.empty()) editor.set_message(trouble);
+    editor.tell_of_file(*main, trouble);
     editor.run();
     return editor.exit_status;
 }

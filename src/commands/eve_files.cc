@@ -3,7 +3,6 @@
 
 #include "commands/command_words.h"
 #include "editor/editor.h"
-#include "editor/recovery.h"
 #include "store/file_names.h"
 
 namespace tpu::commands {
@@ -49,10 +48,8 @@ void get_file(TPUEditor& editor, Line line) {
     }
     editor.position(buffer);
     buffer->refused_save.reset();
-    if (trouble.empty() && editor.recovery && !buffer->modified) {
-        trouble = editor.recovery->greeting(*buffer);
-    }
-    editor.set_message(trouble.empty() ? message : trouble);
+    editor.set_message(message);
+    if (!buffer->modified) editor.tell_of_file(*buffer, trouble);
 }
 
 void include_file(TPUEditor& editor, Line line) {

@@ -177,7 +177,7 @@ saves what was typed elsewhere. When somebody else has written the file since
 it was read, the first attempt to save says so, and the same attempt once more
 writes over it; their text is kept with .bak then. CHECK_DISK tells whether
 the file has changed, and RELOAD reads it again when the buffer has no changes
-of its own.
+of its own. Opening a file that another session has open says so.
 
 When the editor or the machine has died, opening the file again tells of the
 unsaved work, and RECOVER_BUFFER brings it back; work in buffers without a

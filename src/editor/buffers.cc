@@ -2,7 +2,9 @@
 #include <algorithm>
 
 #include "editor/editor.h"
+#include "editor/recovery.h"
 #include "editor/undo_step.h"
+#include "store/open_files.h"
 
 namespace tpu {
 
@@ -23,6 +25,16 @@ Buffer* TPUEditor::find_buffer(const std::string& name) {
 bool TPUEditor::owns(const Buffer* buffer) const {
     return std::any_of(buffers.begin(), buffers.end(),
                        [&](const auto& owned) { return owned.get() == buffer; });
+}
+
+// What comes last stays on the message line.
+void TPUEditor::tell_of_file(const Buffer& buffer, const std::string& trouble) {
+    auto tell = [&](const std::string& news) {
+        if (!news.empty()) set_message(news);
+    };
+    if (open_files) tell(open_files->news(buffer.file_name));
+    if (recovery) tell(recovery->greeting(buffer));
+    tell(trouble);
 }
 
 void TPUEditor::position(Buffer* buffer) {

@@ -2,6 +2,7 @@
 
 #include "editor/recovery.h"
 #include "proc/process.h"
+#include "store/open_files.h"
 
 namespace tpu {
 

@@ -24,6 +24,7 @@
 
 namespace tpu {
 
+class OpenFiles;
 class Recovery;
 class TPUProcess;
 class UndoStep;
@@ -88,6 +89,7 @@ class TPUEditor {
     bool in_set_message = false;
     std::uint64_t message_buffer_limit = 1000;  // lines; 0: no limit
     std::unique_ptr<Recovery> recovery;         // null: unsaved work is not kept
+    std::unique_ptr<OpenFiles> open_files;      // null: nobody is told which files are open
     UndoStep* undo_step = nullptr;              // the outermost one under way
     FileSearch file_search;
     bool search_succeeded = false;         // the last SEARCH
@@ -103,6 +105,9 @@ class TPUEditor {
     Buffer* create_buffer(const std::string& name, const std::string& file);
     Buffer* find_buffer(const std::string& name);  // null: none of that exact name
     bool owns(const Buffer* buffer) const;
+    // Tells what a person has to know of the file that a buffer was just given: `trouble` with
+    // reading it, unsaved work, or that another session has it open.
+    void tell_of_file(const Buffer& buffer, const std::string& trouble = {});
     void position(Buffer* buffer);  // makes it current; null is ignored
     void next_buffer();
     void previous_buffer();

@@ -5,6 +5,7 @@
 #include "editor/journal_mirror.h"
 #include "editor/recovery.h"
 #include "lang/nesting.h"
+#include "store/open_files.h"
 
 namespace tpu {
 
@@ -20,6 +21,7 @@ int serve(TPUEditor& editor) {
     if (!editor.processes.empty()) limit(kServiceInterval);
     if (editor.timer_interval >= 1) limit(std::min(editor.timer_interval, kServiceInterval));
     if (flush_journals(editor, false)) limit(kServiceInterval);
+    if (editor.open_files) editor.open_files->follow(editor.buffers);
     if (editor.recovery) {
         std::chrono::milliseconds next = editor.recovery->serve();
         if (next.count() >= 0) limit(static_cast<int>(next.count()));

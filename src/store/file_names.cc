@@ -18,4 +18,12 @@ bool is_same_file(const std::string& a, const std::string& b) {
            std::filesystem::absolute(b, error).lexically_normal();
 }
 
+std::string canonical_name(const std::string& path) {
+    std::error_code error;
+    // A bare name of a file that is still to be made would be canonical as it is.
+    const std::filesystem::path whole = std::filesystem::absolute(path, error);
+    const std::filesystem::path name = std::filesystem::weakly_canonical(whole, error);
+    return (error ? whole : name).string();
+}
+
 }  // namespace tpu

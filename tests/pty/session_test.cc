@@ -6,6 +6,7 @@
 #include <string>
 
 #include "pty/pty_session.h"
+#include "unit/store/temp_folder.h"
 
 namespace tpu {
 namespace {
@@ -32,6 +33,27 @@ TEST_F(SessionBuiltins, a_window_made_from_source_shows_its_buffer) {
     command("DELETE(b)");
     EXPECT_TRUE(tty.shows(10, "one")) << tty.screen();
     EXPECT_TRUE(tty.shows(23, "Deleted buffer notes"));
+}
+
+TEST_F(SessionBuiltins, a_second_session_on_a_file_is_told_while_the_first_one_lives) {
+    TempFolder folder;
+    const std::string file = folder.write("shared", "text");
+    auto open_in = [&](PtySession& session) {
+        session.environment["XDG_STATE_HOME"] = folder.path("state");
+        session.start({file});
+        ASSERT_TRUE(session.shows("INSERT")) << session.screen() << session.errors();
+    };
+    PtySession second, third;
+    open_in(tty);
+    EXPECT_TRUE(tty.shows("Ctrl-Z command")) << tty.screen();
+    open_in(second);
+    EXPECT_TRUE(second.shows("shared is open in")) << second.screen();
+    for (PtySession* session : {&tty, &second}) {
+        session->send_signal(SIGKILL);
+        session->exit_status();
+    }
+    open_in(third);
+    EXPECT_TRUE(third.shows("Ctrl-Z command")) << third.screen();
 }
 
 TEST_F(SessionBuiltins, a_timer_runs_its_statement_between_keys) {

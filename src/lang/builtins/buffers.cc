@@ -3,7 +3,6 @@
 
 #include "core/array.h"
 #include "editor/editor.h"
-#include "editor/recovery.h"
 #include "lang/builtins/common.h"
 #include "lang/builtins/families.h"
 #include "proc/process.h"
@@ -26,10 +25,9 @@ Value create_buffer(Call& call) {
     if (Buffer* buffer = call.editor.find_buffer(name)) return Value::make_buffer(buffer);
     Buffer* buffer = call.editor.create_buffer(name, "");
     if (call.args.count() > 1) {
-        std::string news = buffer->edit_file(call.args.text(1), Buffer::Loading::at_once,
-                                             call.editor.interrupted());
-        if (news.empty() && call.editor.recovery) news = call.editor.recovery->greeting(*buffer);
-        if (!news.empty()) call.editor.set_message(news);
+        std::string trouble = buffer->edit_file(call.args.text(1), Buffer::Loading::at_once,
+                                                call.editor.interrupted());
+        call.editor.tell_of_file(*buffer, trouble);
     }
     return Value::make_buffer(buffer);
 }
