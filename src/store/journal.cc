@@ -94,6 +94,10 @@ bool continue_binary(JournalReader& reader, int fd, std::string& note) {
     while (reader.next(statement)) {
     }
     if (reader.end() == JournalReader::End::of_file) return true;
+    if (reader.end() == JournalReader::End::unknown_version) {
+        note = kUnknownJournalVersion;
+        return false;
+    }
     std::string place = " at byte " + std::to_string(reader.record_start());
     if (reader.end() != JournalReader::End::cut_short) {
         note = "The journal is damaged" + place;

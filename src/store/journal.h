@@ -26,6 +26,8 @@ class MiniTPUParser;
 inline constexpr std::string_view kJournalMagic = "TPJB";
 inline constexpr std::uint32_t kJournalVersion = 1;
 inline constexpr std::size_t kJournalHeader = kJournalMagic.size() + sizeof kJournalVersion;
+inline constexpr std::string_view kUnknownJournalVersion =
+    "the journal is of a version that this program does not know";
 inline constexpr std::uint32_t kLongestRecord = 1u << 24;  // bytes that a replay takes
 
 // Begins a binary journal in an open file. False when it cannot be written.
@@ -46,8 +48,10 @@ void tpu_journal_close(Buffer& buffer);
 
 // Runs all that was in a journal when it was opened, one statement after the other, and
 // shows how many there were and where it stopped. None of it is recorded again. A
-// journal that comes to replay itself does nothing. False: it cannot be opened.
-bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path);
+// journal that comes to replay itself does nothing. False, and nothing has changed: it
+// cannot be opened, or for a reason that is put into `trouble`.
+bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path,
+                         std::string* trouble = nullptr);
 
 // The same for a file that the user has not named: unsaved work. Nothing of it runs if the
 // file is not the user's own, or if it holds more than statements that change the text and

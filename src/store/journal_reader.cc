@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kPiece = std::size_t{64} << 10;
 
-std::uint32_t read_number(const std::string& bytes) {
+std::uint32_t read_number(std::string_view bytes) {
     std::uint32_t number = 0;
     for (std::size_t i = bytes.size(); i-- > 0;) {
         number = number << 8 | static_cast<unsigned char>(bytes[i]);
@@ -33,6 +33,10 @@ JournalReader::JournalReader(Descriptor file) : file_(std::move(file)), piece_(k
     std::string_view begin(piece_.data(), piece_end_);
     binary_ = begin.starts_with(kJournalMagic);
     if (!binary_) return;
+    // Records of another version would be read as garbage.
+    std::string_view version = begin.substr(kJournalMagic.size(), sizeof kJournalVersion);
+    bool is_whole = version.size() == sizeof kJournalVersion;
+    if (is_whole && read_number(version) != kJournalVersion) end_ = End::unknown_version;
     // A torn header has no records behind it.
     at_ = std::min<std::uint64_t>(size_, kJournalHeader);
     piece_at_ = std::min(piece_end_, kJournalHeader);

@@ -13,7 +13,7 @@ namespace tpu {
 // size. Whatever the file holds, reading ends.
 class JournalReader {
   public:
-    enum class End { none, of_file, cut_short, zero_length, too_long, unreadable };
+    enum class End { none, of_file, cut_short, zero_length, too_long, unreadable, unknown_version };
 
     explicit JournalReader(Descriptor file);
 

@@ -89,6 +89,7 @@ class Replay {
             case JournalReader::End::cut_short: return "the record at " + byte + " is cut short";
             case JournalReader::End::zero_length: return "the record at " + byte + " is empty";
             case JournalReader::End::too_long: return "the record at " + byte + " is too long";
+            case JournalReader::End::unknown_version: return std::string(kUnknownJournalVersion);
             case JournalReader::End::unreadable: break;
         }
         return "the journal cannot be read from " + byte + " on";
@@ -101,8 +102,8 @@ class Replay {
     std::uint64_t count_ = 0;
 };
 
-// Runs all of it; false when that ended early.
-bool replay(MiniTPUParser& run, Descriptor file) {
+// How it ended.
+JournalReader::End replay(MiniTPUParser& run, Descriptor file) {
     Nesting nesting(run);
     JournalReader reader(std::move(file));
     Replay replay(run, reader);
@@ -115,7 +116,7 @@ bool replay(MiniTPUParser& run, Descriptor file) {
         replay.run_all();
     }
     replay.report();
-    return reader.end() == JournalReader::End::of_file;
+    return reader.end();
 }
 
 // What records of unsaved work consist of besides numbers and strings.
@@ -190,10 +191,11 @@ Replayed tpu_journal_bring_back(MiniTPUParser& parser, const std::string& path) 
     if (!file || !distrust_of_file(file.get()).empty() || !only_edits(file.get())) {
         return Replayed::nothing;
     }
-    return replay(parser, std::move(file)) ? Replayed::all : Replayed::part;
+    bool whole = replay(parser, std::move(file)) == JournalReader::End::of_file;
+    return whole ? Replayed::all : Replayed::part;
 }
 
-bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path) {
+bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path, std::string* trouble) {
     constexpr std::size_t kDeepest = 100;
     Descriptor file = open_file(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     struct stat status;
@@ -205,9 +207,10 @@ bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path) {
         return true;
     }
     open.push_back(id);
-    replay(parser, std::move(file));
+    bool known = replay(parser, std::move(file)) != JournalReader::End::unknown_version;
     open.pop_back();
-    return true;
+    if (!known && trouble) *trouble = path + ": " + std::string(kUnknownJournalVersion);
+    return known;
 }
 
 }  // namespace tpu

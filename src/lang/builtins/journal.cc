@@ -66,7 +66,9 @@ void recover_buffer(Call& call) {
     if (!distrust.empty()) {
         return call.editor.set_message("RECOVER_BUFFER: cannot open " + name + ": " + distrust);
     }
-    bool opened = tpu_journal_recover(call.parser, name);
+    std::string trouble;
+    bool opened = tpu_journal_recover(call.parser, name, &trouble);
+    if (!trouble.empty()) return call.editor.set_message("RECOVER_BUFFER: " + trouble);
     call.editor.set_message((opened ? "RECOVER_BUFFER replayed " : "RECOVER_BUFFER: cannot open ") +
                             name);
 }

@@ -182,6 +182,11 @@ TEST_F(Journals, are_replayed_up_to_what_is_wrong_with_them) {
          {folder.path("none"), folder.path(""), std::string("/dev/null")}) {
         EXPECT_EQ(s.recover(bad)[1], "RECOVER_BUFFER: cannot open " + bad);
     }
+    folder.write("j", std::string("TPJB\2\0\0\0", 8) + good);
+    EXPECT_EQ(s.recover(path)[1],
+              "RECOVER_BUFFER: " + path +
+                  ": the journal is of a version that this program does not know");
+    EXPECT_EQ(s.lines(), Lines{""});
 }
 
 TEST_F(Journals, cannot_feed_themselves) {
@@ -211,6 +216,7 @@ TEST_F(Journals, are_continued_but_never_harmed) {
         {"BINARY", kHeader.substr(0, 6), kHeader + more},
         {"BINARY", kHeader + record("") + good, ""},
         {"BINARY", "a letter to somebody", ""},
+        {"BINARY", std::string("TPJB\0\0\0\1", 8) + good, ""},
         {"TEXT", kHeader + good, ""},
         {"TEXT", "x := 1\ny :=", "x := 1\ny :=\nCOPY_TEXT(\"z\")\n"},
         {"TEXT", "x := 1\n", "x := 1\nCOPY_TEXT(\"z\")\n"},
