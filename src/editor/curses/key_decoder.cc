@@ -48,20 +48,54 @@ KeyDecoder::KeyDecoder(std::vector<KeySequence> table) : table_(std::move(table)
     for (const KeySequence& key : table_) first_bytes_.set(byte_at(key.bytes, 0));
 }
 
-void KeyDecoder::feed(std::string_view bytes) {
+void KeyDecoder::feed(std::string_view bytes, bool doubtful) {
+    constexpr std::size_t kNone = std::string::npos;
     if (head_ > input_.size() / 2) {
         input_.erase(0, head_);
         scanned_ -= std::min(scanned_, head_);
+        if (doubtful_ != kNone) doubtful_ -= head_;
         head_ = 0;
+    }
+    if (!doubtful) {
+        doubtful_ = kNone;
+    } else if (doubtful_ == kNone) {
+        doubtful_ = input_.size();
     }
     input_ += bytes;
 }
 
 bool KeyDecoder::drop_through(char byte) {
-    std::size_t place = pasting_ ? std::string::npos : input_.find(byte, head_);
-    if (place == std::string::npos) return false;
-    head_ = place + 1;
-    return true;
+    constexpr std::size_t kNone = std::string::npos;
+    std::size_t place = head_;
+    for (bool pasted = pasting_; place != kNone; pasted = !pasted) {
+        std::size_t mark = input_.find(pasted ? kPasteEnd : kPasteStart, place);
+        std::size_t found = pasted ? kNone : input_.find(byte, place);
+        if (found < mark) {
+            head_ = found + 1;
+            pasting_ = false;
+            doubtful_ = kNone;
+            return true;
+        }
+        place = mark;
+    }
+    return false;
+}
+
+bool KeyDecoder::paste_is_open() const {
+    // No mark before head_ is looked at: that one was decoded.
+    std::size_t start = std::string_view(input_).substr(head_).rfind(kPasteStart);
+    std::size_t from = start == std::string::npos ? head_ : head_ + start;
+    return (pasting_ || start != std::string::npos) &&
+           input_.find(kPasteEnd, from) == std::string::npos;
+}
+
+// The end that has not come is put in.
+void KeyDecoder::end_paste() {
+    if (!paste_is_open()) return;
+    std::size_t end = std::min(doubtful_, input_.size());
+    input_.insert(end, kPasteEnd);
+    scanned_ = std::min(scanned_, end);
+    doubtful_ = std::string::npos;
 }
 
 int KeyDecoder::next() {
@@ -93,22 +127,24 @@ int KeyDecoder::decode(bool now) {
             return match.code;
         }
     }
-    return decode_paste(now);
+    int key = decode_paste();
+    if (key != kIncompleteKey || !now) return key;
+    end_paste();
+    return decode_paste();
 }
 
-int KeyDecoder::decode_paste(bool now) {
+int KeyDecoder::decode_paste() {
     std::size_t end = input_.find(kPasteEnd, scanned_);
-    bool found = end != std::string::npos;
-    if (!found && !now) {
+    if (end == std::string::npos) {
         // The mark may have come in part.
         std::size_t part = kPasteEnd.size() - 1;
         if (input_.size() - scanned_ > part) scanned_ = input_.size() - part;
         return kIncompleteKey;
     }
-    if (!found) end = input_.size();
     paste_ = with_line_feeds(std::string_view(input_).substr(head_, end - head_));
-    head_ = found ? end + kPasteEnd.size() : end;
+    head_ = end + kPasteEnd.size();
     pasting_ = false;
+    doubtful_ = std::string::npos;
     return kKeyPaste;
 }
 

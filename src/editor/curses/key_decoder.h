@@ -27,20 +27,27 @@ class KeyDecoder {
     // Of two equal sequences the earlier one counts.
     explicit KeyDecoder(std::vector<KeySequence> table = {});
 
-    void feed(std::string_view bytes);
+    // `doubtful`: while a paste is open, these bytes and those behind them may be keys
+    // and the paste may have lost its end, unless that comes or what follows is not doubtful.
+    void feed(std::string_view bytes, bool doubtful = false);
 
     // The next key code; kNoKey when all bytes are used up, kIncompleteKey when the
     // rest may be the start of something longer.
     int next();
     // As next(), but nothing more will come: a sequence that was cut short counts
-    // as the single keys it is made of, a paste ends here.
+    // as the single keys it is made of, an open paste ends as by end_paste().
     int next_now();
 
-    // Drops the unread bytes up to a byte and it itself. False, and nothing is dropped,
-    // when it is not there or what is being read is a paste.
+    // Drops the unread bytes up to a byte that is not pasted, and it itself. False, and
+    // nothing is dropped, when there is none.
     bool drop_through(char byte);
 
-    // True between the two marks around pasted text.
+    // True when the end of a paste has not come yet.
+    bool paste_is_open() const;
+    // Ends the open paste where what is doubtful begins, or else here.
+    void end_paste();
+
+    // True between the two marks around pasted text that is being decoded.
     bool pasting() const { return pasting_; }
     // The text of the last kKeyPaste, with line feeds for line ends; once.
     std::string take_paste();
@@ -55,7 +62,7 @@ class KeyDecoder {
     };
 
     int decode(bool now);
-    int decode_paste(bool now);
+    int decode_paste();
     Match recognise(std::string_view bytes);
     Match look_up(std::string_view bytes) const;
     Match control_sequence(std::string_view bytes);
@@ -67,6 +74,7 @@ class KeyDecoder {
     std::string input_;
     std::size_t head_ = 0;     // where the unread bytes of input_ begin
     std::size_t scanned_ = 0;  // no end of paste begins before it
+    std::size_t doubtful_ = std::string::npos;
     bool pasting_ = false;
     std::string paste_;
     std::optional<MouseEvent> mouse_;

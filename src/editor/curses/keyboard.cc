@@ -14,7 +14,12 @@ namespace {
 
 constexpr int kSequencePatience = 25;  // milliseconds between the bytes of one key
 constexpr int kPastePatience = 2000;   // milliseconds between the pieces of one paste
+constexpr int kPause = 200;            // after which a few bytes may be keys, and not of a paste
+constexpr std::size_t kLongestKey = 16;
 constexpr std::size_t kReadSize = 65536;
+constexpr char kInterrupt = 3;
+// Reads that end, since keys may come as fast as they are read.
+constexpr int kMostReads = 16;
 
 volatile sig_atomic_t size_changed = 0;
 
@@ -94,10 +99,8 @@ bool Keyboard::key_waiting() {
 }
 
 bool Keyboard::interrupt_waiting() {
-    constexpr int kInterrupt = 3;
     if (ahead_ == kInterrupt) return ahead_ = kNoKey, true;
-    // Bounded, since keys may come as fast as they are read.
-    for (int i = 0; i < 16 && wait_for_input(0); ++i) read_input();
+    for (int i = 0; i < kMostReads && !hung_up_ && wait_for_input(0); ++i) read_input();
     if (!decoder_.drop_through(kInterrupt)) return false;
     ahead_ = kNoKey;
     return true;
@@ -126,12 +129,12 @@ bool Keyboard::fill(int wait_ms, const Awaited& others) {
 }
 
 // True when there is input for us; the wait also ends when one of the others is ready.
-// The signal is let in during the wait only, so that none is missed before it.
+// Signals are let in during the wait only, so that none is missed before it.
 bool Keyboard::wait_for_input(int wait_ms, const Awaited& others) {
-    sigset_t size_change, before;
-    sigemptyset(&size_change);
-    sigaddset(&size_change, SIGWINCH);
-    sigprocmask(SIG_BLOCK, &size_change, &before);
+    sigset_t held, before;
+    sigemptyset(&held);
+    sigaddset(&held, SIGWINCH);
+    sigprocmask(SIG_BLOCK, &held, &before);
     DescriptorSet readable(others.readable), writable(others.writable);
     readable.add(descriptor_);
     if (size_changed) wait_ms = 0;
@@ -150,10 +153,22 @@ void Keyboard::read_input() {
     ssize_t count = read(descriptor_, bytes, sizeof bytes);
     if (count > 0) {
         if (keys_) decoder_ = KeyDecoder(std::exchange(keys_, nullptr)());
-        decoder_.feed({bytes, static_cast<std::size_t>(count)});
-        last_input_ = std::chrono::steady_clock::now();
+        take({bytes, static_cast<std::size_t>(count)});
     } else if (count == 0 || (errno != EINTR && errno != EAGAIN)) {
         hung_up_ = true;
+    }
+}
+
+// A paste whose end was lost would swallow all keys: what comes after a pause and may
+// be keys does not keep it open, and Ctrl-C ends it at once.
+void Keyboard::take(std::string_view bytes) {
+    bool doubtful = bytes.size() <= kLongestKey && milliseconds_since(last_input_) >= kPause &&
+                    decoder_.paste_is_open();
+    decoder_.feed(bytes, doubtful);
+    if (!doubtful) {
+        last_input_ = std::chrono::steady_clock::now();
+    } else if (bytes.find_first_not_of(kInterrupt) == std::string_view::npos) {
+        decoder_.end_paste();
     }
 }
 

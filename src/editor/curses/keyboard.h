@@ -31,6 +31,7 @@ class Keyboard {
     bool fill(int wait_ms, const Awaited& others = {});
     bool wait_for_input(int wait_ms, const Awaited& others = {});
     void read_input();
+    void take(std::string_view bytes);
 
     int descriptor_ = -1;
     std::vector<KeySequence> (*keys_)() = nullptr;  // until they have been asked for
@@ -38,7 +39,7 @@ class Keyboard {
     int ahead_ = kNoKey;  // found by key_waiting()
     bool hung_up_ = false;
     bool others_ready_ = false;  // after wait_for_input()
-    SteadyTime last_input_;
+    SteadyTime last_input_;      // but for what may be no part of the paste that is open
 };
 
 }  // namespace tpu

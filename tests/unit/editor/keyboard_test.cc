@@ -67,5 +67,53 @@ TEST_F(Waiting, prefers_keys_and_finishes_those_that_are_cut_short) {
     EXPECT_EQ(keyboard.read_key(kLong, awaited), '[');
 }
 
+constexpr int kPause = 250;  // milliseconds in which no paste stops, as far as we know
+
+TEST_F(Waiting, for_the_end_of_a_paste_leaves_keys_alone) {
+    put(keys, "\033[200~te\003xt");
+    int pressed = 0, key = kNoKey;
+    for (; key == kNoKey && pressed < 40; ++pressed) {
+        key = keyboard.read_key(kPause, {});
+        put(keys, "k");
+    }
+    EXPECT_EQ(key, kKeyPaste);
+    EXPECT_EQ(keyboard.take_paste(), "te\003xt");
+    for (; pressed > 0; --pressed) EXPECT_EQ(keyboard.read_key(kLong, {}), 'k');
+}
+
+TEST_F(Waiting, for_the_end_of_a_paste_is_over_with_control_c) {
+    for (bool running : {false, true}) {
+        put(keys, "\033[200~te\003xt");
+        EXPECT_FALSE(keyboard.interrupt_waiting());
+        EXPECT_EQ(keyboard.read_key(kPause, {}), kNoKey);
+        put(keys, "\003");
+        if (running) {
+            EXPECT_TRUE(keyboard.interrupt_waiting());
+        } else {
+            EXPECT_EQ(keyboard.read_key(kLong, {}), kKeyPaste);
+            EXPECT_EQ(keyboard.take_paste(), "te\003xt");
+            EXPECT_EQ(keyboard.read_key(kLong, {}), 3);
+        }
+        put(keys, "k");
+        EXPECT_EQ(keyboard.read_key(kLong, {}), 'k');
+    }
+}
+
+TEST_F(Waiting, for_the_end_of_a_paste_goes_on_when_it_was_held_up) {
+    for (std::string_view rest : {"y\033[201~", "y that is longer than any key\033[201~"}) {
+        put(keys, "\033[200~text");
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(keyboard.read_key(kPause, {}), kNoKey);
+            put(keys, "\033[2");
+        }
+        put(keys, rest);
+        EXPECT_EQ(keyboard.read_key(kLong, {}), kKeyPaste);
+        rest.remove_suffix(6);
+        EXPECT_EQ(keyboard.take_paste(), "text\033[2\033[2" + std::string(rest));
+    }
+    put(keys, "\033[200~pasted\003\033[201~k");
+    EXPECT_FALSE(keyboard.interrupt_waiting());
+}
+
 }  // namespace
 }  // namespace tpu
