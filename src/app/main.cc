@@ -10,9 +10,11 @@
 
 #include "app/redirect.h"
 #include "app/startup.h"
+#include "app/terminal_state.h"
 #include "app/test_mode.h"
 #include "app/version.h"
 #include "core/fresh_stack.h"
+#include "core/signal_stack.h"
 #include "editor/curses/terminal.h"
 
 namespace {
@@ -81,6 +83,8 @@ int main(int argc, char** argv) {
         return flushed();
     }
     tpu::zk_redirect_tty();
+    tpu::SignalStack for_handlers;
+    tpu::handle_faults();
     tpu::Charset charset = charset_of_locale();
     tpu::CursesTerminal terminal;
     tpu::SteadyClock clock;

@@ -4,6 +4,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "core/text_block.h"
+
 namespace tpu {
 
 namespace {
@@ -12,6 +14,18 @@ termios saved_attributes;
 bool attributes_saved = false;
 void (*volatile screen_ender)() = nullptr;
 void (*volatile children_ender)() = nullptr;
+
+void give_terminal_back() {
+    if (screen_ender) screen_ender();
+    restore_terminal_state();
+}
+
+void handle_fault(int fault, siginfo_t* info, void*) {
+    if (fault == SIGBUS && TextBlock::mend_fault(info->si_addr)) return;
+    give_terminal_back();
+    signal(fault, SIG_DFL);
+    raise(fault);
+}
 
 }  // namespace
 
@@ -32,17 +46,19 @@ void set_children_ender(void (*end)()) {
 }
 
 void terminal_signal_handler(int) {
-    if (screen_ender) screen_ender();
-    restore_terminal_state();
+    give_terminal_back();
     if (children_ender) children_ender();
     _exit(0);  // Deliberate: a hang-up or an interrupt is an ordinary end.
 }
 
-void terminal_fault_handler(int fault) {
-    if (screen_ender) screen_ender();
-    restore_terminal_state();
-    signal(fault, SIG_DFL);
-    raise(fault);
+void handle_faults() {
+    struct sigaction action = {};
+    action.sa_sigaction = handle_fault;
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK;
+    sigemptyset(&action.sa_mask);
+    for (int fault : {SIGSEGV, SIGBUS, SIGABRT, SIGFPE, SIGILL, SIGQUIT}) {
+        sigaction(fault, &action, nullptr);
+    }
 }
 
 }  // namespace tpu

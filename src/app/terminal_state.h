@@ -21,8 +21,9 @@ void set_children_ender(void (*end)());
 // ends the children and the process. The status is always 0.
 void terminal_signal_handler(int signal);
 
-// For signals that mean a fault: leaves full-screen work, restores the terminal and
-// lets the signal do what it does by default.
-void terminal_fault_handler(int signal);
+// From now on, signals that mean a fault leave full-screen work and restore the terminal
+// before they do what they do by default. Losing the file behind a text is none, see
+// TextBlock::mend_fault.
+void handle_faults();
 
 }  // namespace tpu

@@ -106,6 +106,7 @@ class Buffer {
     Snapshot last_restored;           // what the latest of them brought back
     LineStore saved_lines;            // what loading the file gives, as far as we know
     std::uint64_t loading_size = 0;   // bytes of the file that is being loaded in steps; 0: none
+    Ref<TextBlock> loaded_block;      // of that file
 
     // buffer_cursor.cc: cursor, marks, selection
     void clamp_cursor();
@@ -203,7 +204,7 @@ class Buffer {
     // cannot be read, else empty. In any case the buffer has its name.
     std::string edit_file(const std::string& path, Loading how = Loading::at_once,
                           const Interrupted& interrupted = {});
-    void finish_loading();
+    std::string finish_loading();  // what there is to tell, or empty
     bool write_file(const std::string& path);  // empty: to file_name
     // Why write_file never writes there; empty: it may.
     std::string write_refusal(const std::string& path) const;

@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cassert>
 #include <cerrno>
 #include <cstdlib>
@@ -20,8 +22,9 @@ namespace {
 // Some milliseconds' work; a multiple of every system's page size.
 constexpr std::size_t kSettleStep = std::size_t{4} << 20;
 
-// Reads `bytes` bytes of a file from `offset` on; what the file has lost reads as zeros.
-void read_at(int fd, std::size_t offset, char* place, std::size_t bytes) {
+// Reads `bytes` bytes of a file from `offset` on; what the file has lost reads as zeros,
+// and false is returned then.
+bool read_at(int fd, std::size_t offset, char* place, std::size_t bytes) {
     std::size_t done = 0;
     while (done < bytes) {
         ssize_t got = pread(fd, place + done, bytes - done, static_cast<off_t>(offset + done));
@@ -30,12 +33,44 @@ void read_at(int fd, std::size_t offset, char* place, std::size_t bytes) {
         done += static_cast<std::size_t>(got);
     }
     std::memset(place + done, 0, bytes - done);
+    return done == bytes;
 }
 
 // The blocks that still show a file.
 std::vector<TextBlock*>& unsettled() {
     static auto* const blocks = new std::vector<TextBlock*>;  // for ever, like the sessions
     return *blocks;
+}
+
+// Where they lie, for a signal handler: it may come at any time and cannot look into a vector.
+struct Mapping {
+    std::atomic<char*> begin = nullptr;  // null: free; set last and taken away first
+    std::atomic<std::size_t> size = 0;
+};
+std::array<Mapping, 64> mappings;
+static_assert(std::atomic<char*>::is_always_lock_free);
+
+// False: there are too many already.
+bool add_mapping(char* begin, std::size_t size) {
+    for (Mapping& mapping : mappings) {
+        if (mapping.begin) continue;
+        mapping.size = size;
+        mapping.begin = begin;
+        return true;
+    }
+    return false;
+}
+
+void remove_mapping(const char* begin) {
+    for (Mapping& mapping : mappings) {
+        if (mapping.begin == begin) mapping.begin = nullptr;
+    }
+}
+
+bool put_zeros(char* place, std::size_t bytes) {
+    void* zeros =
+        mmap(place, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
+    return zeros != MAP_FAILED;
 }
 
 }  // namespace
@@ -57,6 +92,10 @@ Ref<TextBlock> TextBlock::map_file(int fd, std::size_t size) {
     if (!file || size == 0) return {};
     void* place = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, fd, 0);
     if (place == MAP_FAILED) return {};
+    if (!add_mapping(static_cast<char*>(place), size)) {
+        munmap(place, size);
+        return {};
+    }
     Ref block(new TextBlock(static_cast<char*>(place), size, size));
     block->used_ = size;
     block->settled_ = 0;
@@ -70,12 +109,27 @@ Ref<TextBlock> TextBlock::map_file(int fd, std::size_t size) {
 void TextBlock::settle() {
     const std::size_t bytes = std::min(kSettleStep, mapped_ - settled_);
     std::unique_ptr<char[]> copy(new char[bytes]);
-    read_at(file_.get(), settled_, copy.get(), bytes);
+    if (!read_at(file_.get(), settled_, copy.get(), bytes)) damaged_ = true;
     char* place = data_ + settled_;
-    void* memory =
-        mmap(place, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
-    if (memory != MAP_FAILED) std::memcpy(place, copy.get(), bytes);
+    if (put_zeros(place, bytes)) std::memcpy(place, copy.get(), bytes);
     settled_ += bytes;
+}
+
+// Behind one lost page all are lost.
+bool TextBlock::mend_fault(void* address) {
+    const int error = errno;
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    auto at = reinterpret_cast<std::uintptr_t>(address);
+    for (Mapping& mapping : mappings) {
+        char* const begin = mapping.begin;
+        auto from = reinterpret_cast<std::uintptr_t>(begin);
+        if (!begin || at < from || at - from >= mapping.size) continue;
+        std::size_t intact = (at - from) / page * page;
+        bool mended = put_zeros(begin + intact, mapping.size - intact);
+        errno = error;
+        return mended;
+    }
+    return false;
 }
 
 bool TextBlock::settle_some() {
@@ -84,6 +138,7 @@ bool TextBlock::settle_some() {
     block->settle();
     if (block->is_settled()) {
         block->file_.close();
+        remove_mapping(block->data_);
         unsettled().pop_back();
     }
     return unsettled().empty();
@@ -92,6 +147,7 @@ bool TextBlock::settle_some() {
 TextBlock::~TextBlock() {
     if (!is_settled()) std::erase(unsettled(), this);
     if (mapped_) {
+        remove_mapping(data_);
         munmap(data_, mapped_);
     } else {
         std::free(data_);

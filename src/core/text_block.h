@@ -58,6 +58,13 @@ class TextBlock {
     // their own. True when all are settled. Bytes that the file has lost meanwhile
     // read as zeros.
     static bool settle_some();
+    // True when there were such bytes in this block.
+    bool is_damaged() const { return damaged_; }
+
+    // Whoever looks at what a file has lost before it is settled gets a bus error. This
+    // mends it: zeros appear there. False: the address is in no such block. For the
+    // handler of that signal, without which files must not shrink.
+    static bool mend_fault(void* address);
 
     const char* data() const { return data_; }
     std::size_t used() const { return used_; }
@@ -99,6 +106,7 @@ class TextBlock {
     std::size_t used_ = 0;
     std::size_t settled_ = SIZE_MAX;  // bytes of a mapped file that are our own by now
     Descriptor file_;                 // for the rest
+    bool damaged_ = false;
 };
 
 }  // namespace tpu

@@ -63,7 +63,12 @@ void settle_files(TPUEditor& editor) {
     while (!TextBlock::settle_some()) {
         if (editor.key_waiting()) return;
     }
-    for (const auto& buffer : editor.buffers) buffer->finish_loading();
+    for (const auto& buffer : editor.buffers) {
+        std::string trouble = buffer->finish_loading();
+        if (trouble.empty()) continue;
+        editor.set_message(trouble);
+        editor.draw();
+    }
 }
 
 }  // namespace

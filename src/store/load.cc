@@ -13,8 +13,8 @@ namespace {
 // Smaller files are read as quickly as they are mapped.
 constexpr std::uint64_t kWorthMapping = std::uint64_t{1} << 20;
 
-std::optional<LineStore> map_if_worth_it(const InputFile& file) {
-    return file.size() < kWorthMapping ? std::nullopt : map_lines(file.fd(), file.size());
+std::optional<LineStore> map_if_worth_it(const InputFile& file, Ref<TextBlock>& block) {
+    return file.size() < kWorthMapping ? std::nullopt : map_lines(file.fd(), file.size(), block);
 }
 
 }  // namespace
@@ -28,7 +28,8 @@ bool Buffer::load_file(const std::string& path, Loading how, const Interrupted& 
     if (!was_read) file_trouble = ENOMEM;
     std::optional<InputFile> file = InputFile::open(path, {interrupted});
     std::optional<LineStore> text;
-    if (file && how == Loading::in_steps) text = map_if_worth_it(*file);
+    Ref<TextBlock> block;
+    if (file && how == Loading::in_steps) text = map_if_worth_it(*file, block);
     const std::uint64_t mapped = text ? file->size() : 0;
     if (file && !text) text = read_lines(*file);
     if (!text) {
@@ -38,6 +39,7 @@ bool Buffer::load_file(const std::string& path, Loading how, const Interrupted& 
     lines = std::move(*text);
     saved_lines = lines;
     loading_size = mapped;
+    loaded_block = mapped > 0 ? std::move(block) : Ref<TextBlock>();
     cursor_row = cursor_column = view_line = 0;
     modified = false;
     note_read(file->status());
@@ -52,16 +54,21 @@ std::string Buffer::edit_file(const std::string& path, Loading how,
 
 // What was written to the file while it was mapped is in the text, as it would be
 // had it been read a little later; but the lines may have moved.
-void Buffer::finish_loading() {
+std::string Buffer::finish_loading() {
     std::uint64_t size = std::exchange(loading_size, 0);
-    if (size == 0) return;
+    if (size == 0) return {};
+    const bool damaged = loaded_block->is_damaged();
+    loaded_block = {};
+    if (damaged) note_unread(EIO);
     std::optional<FileVersion> now = FileVersion::of(file_name);
-    if (now && now->size == size && now->milliseconds() == file_time) return;
+    if (now && now->size == size && now->milliseconds() == file_time && !damaged) return {};
     lines.recount();
     saved_lines.recount();
     for (Snapshot& snapshot : undo_stack) snapshot.lines.recount();
     for (Snapshot& snapshot : redo_stack) snapshot.lines.recount();
     clamp_cursor();
+    if (!damaged) return {};
+    return file_name + " shrank while it was read: zeros stand for what is gone, write elsewhere";
 }
 
 }  // namespace tpu

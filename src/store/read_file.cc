@@ -111,9 +111,9 @@ bool ends_line_with_cr(std::string_view text, std::string_view piece) {
 
 }  // namespace
 
-std::optional<LineStore> map_lines(int fd, std::uint64_t size) {
+std::optional<LineStore> map_lines(int fd, std::uint64_t size, Ref<TextBlock>& block) {
     if (size > std::numeric_limits<std::size_t>::max() / 2) return std::nullopt;
-    Ref<TextBlock> block = TextBlock::map_file(fd, static_cast<std::size_t>(size));
+    block = TextBlock::map_file(fd, static_cast<std::size_t>(size));
     if (!block) return std::nullopt;
     std::string_view text(block->data(), block->used());
     std::vector<std::uint32_t> feeds;

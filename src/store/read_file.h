@@ -21,8 +21,9 @@ std::optional<LineStore> read_lines(InputFile& file, std::uint64_t most = kMostO
 
 // The lines of a file of `size` bytes without copying them: the text is only mapped,
 // and TextBlock::settle_some must make it the editor's own soon. Nothing when the
-// file cannot be mapped, or when carriage returns would have to go.
-std::optional<LineStore> map_lines(int fd, std::uint64_t size);
+// file cannot be mapped, or when carriage returns would have to go. The block is what
+// the lines are in.
+std::optional<LineStore> map_lines(int fd, std::uint64_t size, Ref<TextBlock>& block);
 
 // All bytes of a file, if there are at most as many as of a stream. Nothing, with errno saying
 // why, when it cannot be read.

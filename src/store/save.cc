@@ -35,10 +35,11 @@ bool write_lines(int fd, const LineStore& lines) {
 bool Buffer::write_file(const std::string& path) {
     if (no_write) return false;
     std::string target = path.empty() ? file_name : path;
-    if (target.empty() || !write_refusal(target).empty()) return false;
     // The file may be one that a text still shows.
     while (!TextBlock::settle_some()) {
     }
+    if (loaded_block && loaded_block->is_damaged()) note_unread(EIO);
+    if (target.empty() || !write_refusal(target).empty()) return false;
     auto write = [this](int fd) { return write_lines(fd, lines); };
     const bool is_as_known = target == file_name && FileVersion::of(target) == known_version;
     if (!write_safely(target, backup_on_write, write)) {

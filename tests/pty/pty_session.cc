@@ -181,7 +181,7 @@ int PtySession::exit_status() {
     child_ = -1;
     while (take_output(0)) {
     }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 VTermScreenCell PtySession::cell(int row, int col) const {

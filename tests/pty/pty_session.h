@@ -37,7 +37,7 @@ class PtySession {
     bool shows(std::string_view text);           // somewhere on the screen
     bool shows(int row, std::string_view text);  // the row without the blanks at its end
     bool has_cursor_at(int row, int col);
-    int exit_status();  // -1: did not end, or not by itself
+    int exit_status();  // 128 and its number: a signal ended it; -1: nothing has
 
     std::string row(int row) const;
     std::string screen() const;  // for failure messages

@@ -3,6 +3,9 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <thread>
 
 #include "pty/pty_session.h"
 
@@ -63,6 +66,31 @@ TEST_F(TakingOver, ends_when_the_terminal_goes_away) {
     tty.edit("a.txt", "text");
     tty.hang_up();
     EXPECT_EQ(tty.exit_status(), 0);
+}
+
+TEST_F(TakingOver, faults_give_the_terminal_back) {
+    for (int signal : {SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGQUIT}) {
+        termios before = tty.attributes();
+        tty.edit("a.txt", "text");
+        tty.send_signal(signal);
+        EXPECT_EQ(tty.exit_status(), 128 + signal);
+        expect_given_back(before);
+    }
+}
+
+// The file is shown before all of it is read.
+TEST_F(TakingOver, survives_a_file_that_shrinks_while_it_is_read) {
+    for (int milliseconds : {1, 15, 30, 50, 80}) {
+        tty.write("large", std::string(200, '\n'));
+        const std::string file = tty.environment["HOME"] + "/large";
+        std::filesystem::resize_file(file, std::uintmax_t{100} << 20);
+        tty.start({"large"});
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+        std::filesystem::resize_file(file, 10'000);
+        EXPECT_TRUE(tty.shows("INSERT")) << milliseconds << tty.screen();
+        tty.type("x\030");
+        EXPECT_EQ(tty.exit_status(), 0) << milliseconds;
+    }
 }
 
 TEST_F(TakingOver, has_a_terminal_type_of_its_own_when_none_is_set) {

@@ -44,15 +44,35 @@ struct Mode {
     }
 };
 
+// Curses' own work: `off` is what it would send at its end, which a signal handler must
+// not let it do, since it may have been interrupted anywhere.
+std::string end_of_screen;
+Mode full_screen{"", ""};
 Mode bracketed_paste{"\033[?2004h", "\033[?2004l"};
 // Buttons, reported with decimal numbers where the terminal can do that.
 Mode mouse_reports{"\033[?1000h\033[?1006h", "\033[?1006l\033[?1000l"};
 
+void switch_modes_off() {
+    mouse_reports.set(false);
+    bracketed_paste.set(false);
+}
+
 // Curses takes these calls before it is started and after it has ended.
 void end_screen() {
     if (!isendwin()) endwin();
-    mouse_reports.set(false);
-    bracketed_paste.set(false);
+    full_screen.is_on = false;
+    switch_modes_off();
+}
+
+// The same in a signal handler.
+void abandon_screen() {
+    full_screen.set(false);
+    switch_modes_off();
+}
+
+int add_to_end(int byte) {
+    end_of_screen += static_cast<char>(byte);
+    return byte;
 }
 
 std::string terminal_type() {
@@ -63,6 +83,18 @@ std::string terminal_type() {
 const char* capability(const char* name) {
     const char* value = tigetstr(name);
     return value == reinterpret_cast<char*>(-1) ? nullptr : value;
+}
+
+// The attributes, the last row, and the screen and keys of before.
+void compose_end_of_screen() {
+    end_of_screen.clear();
+    auto add = [](const char* text) {
+        if (text) tputs(text, 1, add_to_end);
+    };
+    for (const char* name : {"sgr0", "op"}) add(capability(name));
+    add(tiparm(capability("cup"), LINES - 1, 0));
+    for (const char* name : {"rmcup", "cnorm", "rmkx"}) add(capability(name));
+    full_screen.off = end_of_screen;
 }
 
 // Descriptions are often older than the terminal: these families can bracket pastes
@@ -102,11 +134,9 @@ class EndingSignals {
         void (*handler)(int);
         struct sigaction action;
     };
-    // A file that shrinks while it is mapped is a bus error.
-    Saved saved_[4] = {{SIGINT, terminal_signal_handler, {}},
+    Saved saved_[3] = {{SIGINT, terminal_signal_handler, {}},
                        {SIGTERM, terminal_signal_handler, {}},
-                       {SIGHUP, terminal_signal_handler, {}},
-                       {SIGBUS, terminal_fault_handler, {}}};
+                       {SIGHUP, terminal_signal_handler, {}}};
 };
 
 void set_modes() {
@@ -144,7 +174,7 @@ std::string CursesTerminal::start() {
     save_terminal_state();
     output_descriptor = fileno(streams.output);
     EndingSignals signals;
-    set_screen_ender(end_screen);
+    set_screen_ender(abandon_screen);
     signals.install();
     std::string error = start_curses(type, streams);
     if (!error.empty()) {
@@ -152,6 +182,8 @@ std::string CursesTerminal::start() {
         signals.put_back();
         return error;
     }
+    compose_end_of_screen();
+    full_screen.set(true);
     keyboard_.open(fileno(streams.input), terminal_keys);
     set_modes();
     setenv("TERM", type.c_str(), 1);  // for children
@@ -209,6 +241,7 @@ void CursesTerminal::leave() {
 
 void CursesTerminal::enter() {
     if (!screen_) return;
+    full_screen.set(true);
     reset_prog_mode();
     wrefresh(curscr);
     switch_modes();

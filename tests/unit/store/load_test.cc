@@ -8,6 +8,7 @@
 #include <fstream>
 #include <thread>
 
+#include "app/terminal_state.h"
 #include "core/buffer.h"
 #include "store/file_io.h"
 #include "store/read_file.h"
@@ -80,7 +81,8 @@ TEST(Load, of_every_short_text_gives_its_lines_whichever_way_it_is_read) {
         ASSERT_TRUE(buffer.load_file(path));
         EXPECT_EQ(buffer.lines.lines(), split(text));
         Descriptor file = open_file(path, O_RDONLY);
-        if (std::optional<LineStore> mapped = map_lines(file.get(), text.size())) {
+        Ref<TextBlock> block;
+        if (std::optional<LineStore> mapped = map_lines(file.get(), text.size(), block)) {
             EXPECT_EQ(mapped->lines(), split(text));
         }
 #ifdef __linux__
@@ -167,13 +169,19 @@ TEST(Load, in_steps_has_zeros_for_what_the_file_has_lost_meanwhile) {
     Buffer buffer("B", "");
     ASSERT_TRUE(buffer.load_file(path, Buffer::Loading::in_steps));
     ASSERT_GT(buffer.loading_size, 0u);
+    handle_faults();
     std::filesystem::resize_file(path, 100'000);
+    EXPECT_EQ(buffer.lines.find("none of that", 0), std::nullopt);
     settle();
-    buffer.finish_loading();
+    EXPECT_TRUE(buffer.finish_loading().starts_with(path + " shrank while it was read"));
     buffer.lines.check_invariants();
     EXPECT_EQ(buffer.lines.bytes(), text.size());
     EXPECT_EQ(buffer.lines.text(0, 100'000), text.substr(0, 100'000));
     EXPECT_EQ(buffer.lines.text(1'000'000, 1'000'002), std::string(2, '\0'));
+    EXPECT_FALSE(buffer.write_file("")) << "what is left is given up for zeros";
+    EXPECT_EQ(std::filesystem::file_size(path), 100'000u);
+    EXPECT_TRUE(buffer.write_file(folder.path("elsewhere")));
+    EXPECT_TRUE(buffer.write_file("")) << "it is another file now";
 }
 #endif
 
