@@ -4,20 +4,39 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 #include "core/text_block.h"
 
 namespace tpu {
 
 namespace {
 
+constexpr unsigned kPatience = 5;  // seconds in which a main loop is to come round
+
 termios saved_attributes;
 bool attributes_saved = false;
 void (*volatile screen_ender)() = nullptr;
 void (*volatile children_ender)() = nullptr;
+volatile sig_atomic_t loop_runs = 0;
+volatile sig_atomic_t requested = 0;
 
 void give_terminal_back() {
     if (screen_ender) screen_ender();
     restore_terminal_state();
+}
+
+// A terminal that takes no more output would let nobody get any further.
+void drop_output() {
+    tcflush(STDIN_FILENO, TCOFLUSH);
+}
+
+// Further signals change nothing: a terminal that is closed often sends two.
+void request_end() {
+    if (requested) return;
+    requested = 1;
+    drop_output();
+    alarm(kPatience);
 }
 
 void handle_fault(int fault, siginfo_t* info, void*) {
@@ -45,10 +64,36 @@ void set_children_ender(void (*end)()) {
     children_ender = end;
 }
 
-void terminal_signal_handler(int) {
+void terminal_signal_handler(int signal) {
+    int error = errno;
+    loop_runs ? request_end() : terminal_deadline_handler(signal);
+    errno = error;
+}
+
+void terminal_deadline_handler(int) {
+    drop_output();
     give_terminal_back();
     if (children_ender) children_ender();
     _exit(0);  // Deliberate: a hang-up or an interrupt is an ordinary end.
+}
+
+EndOnRequest::EndOnRequest() {
+    requested = 0;
+    loop_runs = 1;
+}
+
+EndOnRequest::~EndOnRequest() {
+    loop_runs = 0;
+    requested = 0;
+}
+
+void EndOnRequest::take_up() {
+    requested = 1;
+    alarm(0);
+}
+
+bool end_requested() {
+    return requested != 0;
 }
 
 void handle_faults() {

@@ -1,5 +1,6 @@
 // The terminal as it was before the editor took it over, for everyone who may
-// have to give it back. Process-wide, because a signal handler needs it.
+// have to give it back, and what signals do. Process-wide, because a signal handler
+// needs it.
 #pragma once
 
 namespace tpu {
@@ -17,9 +18,28 @@ void set_screen_ender(void (*end)());
 // Registers what ends the children of the program, with the same condition.
 void set_children_ender(void (*end)());
 
-// For SIGINT, SIGTERM and SIGHUP: leaves full-screen work, restores the terminal,
-// ends the children and the process. The status is always 0.
+// For SIGINT, SIGTERM and SIGHUP. While a main loop runs, they ask it to end, which keeps
+// what is unsaved. Else, and when the loop does not come round within some
+// seconds, they leave full-screen work, restore the terminal, end the children and the
+// process. The status is 0 in any case.
 void terminal_signal_handler(int signal);
+
+// The signal that ends the patience; it does the second of these.
+void terminal_deadline_handler(int signal);
+
+// The life of a main loop.
+class EndOnRequest {
+  public:
+    EndOnRequest();
+    ~EndOnRequest();
+    EndOnRequest(const EndOnRequest&) = delete;
+    EndOnRequest& operator=(const EndOnRequest&) = delete;
+    // The loop has ended. What there still is to do may take its time.
+    void take_up();
+};
+
+// True when a signal has asked for the end.
+bool end_requested();
 
 // From now on, signals that mean a fault leave full-screen work and restore the terminal
 // before they do what they do by default. Losing the file behind a text is none, see

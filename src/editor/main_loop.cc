@@ -1,6 +1,7 @@
 // The main loop: draw, wait for a key, serve processes and the timer, act.
 #include <algorithm>
 
+#include "app/terminal_state.h"
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
 #include "editor/recovery.h"
@@ -76,6 +77,7 @@ void settle_files(TPUEditor& editor) {
 void TPUEditor::run() {
     define_default_keys();
     timer_start = ports.clock.now();
+    EndOnRequest requests;
     while (running) {
         // Keys that wait already are handled first: what they change is drawn once.
         if (!key_waiting()) draw();
@@ -85,6 +87,7 @@ void TPUEditor::run() {
         run_timer(*this);
         if (!handle_report(*this, key)) handle_key(key);
     }
+    requests.take_up();
     flush_journals(*this, true);
     if (recovery) hung_up ? recovery->write() : recovery->discard();
 }

@@ -1,4 +1,6 @@
 // Saving a buffer to a file.
+#include <cerrno>
+
 #include "core/buffer.h"
 #include "store/file_io.h"
 #include "store/safe_write.h"

@@ -120,6 +120,10 @@ void PtySession::type(std::string_view bytes) {
     }
 }
 
+void PtySession::type_unseen(std::string_view bytes) {
+    EXPECT_EQ(::write(master_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+}
+
 void PtySession::resize(int rows, int cols) {
     rows_ = rows;
     cols_ = cols;

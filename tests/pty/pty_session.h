@@ -29,6 +29,7 @@ class PtySession {
     void edit(const std::string& name, const std::string& text);
 
     void type(std::string_view bytes);
+    void type_unseen(std::string_view bytes);  // nobody takes what the program shows
     void resize(int rows, int cols);
     void send_signal(int signal);
     void hang_up();

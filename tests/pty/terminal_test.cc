@@ -49,23 +49,85 @@ TEST_F(TakingOver, leaving_gives_the_terminal_back) {
     EXPECT_EQ(tty.errors(), "");
 }
 
-TEST_F(TakingOver, signals_give_the_terminal_back_and_end_with_0) {
-    for (int signal : {SIGTERM, SIGINT, SIGHUP}) {
+const std::string kTyped(150, 'x');  // too little to be kept before a second has passed
+
+// What the session that ended has left behind is all that was typed.
+void expect_kept(PtySession& tty, const std::string& file) {
+    tty.start({file});
+    EXPECT_TRUE(tty.shows("Unsaved work of")) << tty.screen();
+    tty.type("\032RECOVER_BUFFER\r\023");
+    EXPECT_TRUE(tty.shows("Written " + file)) << tty.screen();
+    tty.type("\030");
+    EXPECT_EQ(tty.exit_status(), 0);
+}
+
+TEST_F(TakingOver, signals_end_all_that_is_under_way_with_0_and_keep_what_was_typed) {
+    const struct {
+        int signal;
+        std::string keys, shown;
+    } cases[] = {
+        {SIGTERM, "", ""},
+        {SIGHUP, "", ""},
+        {SIGINT, "", ""},
+        {SIGTERM, "\032ERASE_LINE", "* ERASE_LINE"},
+        {SIGHUP, "\032x := READ_LINE(\"Line: \")\rsome", "Line: some"},
+        {SIGTERM, "\032SLEEP(1000)\r", ""},
+        {SIGTERM, "\032spin\r", "started"},
+        {SIGTERM, "\032SET(TIMER, 1, \"spin\")\r", "started"},
+        {SIGTERM, "\032SPAWN(\"echo started; sleep 1000\")\r", "started"},
+        {SIGHUP, "\032SPAWN(\"PS1=started bash --norc -i 2>&1\")\r", "started"},
+    };
+    tty.write(".tpurc",
+              "PROCEDURE spin\nSPAWN(\"echo started\")\nLOOP\nx := READ_KEY\nENDLOOP\n"
+              "ENDPROCEDURE\n");
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.signal << c.keys);
         termios before = tty.attributes();
         tty.edit("a.txt", "text");
-        tty.type("typed");
-        EXPECT_TRUE(tty.shows(0, "typedtext"));
-        tty.send_signal(signal);
-        EXPECT_EQ(tty.exit_status(), 0) << signal;
+        std::size_t shown = tty.output().size();
+        tty.type(kTyped + c.keys);
+        EXPECT_TRUE(
+            tty.eventually([&] { return tty.output().find(c.shown, shown) != std::string::npos; }));
+        tty.send_signal(c.signal);
+        EXPECT_EQ(tty.exit_status(), 0);
         expect_given_back(before);
         EXPECT_EQ(tty.read("a.txt"), "text");
+        expect_kept(tty, "a.txt");
+        EXPECT_EQ(tty.read("a.txt"), kTyped + "text");
     }
 }
 
-TEST_F(TakingOver, ends_when_the_terminal_goes_away) {
-    tty.edit("a.txt", "text");
+TEST_F(TakingOver, a_terminal_that_goes_away_takes_nothing_along) {
+    const std::string file = tty.environment["HOME"] + "/a.txt";
+    tty.write("a.txt", "text");
+    tty.start({file});
+    EXPECT_TRUE(tty.shows("INSERT")) << tty.screen();
+    tty.type(kTyped);
+    EXPECT_TRUE(tty.shows("INSERT 1/1:151")) << tty.screen();
     tty.hang_up();
     EXPECT_EQ(tty.exit_status(), 0);
+    PtySession other;
+    other.environment["HOME"] = tty.environment["HOME"];
+    expect_kept(other, file);
+    EXPECT_EQ(tty.read("a.txt"), kTyped + "text");
+}
+
+TEST_F(TakingOver, a_terminal_that_takes_no_more_output_does_not_hold_the_end_up) {
+    std::string text;
+    for (int i = 0; i < 10'000; ++i)
+        text += std::string(240, static_cast<char>('a' + i % 26)) + '\n';
+    PtySession wide(100, 250);
+    wide.edit("a.txt", text);
+    wide.type(kTyped);
+    EXPECT_TRUE(wide.shows("INSERT 1/10000:151")) << wide.screen();
+    for (int i = 0; i < 40; ++i) {
+        wide.type_unseen("\033[6~");
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));  // each is drawn
+    }
+    wide.send_signal(SIGTERM);
+    EXPECT_EQ(wide.exit_status(), 0);
+    expect_kept(wide, "a.txt");
+    EXPECT_EQ(wide.read("a.txt"), kTyped + text);
 }
 
 TEST_F(TakingOver, faults_give_the_terminal_back) {

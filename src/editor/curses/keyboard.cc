@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <utility>
 
+#include "app/terminal_state.h"
+
 namespace tpu {
 
 namespace {
@@ -79,6 +81,7 @@ void Keyboard::open(int descriptor, std::vector<KeySequence> (*keys)()) {
 int Keyboard::read_key(int wait_ms, const Awaited& others) {
     SteadyTime start = std::chrono::steady_clock::now();
     for (;;) {
+        look_for_end();
         int key = next_key();
         if (key >= 0) return key;
         int wait = remaining(wait_ms, start);
@@ -91,6 +94,7 @@ int Keyboard::read_key(int wait_ms, const Awaited& others) {
 }
 
 bool Keyboard::key_waiting() {
+    look_for_end();
     if (size_changed) return true;
     if (ahead_ == kNoKey) ahead_ = next_key();
     if (ahead_ < 0 && fill(0)) ahead_ = next_key();
@@ -99,8 +103,10 @@ bool Keyboard::key_waiting() {
 }
 
 bool Keyboard::interrupt_waiting() {
+    look_for_end();
     if (ahead_ == kInterrupt) return ahead_ = kNoKey, true;
     for (int i = 0; i < kMostReads && !hung_up_ && wait_for_input(0); ++i) read_input();
+    if (hung_up_) return true;  // nobody is there to wait for what runs
     if (!decoder_.drop_through(kInterrupt)) return false;
     ahead_ = kNoKey;
     return true;
@@ -117,6 +123,13 @@ int Keyboard::next_key() {
     return key == kNoKey && hung_up_ ? kKeyHangup : key;
 }
 
+// What was typed before the signal still counts.
+void Keyboard::look_for_end() {
+    if (hung_up_ || !end_requested()) return;
+    for (int i = 0; i < kMostReads && !hung_up_ && wait_for_input(0); ++i) read_input();
+    hung_up_ = true;
+}
+
 int Keyboard::patience() const {
     return decoder_.pasting() ? kPastePatience : kSequencePatience;
 }
@@ -125,7 +138,7 @@ int Keyboard::patience() const {
 bool Keyboard::fill(int wait_ms, const Awaited& others) {
     bool readable = wait_for_input(wait_ms, others);
     if (readable) read_input();
-    return readable || hung_up_ || size_changed;
+    return readable || hung_up_ || size_changed || end_requested();
 }
 
 // True when there is input for us; the wait also ends when one of the others is ready.
@@ -133,11 +146,11 @@ bool Keyboard::fill(int wait_ms, const Awaited& others) {
 bool Keyboard::wait_for_input(int wait_ms, const Awaited& others) {
     sigset_t held, before;
     sigemptyset(&held);
-    sigaddset(&held, SIGWINCH);
+    for (int signal : {SIGWINCH, SIGINT, SIGTERM, SIGHUP}) sigaddset(&held, signal);
     sigprocmask(SIG_BLOCK, &held, &before);
     DescriptorSet readable(others.readable), writable(others.writable);
     readable.add(descriptor_);
-    if (size_changed) wait_ms = 0;
+    if (size_changed || end_requested()) wait_ms = 0;
     timespec limit = {wait_ms / 1000, wait_ms % 1000 * 1000000L};
     int ready = pselect(std::max(readable.end(), writable.end()), readable.get(), writable.get(),
                         nullptr, wait_ms < 0 ? nullptr : &limit, &before);

@@ -9,7 +9,7 @@ namespace tpu {
 
 // Reads the descriptor itself, in large pieces, since the line of keys that curses
 // keeps takes a system call for each byte. Also notices that the screen has
-// changed its size.
+// changed its size, and takes a signal that asks for the end for a terminal that hangs up.
 class Keyboard {
   public:
     // Reads from this descriptor from now on. `keys` is asked what the terminal's
@@ -28,6 +28,7 @@ class Keyboard {
 
     int next_key();
     int patience() const;
+    void look_for_end();
     bool fill(int wait_ms, const Awaited& others = {});
     bool wait_for_input(int wait_ms, const Awaited& others = {});
     void read_input();

@@ -119,6 +119,7 @@ class EndingSignals {
         for (Saved& saved : saved_) {
             struct sigaction action = {};
             action.sa_handler = saved.handler;
+            action.sa_flags = SA_RESTART;
             sigemptyset(&action.sa_mask);
             for (const Saved& other : saved_) sigaddset(&action.sa_mask, other.signal);
             sigaction(saved.signal, &action, &saved.action);
@@ -134,9 +135,10 @@ class EndingSignals {
         void (*handler)(int);
         struct sigaction action;
     };
-    Saved saved_[3] = {{SIGINT, terminal_signal_handler, {}},
+    Saved saved_[4] = {{SIGINT, terminal_signal_handler, {}},
                        {SIGTERM, terminal_signal_handler, {}},
-                       {SIGHUP, terminal_signal_handler, {}}};
+                       {SIGHUP, terminal_signal_handler, {}},
+                       {SIGALRM, terminal_deadline_handler, {}}};
 };
 
 void set_modes() {
@@ -149,6 +151,7 @@ void set_modes() {
     clear();
     refresh();
     signal(SIGTSTP, SIG_IGN);
+    signal(SIGTTOU, SIG_IGN);  // a shell of the user's may have the terminal when we end
     leaveok(stdscr, false);
     typeahead(-1);  // what is drawn is drawn whole
 }
