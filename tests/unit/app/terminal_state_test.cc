@@ -21,7 +21,7 @@ void use_stack_up(void*, const char*) {
     overflow(&start);
 }
 
-TEST(Faults, of_a_stack_that_is_used_up_give_the_terminal_back) {
+TEST(StackOverflow, gives_the_terminal_back) {
     auto fail = [](bool fresh) {
         SignalStack stack;
         set_screen_ender([] { static_cast<void>(write(STDERR_FILENO, "given back", 10) == 0); });
