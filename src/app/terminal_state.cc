@@ -1,6 +1,8 @@
 #include "app/terminal_state.h"
 
 #include <signal.h>
+#include <sys/select.h>
+#include <sys/time.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -12,7 +14,8 @@ namespace tpu {
 
 namespace {
 
-constexpr unsigned kPatience = 5;  // seconds in which a main loop is to come round
+constexpr int kTick = 100'000;  // microseconds between looks at how the end gets on
+constexpr int kMostTicks = 50;  // in which a main loop is to come round
 
 termios saved_attributes;
 bool attributes_saved = false;
@@ -20,14 +23,21 @@ void (*volatile screen_ender)() = nullptr;
 void (*volatile children_ender)() = nullptr;
 volatile sig_atomic_t loop_runs = 0;
 volatile sig_atomic_t requested = 0;
+volatile sig_atomic_t taken_up = 0;
+volatile sig_atomic_t ticks = 0;
 
 void give_terminal_back() {
     if (screen_ender) screen_ender();
     restore_terminal_state();
 }
 
-// A terminal that takes no more output would let nobody get any further.
-void drop_output() {
+// Whoever writes to a terminal that takes no more output would wait for ever.
+void drop_stuck_output() {
+    fd_set terminal;
+    FD_ZERO(&terminal);
+    FD_SET(STDIN_FILENO, &terminal);
+    timeval at_once = {};
+    if (select(STDIN_FILENO + 1, nullptr, &terminal, nullptr, &at_once) != 0) return;
     tcflush(STDIN_FILENO, TCOFLUSH);
 }
 
@@ -35,8 +45,17 @@ void drop_output() {
 void request_end() {
     if (requested) return;
     requested = 1;
-    drop_output();
-    alarm(kPatience);
+    ticks = 0;
+    drop_stuck_output();
+    const itimerval timer = {{0, kTick}, {0, kTick}};
+    setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
+[[noreturn]] void end_at_once() {
+    drop_stuck_output();
+    give_terminal_back();
+    if (children_ender) children_ender();
+    _exit(0);  // Deliberate: a hang-up or an interrupt is an ordinary end.
 }
 
 void handle_fault(int fault, siginfo_t* info, void*) {
@@ -64,20 +83,22 @@ void set_children_ender(void (*end)()) {
     children_ender = end;
 }
 
-void terminal_signal_handler(int signal) {
+void terminal_signal_handler(int) {
     int error = errno;
-    loop_runs ? request_end() : terminal_deadline_handler(signal);
+    loop_runs ? request_end() : end_at_once();
     errno = error;
 }
 
-void terminal_deadline_handler(int) {
-    drop_output();
-    give_terminal_back();
-    if (children_ender) children_ender();
-    _exit(0);  // Deliberate: a hang-up or an interrupt is an ordinary end.
+void terminal_timer_handler(int) {
+    int error = errno;
+    ticks = ticks + 1;
+    drop_stuck_output();
+    if (loop_runs && !taken_up && ticks >= kMostTicks) end_at_once();
+    errno = error;
 }
 
 EndOnRequest::EndOnRequest() {
+    taken_up = 0;
     requested = 0;
     loop_runs = 1;
 }
@@ -88,8 +109,7 @@ EndOnRequest::~EndOnRequest() {
 }
 
 void EndOnRequest::take_up() {
-    requested = 1;
-    alarm(0);
+    taken_up = 1;
 }
 
 bool end_requested() {

@@ -24,8 +24,8 @@ void set_children_ender(void (*end)());
 // process. The status is 0 in any case.
 void terminal_signal_handler(int signal);
 
-// The signal that ends the patience; it does the second of these.
-void terminal_deadline_handler(int signal);
+// For SIGALRM, which comes again and again from then on: sees to it that this gets on.
+void terminal_timer_handler(int signal);
 
 // The life of a main loop.
 class EndOnRequest {

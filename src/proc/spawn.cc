@@ -74,8 +74,9 @@ void hang_up_on(pid_t shell) {
         kill(shell, signal);
         if (front > 0 && front != getpgrp()) kill(-front, signal);
     }
-    const timespec moment = {0, 200'000'000};
-    nanosleep(&moment, nullptr);
+    timespec moment = {0, 200'000'000};
+    while (nanosleep(&moment, &moment) != 0) {
+    }
 }
 
 // As system(3); but a signal that asks for our end ends the wait.

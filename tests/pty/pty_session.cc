@@ -179,6 +179,16 @@ bool PtySession::has_cursor_at(int row, int col) {
     });
 }
 
+bool PtySession::ends_unseen() {
+    auto deadline = std::chrono::steady_clock::now() + kPatience;
+    siginfo_t ended = {};
+    do {
+        poll(nullptr, 0, kWait);
+        waitid(P_PID, static_cast<id_t>(child_), &ended, WEXITED | WNOHANG | WNOWAIT);
+    } while (ended.si_pid == 0 && std::chrono::steady_clock::now() < deadline);
+    return ended.si_pid != 0;
+}
+
 int PtySession::exit_status() {
     int status = -1;
     if (!eventually([&] { return waitpid(child_, &status, WNOHANG) == child_; })) return -1;

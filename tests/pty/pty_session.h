@@ -38,7 +38,8 @@ class PtySession {
     bool shows(std::string_view text);           // somewhere on the screen
     bool shows(int row, std::string_view text);  // the row without the blanks at its end
     bool has_cursor_at(int row, int col);
-    int exit_status();  // 128 and its number: a signal ended it; -1: nothing has
+    bool ends_unseen();  // while nobody takes what the program shows
+    int exit_status();   // 128 and its number: a signal ended it; -1: nothing has
 
     std::string row(int row) const;
     std::string screen() const;  // for failure messages

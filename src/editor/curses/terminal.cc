@@ -138,7 +138,7 @@ class EndingSignals {
     Saved saved_[4] = {{SIGINT, terminal_signal_handler, {}},
                        {SIGTERM, terminal_signal_handler, {}},
                        {SIGHUP, terminal_signal_handler, {}},
-                       {SIGALRM, terminal_deadline_handler, {}}};
+                       {SIGALRM, terminal_timer_handler, {}}};
 };
 
 void set_modes() {
