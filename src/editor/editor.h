@@ -190,6 +190,7 @@ class TPUEditor {
     KeyMap* create_key_map(const std::string& name);
     KeyMapList* create_key_map_list(const std::string& name, KeyMap* first);
     static int key_name_to_code(std::string_view name);  // kNoKey: no such key
+    // Lists that hold the map that was called so hold the new one afterwards.
     void define_default_keys();
 
     // proc/spawn.cc
@@ -257,7 +258,6 @@ class TPUEditor {
     std::vector<std::shared_ptr<TPUProcess>> dismissed_processes_;  // until they have ended
     std::vector<std::unique_ptr<Buffer>> deleted_buffers_;          // until no code runs
     std::vector<std::unique_ptr<TPUWindow>> deleted_windows_;
-    std::vector<std::unique_ptr<KeyMap>> replaced_key_maps_;  // a list may still hold them
     std::vector<std::unique_ptr<KeyMapList>> replaced_key_map_lists_;
     ResizeMemory resize_memory_;
 };

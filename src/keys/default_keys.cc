@@ -129,10 +129,18 @@ std::function<void()> default_action(TPUEditor& editor, int code) {
 }
 
 KeyMap* TPUEditor::create_key_map(const std::string& name) {
+    auto map = std::make_unique<KeyMap>(name);
     std::unique_ptr<KeyMap>& place = key_maps[name];
-    // A list may still hold the map that was called so: it lives on without a name.
-    if (place) replaced_key_maps_.push_back(std::move(place));
-    place = std::make_unique<KeyMap>(name);
+    auto replace_in = [&](KeyMapList& list) {
+        std::replace(list.maps.begin(), list.maps.end(), place.get(), map.get());
+    };
+    for (const auto& [list_name, list] : key_map_lists) {
+        if (place && list) replace_in(*list);
+    }
+    for (const auto& list : replaced_key_map_lists_) {
+        if (place) replace_in(*list);
+    }
+    place = std::move(map);
     return place.get();
 }
 

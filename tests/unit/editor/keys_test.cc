@@ -34,16 +34,22 @@ TEST(Keys, only_leave_when_there_is_no_buffer) {
     EXPECT_FALSE(s.editor.running);
 }
 
-TEST(KeyMaps, are_searched_in_order_and_survive_being_replaced) {
+TEST(KeyMaps, are_searched_in_order_and_replaced_in_all_lists) {
     Session s;
     KeyMap* first = s.editor.create_key_map("MINE");
     first->define_key('x', {"TOP", {}, ""});
     s.editor.current_key_map_list->add_first(first);
     s.editor.current_key_map_list->add_first(nullptr);
     s.editor.current_key_map_list->add_last(first);
-    s.editor.create_key_map("MINE");
     EXPECT_EQ(s.editor.current_key_map_list->lookup('x')->text, "TOP");
-    s.editor.current_key_map_list->remove(first);
+    KeyMapList* outlived = s.editor.create_key_map_list("OLD", first);
+    s.editor.create_key_map_list("OLD", nullptr);
+    KeyMap* second = s.editor.create_key_map("MINE");
+    EXPECT_EQ(s.editor.current_key_map_list->lookup('x'), nullptr);
+    second->define_key('x', {"BOTTOM", {}, ""});
+    EXPECT_EQ(s.editor.current_key_map_list->lookup('x')->text, "BOTTOM");
+    EXPECT_EQ(outlived->lookup('x')->text, "BOTTOM");
+    s.editor.current_key_map_list->remove(second);
     EXPECT_EQ(s.editor.current_key_map_list->lookup('x'), nullptr);
 }
 
