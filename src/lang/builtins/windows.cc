@@ -39,7 +39,6 @@ void map(Call& call) {
         return;
     }
     call.editor.map_window(window, buffer);
-    if (window == call.editor.current_window) call.editor.position(buffer);
 }
 
 void unmap(Call& call) {
@@ -69,7 +68,7 @@ constexpr Builtin kRows[] = {
      .form = "CREATE_WINDOW(top, height [, status ON or OFF])",
      .help = "A new window from a row on, the screen's first being 0; its height counts the status line."},
     {.name = "MAP", .statement = map, .least = 2, .most = 2, .form = "MAP(window, buffer)",
-     .help = "Let a window show a buffer; that of the current window becomes the current buffer."},
+     .help = "Let a window show a buffer; the current one shows the current buffer again when the screen is drawn."},
     {.name = "UNMAP", .statement = unmap, .least = 1, .most = 1, .form = "UNMAP(window)",
      .help = "Let a window show nothing; the current one shows the current buffer when the screen is drawn."},
     {.name = "ADJUST_WINDOW", .statement = adjust_window, .least = 3, .most = 3,
