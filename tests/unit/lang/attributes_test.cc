@@ -107,6 +107,20 @@ TEST_F(Attributes, the_timer_runs_blocks_and_procedures_and_keeps_its_own) {
     EXPECT_EQ(session.lines()[0], "ttabcdef");
 }
 
+TEST_F(Attributes, the_timer_leaves_time_for_keys_however_long_it_takes) {
+    using namespace std::chrono_literals;
+    define("tick", "session_ticks := session_ticks + 1; SLEEP(5)");
+    run("session_ticks := 0");
+    run("SET(TIMER, 1000, \"tick\")");
+    session.clock.step = 300ms;
+    session.terminal.keys = {'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h', 'i', 'j', 'k', 'l'};
+    session.editor.run();
+    EXPECT_EQ(session.lines()[0], "abcdefghijklabcdef");
+    long long ticks = session.editor.parser.lookup_var("SESSION_TICKS")->as_int();
+    EXPECT_GE(ticks, 1);
+    EXPECT_LE(ticks, 4);
+}
+
 TEST_F(Attributes, the_shift_key_is_a_second_gold) {
     run("SET(SHIFT_KEY, \"F6\")");
     session.press("<F6>E");
