@@ -11,12 +11,15 @@ namespace tpu {
 namespace {
 
 void print_report(const TPUEditor& editor) {
-    for (const std::string& line : editor.test_report) {
+    for (const std::string& line : editor.test_report.lines()) {
         std::fwrite(line.data(), 1, line.size(), stdout);
         std::fputc('\n', stdout);
     }
+    if (long long left_out = editor.test_report.left_out()) {
+        std::printf("... %lld more lines, left out\n", left_out);
+    }
     std::puts("----------------------------------------");
-    std::printf("%d passed, %d failed\n", editor.assertions_passed, editor.assertions_failed);
+    std::printf("%lld passed, %lld failed\n", editor.assertions_passed, editor.assertions_failed);
 }
 
 }  // namespace

@@ -18,9 +18,9 @@ void TPUEditor::buffer_command(const std::vector<std::string>& words) {
 // Of faults in the source the last one stays on the message line, with their number.
 void TPUEditor::compile_current_buffer() {
     if (!current_buffer) return;
-    int before = parser.error_count;
+    long long before = parser.error_count;
     parser.compile_text(current_buffer->lines.text());
-    int faults = parser.error_count - before;
+    long long faults = parser.error_count - before;
     if (faults == 0) return set_message("Compiled current buffer");
     set_message("Compiled current buffer, faults: " + std::to_string(faults) +
                 "; the last: " + parser.error_list.back());

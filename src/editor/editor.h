@@ -19,6 +19,7 @@
 #include "editor/line_input.h"
 #include "editor/ports.h"
 #include "editor/window.h"
+#include "editor/test_report.h"
 #include "keys/key_map.h"
 #include "lang/parser.h"
 
@@ -92,11 +93,11 @@ class TPUEditor {
     std::unique_ptr<OpenFiles> open_files;      // null: nobody is told which files are open
     UndoStep* undo_step = nullptr;              // the outermost one under way
     FileSearch file_search;
-    bool search_succeeded = false;         // the last SEARCH
-    bool match_succeeded = false;          // the last MATCH
-    std::vector<std::string> test_report;  // lines of ASSERT and TEST
-    int assertions_passed = 0;
-    int assertions_failed = 0;
+    bool search_succeeded = false;  // the last SEARCH
+    bool match_succeeded = false;   // the last MATCH
+    TestReport test_report;         // of ASSERT and TEST
+    long long assertions_passed = 0;
+    long long assertions_failed = 0;
     // Where GET_INFO's walks are; only compared, since they may be gone by now.
     const Buffer* walked_buffer = nullptr;
     const TPUWindow* walked_window = nullptr;

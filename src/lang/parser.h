@@ -33,6 +33,7 @@ struct Diagnostic {
     int line;
     std::string text;
 };
+    long long times = 1;  // that it came without another between
 
 class MiniTPUParser {
   public:
@@ -44,6 +45,9 @@ class MiniTPUParser {
     static constexpr int kDeepestProgram = 1'000;
 
     explicit MiniTPUParser(TPUEditor& owner) : editor(owner) {}
+    // So many faults are kept, since a program may make them without end.
+    static constexpr std::size_t kMostFaults = 1'000;
+
     MiniTPUParser(const MiniTPUParser&) = delete;
     MiniTPUParser& operator=(const MiniTPUParser&) = delete;
 
@@ -54,12 +58,15 @@ class MiniTPUParser {
     std::string error_code;
     std::string error_text;
     int error_line = 0;
-    int error_count = 0;   // unknown commands and errors in source texts
-    int current_line = 0;  // source line of the running statement; 0: none
+    long long error_count = 0;  // unknown commands, errors in source texts, ended loops
+    int current_line = 0;       // source line of the running statement; 0: none
     int statement_depth = 0;
-    std::vector<std::string> error_list;              // what error_count counted, in order
+    // What error_count counted, in order, repetitions left out. When there are too many the
+    // last place is that of the latest.
+    std::vector<std::string> error_list;
     std::vector<Diagnostic> diagnostics;              // the same, for those who look them up
     const std::vector<int>* current_lines = nullptr;  // of the source being compiled
+    long long diagnostics_left_out = 0;               // for which there was no room
 
     // State of the code that runs; nodes and built-ins read and set it.
     bool stopped = false;            // see Node::may_stop
@@ -190,6 +197,8 @@ class MiniTPUParser {
 
   private:
     friend class SourceWalk;
+    // Counts and keeps a fault of the source: its text, and that with the line for people.
+    void add_fault(int line, const std::string& text, const std::string& message);
 
     void define(Procedure procedure);
     Word call_here(const Procedure& procedure, std::span<const Word> arguments, bool value_wanted);

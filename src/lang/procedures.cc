@@ -128,13 +128,11 @@ class SourceWalk {
     }
 
     void complain_of_missing_end(const std::string& name) {
-        std::string message = "missing ENDPROCEDURE for " + name;
+        const std::string text = "missing ENDPROCEDURE for " + name;
         int line = run_.line_at(index_);
-        run_.diagnostics.push_back({line, message});
-        message.insert(0, "error: ");
+        std::string message = "error: " + text;
         if (line >= 1) message += " (near line " + std::to_string(line) + ")";
-        ++run_.error_count;
-        run_.error_list.push_back(message);
+        run_.add_fault(line, text, message);
     }
 
     MiniTPUParser& run_;

@@ -167,11 +167,10 @@ void MiniTPUParser::run_builtin(const Builtin& builtin, const CallSite& site) {
 
 void MiniTPUParser::report_unknown(const std::string& text) {
     std::string message = "Unknown command: " + text;
-    diagnostics.push_back({current_line, message});
+    const std::string bare = message;
     if (current_line > 0) message += "  (line " + std::to_string(current_line) + ")";
     editor.set_message(message);
-    ++error_count;
-    error_list.push_back(message);
+    add_fault(current_line, bare, message);
 }
 
 }  // namespace tpu

@@ -38,4 +38,23 @@ void MiniTPUParser::record_error(const std::string& code, const std::string& tex
     if (current_line >= 1) error_line = current_line;
 }
 
+void MiniTPUParser::add_fault(int line, const std::string& text, const std::string& message) {
+    constexpr std::size_t kLongest = 4'096;
+    ++error_count;
+    Diagnostic fault{line, text.substr(0, kLongest)};
+    bool is_repeated = !diagnostics.empty() && diagnostics_left_out == 0 &&
+                       diagnostics.back().line == line && diagnostics.back().text == fault.text;
+    if (is_repeated) {
+        ++diagnostics.back().times;
+        return;
+    }
+    if (diagnostics.size() < kMostFaults) {
+        diagnostics.push_back(std::move(fault));
+        error_list.emplace_back();
+    } else {
+        ++diagnostics_left_out;
+    }
+    error_list.back() = message.substr(0, kLongest);
+}
+
 }  // namespace tpu

@@ -56,12 +56,8 @@ class Replay {
         Kept code(run_.statement_depth, run_.unrecorded, run_.current_line);
         editor_.learning = false;
         run_.statement_depth = run_.unrecorded = run_.current_line = 0;
-        const std::size_t faults = run_.error_list.size() + kMostFaults;
         for (std::string statement; !run_.interrupted && reader_.next(statement); ++count_) {
             run_one(statement);
-            // A file of nonsense makes as many faults as it has lines.
-            if (run_.error_list.size() > faults) run_.error_list.resize(faults);
-            if (run_.diagnostics.size() > faults) run_.diagnostics.resize(faults);
         }
     }
 
@@ -71,8 +67,6 @@ class Replay {
     }
 
   private:
-    static constexpr std::size_t kMostFaults = 1000;
-
     void run_one(const std::string& statement) {
         UndoStep step(editor_);
         run_.look_for_interrupt();

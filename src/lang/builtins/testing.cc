@@ -8,7 +8,9 @@ namespace {
 
 void keep(TPUEditor& editor, bool passed, const std::string& line) {
     ++(passed ? editor.assertions_passed : editor.assertions_failed);
-    editor.test_report.push_back((passed ? "PASS  " : "FAIL  ") + line);
+    using Line = TestReport::Line;
+    editor.test_report.add(passed ? Line::passed : Line::failed,
+                           (passed ? "PASS  " : "FAIL  ") + line);
 }
 
 // What an assertion is called in the report.
@@ -17,7 +19,8 @@ std::string label(Args& args) {
 }
 
 void test(Call& call) {
-    call.editor.test_report.push_back("---- " + std::string(call.args.whole()));
+    call.editor.test_report.add(TestReport::Line::heading,
+                                "---- " + std::string(call.args.whole()));
 }
 
 void assert_true(Call& call) {

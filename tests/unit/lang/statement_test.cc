@@ -87,6 +87,26 @@ TEST(Statements, that_are_wrong_are_counted_and_listed) {
     EXPECT_EQ(value_of(s, "Y") + value_of(s, "Z"), "52");
     EXPECT_FALSE(parser.execute_procedure("nonsense"));
     EXPECT_EQ(parser.error_count, 2);
+    // A program may go wrong without end.
+    parser.compile_text("i := 0\nLOOP; EXITIF i = 50000; i := i + 1; x y; ENDLOOP\n");
+    EXPECT_EQ(parser.diagnostics.back().times, 50'000);
+    parser.compile_text("i := 0\nLOOP; EXITIF i = 50000; i := i + 1; x y; x z; ENDLOOP\n");
+    EXPECT_EQ(parser.error_count, 150'002);
+    EXPECT_EQ(parser.diagnostics.size(), MiniTPUParser::kMostFaults);
+    EXPECT_EQ(parser.error_list.size(), MiniTPUParser::kMostFaults);
+    EXPECT_EQ(parser.error_list.back(), "Unknown command: x z  (line 2)");
+}
+
+TEST(Statements, report_as_much_as_people_may_read) {
+    TestReport report;
+    for (int i = 0; i < 100'002; ++i) report.add(TestReport::Line::passed, "PASS");
+    for (int i = 0; i < 100'001; ++i) report.add(TestReport::Line::failed, "FAIL");
+    EXPECT_EQ(report.lines().size(), 200'000u);
+    EXPECT_EQ(report.lines().back(), "FAIL");
+    EXPECT_EQ(report.left_out(), 3);
+    TestReport wide;
+    for (int i = 0; i < 100; ++i) wide.add(TestReport::Line::failed, std::string(4'000'000, 'f'));
+    EXPECT_EQ(wide.left_out(), 67);
 }
 
 TEST(Statements, report_assertions) {
@@ -95,7 +115,7 @@ TEST(Statements, report_assertions) {
         "TEST(\"t\"); ASSERT(1 + 1); ASSERT_TRUE(\"\"); ASSERT_FALSE(0)\n"
         "ASSERT_EQ(1, \"1\"); ASSERT_EQ(1, 02, \"label\"); ASSERT_EQ(5)");
     EXPECT_EQ(
-        s.editor.test_report,
+        s.editor.test_report.lines(),
         (Lines{"---- \"t\"", "PASS  1 + 1", "FAIL  \"\"", "PASS  0", "PASS  1, \"1\"",
                "FAIL  label  (got=\"1\" expected=\"2\")", "FAIL  5  (got=\"5\" expected=\"\")"}));
     EXPECT_EQ(s.editor.assertions_passed, 3);
