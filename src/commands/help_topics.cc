@@ -319,7 +319,8 @@ it, and ! begins a comment. Case does not count in names.
 LOOP, ON_ERROR and what ends them are statements of their own: a line end or a
 semicolon follows. A missing argument has no value, one too many is ignored. A
 name that is not declared LOCAL is the caller's, or else global. A loop ends
-by itself after 100,000 passes; calls nest 100,000 deep.
+by itself after 100,000 passes, with an error, see SET(LOOP_LIMIT); calls nest
+100,000 deep.
 
 Operators from loose to tight: OR; AND; = <> < <= > >=; + - &; * /; - and NOT
 before a value. Comparisons are of texts when one side is a string. + and &

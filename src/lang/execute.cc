@@ -15,8 +15,6 @@ namespace tpu {
 
 namespace {
 
-constexpr int kMostPasses = 100'000;  // of a loop; a guard against those that never end
-
 bool can_be_handled(Signal signal) {
     return signal == Signal::aborting || signal == Signal::failing;
 }
@@ -44,9 +42,10 @@ inline bool is_true(MiniTPUParser& run, const NodePtr& condition) {
 
 void run_nested(MiniTPUParser& run, const std::vector<Stmt>& statements);
 
-void run_loop(MiniTPUParser& run, const std::vector<Stmt>& body) {
-    for (int pass = 0; pass < kMostPasses; ++pass) {
-        run_nested(run, body);
+void run_loop(MiniTPUParser& run, const Stmt& loop) {
+    // The limit is looked at each time: the loop may set it.
+    for (std::uint64_t pass = 0; run.loop_limit == 0 || pass < run.loop_limit; ++pass) {
+        run_nested(run, loop.body);
         run.look_for_interrupt();
         Signal signal = run.control_signal;
         if (signal == Signal::none) continue;
@@ -54,6 +53,7 @@ void run_loop(MiniTPUParser& run, const std::vector<Stmt>& body) {
         if (ends_here) run.control_signal = Signal::none;
         return;
     }
+    run.end_loop(loop);
 }
 
 inline void run_one(MiniTPUParser& run, const Stmt& stmt) {
@@ -67,7 +67,7 @@ inline void run_one(MiniTPUParser& run, const Stmt& stmt) {
         case Stmt::kIf:
             run_nested(run, is_true(run, code.expression) ? stmt.body : stmt.else_body);
             break;
-        case Stmt::kLoop: run_loop(run, stmt.body); break;
+        case Stmt::kLoop: run_loop(run, stmt); break;
         case Stmt::kExitIf:
             if (is_true(run, code.expression)) run.control_signal = Signal::leaving_loop;
             break;
@@ -227,6 +227,7 @@ void MiniTPUParser::settle() {
     current_line = 0;
     retired_.clear();
     returned_from.reset();
+    ended_loops_.clear();
     editor.free_deleted();
 }
 
@@ -248,6 +249,18 @@ void MiniTPUParser::abort() {
 }
 
 bool MiniTPUParser::interrupt_wanted() {
+void MiniTPUParser::end_loop(const Stmt& loop) {
+    if (loop.line > 0) current_line = loop.line;
+    const std::string text = "LOOP ended after " + std::to_string(loop_limit) + " passes";
+    record_error("TPU$_LOOPLIMIT", text);
+    if (std::find(ended_loops_.begin(), ended_loops_.end(), &loop) != ended_loops_.end()) return;
+    ended_loops_.push_back(&loop);
+    std::string message = text;
+    if (loop.line > 0) message += "  (line " + std::to_string(loop.line) + ")";
+    editor.set_message(message);
+    add_fault(loop.line, text, message);
+}
+
     constexpr std::chrono::milliseconds kBetweenLooks(50);
     if (editor.headless || interrupted) return false;
     Clock::time_point now = editor.ports.clock.now();

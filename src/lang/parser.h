@@ -86,7 +86,10 @@ class MiniTPUParser {
     const char* stack_limit = nullptr;      // where the running stack is nearly used up
     CodeCache code_cache;
 
-    // Bytes; an expression whose text would be longer fails.
+    // Passes after which a loop ends, a guard against those that never end; 0: none.
+    std::uint64_t loop_limit = 100'000;
+
+    // Bytes; an expression whose text would be longer fails, and what adds more to a buffer.
     std::size_t longest_text = std::size_t{1} << 30;
 
     // source.cc, block_parser.cc: reading source text
@@ -137,6 +140,8 @@ class MiniTPUParser {
     }
     bool interrupt_wanted();
 
+    // A loop has used up its passes. Each says so once, until nothing runs any more.
+    void end_loop(const Stmt& loop);
     // statement.cc
     // Runs one statement. An unknown one is reported as a message. True when the
     // statement was executed, which includes having been reported.
@@ -209,6 +214,7 @@ class MiniTPUParser {
     std::vector<std::unique_ptr<Procedure>> retired_;  // redefined while they may have run
     std::vector<const void*> replaying_;               // the learn sequences that run
     unsigned steps_ = 0;
+    std::vector<const Stmt*> ended_loops_;             // those that have said so
     std::chrono::steady_clock::time_point last_look_;  // at the keyboard
 };
 

@@ -278,6 +278,8 @@ constexpr InfoItem kItems[] = {
     {{"SCREEN_WIDTH", "SCREEN_COLS"}, Of::session, session_number<&TPUEditor::cols>, "The columns of the screen."},
     {{"WINDOW_COUNT"}, Of::session, [](const Subject& s) { return number(s.editor.windows.size()); }, "The number of windows."},
     {{"BUFFER_COUNT"}, Of::session, [](const Subject& s) { return number(s.editor.buffers.size()); }, "The number of buffers."},
+    {{"LOOP_LIMIT"}, Of::session, [](const Subject& s) { return number(s.editor.parser.loop_limit); },
+     "After how many passes a LOOP ends by itself; 0 for never."},
     {{"PROCEDURE_COUNT"}, Of::session, [](const Subject& s) { return number(s.editor.parser.procedures.size()); },
      "The number of procedures that programs have defined."},
     {{"MOUSE_ROW"}, Of::session, session_number<&TPUEditor::mouse_row>, "The row on the screen of the last report of the mouse, counting from 0; -1 before any."},

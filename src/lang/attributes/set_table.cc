@@ -97,6 +97,16 @@ void put_timer(SetCall& call) {
     editor.timer_start = editor.ports.clock.now();
 }
 
+// A number, or OFF.
+void put_loop_limit(SetCall& call) {
+    constexpr std::uint64_t kNever = 0;
+    bool is_number = call.value().is(Value::Type::integer) && call.value().integer() > 0;
+    if (!is_number && call.word() != "OFF") {
+        return call.editor.set_message("SET(LOOP_LIMIT) needs a number of passes or OFF");
+    }
+    call.editor.parser.loop_limit = is_number ? call.number(0, 1, INT64_MAX) : kNever;
+}
+
 // A key is a code or the name of a key.
 void put_shift_key(SetCall& call) {
     const Value& key = call.value();
@@ -175,6 +185,8 @@ constexpr SetKeyword kKeywords[] = {
      .help = "Whether the terminal reports the mouse, so that clicks move the cursor."},
     {.name = "TIMER", .apply = put_timer, .value = "milliseconds [, statement]",
      .help = "Run a statement again and again, so far apart; 0 or less switches the timer off."},
+    {.name = "LOOP_LIMIT", .apply = put_loop_limit, .value = "passes, or OFF",
+     .help = "After how many passes a LOOP ends by itself, with an error; 100000 unless it is set, OFF for never."},
     {.name = "PRE_KEY_PROCEDURE", .apply = put_procedure<&TPUEditor::pre_key_procedure>, .value = "statement",
      .help = "What runs before each key; nothing when it is empty or OFF."},
     {.name = "POST_KEY_PROCEDURE", .apply = put_procedure<&TPUEditor::post_key_procedure>, .value = "statement",
