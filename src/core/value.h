@@ -149,9 +149,16 @@ class Value {
     // Lengthens a string. At no cost beyond the new bytes, on average, when no other
     // value shares the text.
     void append(std::string_view text);
-    // True when both are one long text that nobody else holds.
+    // True when both are one long text, pattern or the like that no third value holds.
     bool only_shares_with(const Value& other) const {
-        return counted() == kText && word_.tail == other.word_.tail && long_text()->count == 2;
+        return counted() && word_.tail == other.word_.tail && count() == 2;
+    }
+    // How many values hold the long text, pattern, array or the like that this one does.
+    std::size_t holders() const { return counted() ? count() : 1; }
+    // The pattern, to be changed in place; null when anybody else holds it.
+    TPUPattern* own_pattern() const {
+        bool is_own = is(Type::pattern) && count() == 1 && object()->object.use_count() == 1;
+        return is_own ? static_cast<TPUPattern*>(object()->object.get()) : nullptr;
     }
 
   private:

@@ -190,7 +190,8 @@ void MiniTPUParser::execute_stmt(const Stmt& stmt) {
 }
 
 void MiniTPUParser::run_assignment(const StmtCode& code) {
-    if (code.in_place && code.target.symbol->value.is(Value::Type::string)) {
+    const Value::Type held = code.target.symbol->value.type();
+    if (code.in_place && (held == Value::Type::string || held == Value::Type::pattern)) {
         static_cast<const Sum&>(*code.expression).assign_in_place(*this, *code.target.symbol);
         return;
     }

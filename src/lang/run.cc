@@ -52,9 +52,9 @@ Value join_texts(MiniTPUParser& run, Value left, const Value& right) {
     return Value::make_joined(first, second);
 }
 
-Value join_patterns(MiniTPUParser& run, const Value& left, const Value& right, char op) {
+Value join_patterns(MiniTPUParser& run, Value left, const Value& right, char op) {
     if (!fits(run, pattern_bytes(left) + pattern_bytes(right))) return tpu_unspecified();
-    return concat_patterns(left, right, op);
+    return concat_patterns(std::move(left), right, op);
 }
 
 Value add_values(MiniTPUParser& run, Value left, char op, const Value& right) {
@@ -63,7 +63,7 @@ Value add_values(MiniTPUParser& run, Value left, char op, const Value& right) {
         return Value::adopt(
             {0, bits_of(std::move(left).release()) - static_cast<std::uint64_t>(right.as_int())});
     if (left.is(Type::pattern) || right.is(Type::pattern))
-        return join_patterns(run, left, right, op);
+        return join_patterns(run, std::move(left), right, op);
     if (left.is(Type::string) || right.is(Type::string)) {
         return join_texts(run, std::move(left), right);
     }
@@ -154,7 +154,8 @@ Word Sum::compute(MiniTPUParser& run) const {
 void Sum::assign_in_place(MiniTPUParser& run, Symbol& target) const {
     Value sum = target.value;
     constexpr std::size_t kMost = 8;
-    if (!sum.is(Value::Type::string) || may_stop || links.size() > kMost) {
+    bool grows = sum.is(Value::Type::string) || sum.is(Value::Type::pattern);
+    if (!grows || may_stop || links.size() > kMost) {
         sum = Value::adopt(compute(run));
     } else {
         // First all operands, since they may still look at the variable.

@@ -15,6 +15,7 @@ std::size_t pattern_bytes(const Value& value);
 
 // The pattern value that matches `a` and then `b`, anchored if either is. `op` is '+'
 // or '&'; the latter leaves its mark on the first token of `b`, which no matcher reads.
-Value concat_patterns(const Value& a, const Value& b, char op);
+// A pattern that nobody else holds is lengthened in place.
+Value concat_patterns(Value a, const Value& b, char op);
 
 }  // namespace tpu

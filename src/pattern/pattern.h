@@ -46,6 +46,7 @@ struct TPUPatternToken {
 struct TPUPattern {
     std::vector<TPUPatternToken> tokens;  // in match order
     bool anchored = false;                // a search tries only where it starts
+    std::size_t bytes = 0;                // what joins have counted; 0: nothing
 
     // True when byte `c` occurs in `set`.
     static bool contains_char(std::string_view set, char c) {
