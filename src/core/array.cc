@@ -5,6 +5,8 @@
 #include <limits>
 #include <new>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace tpu {
 
@@ -170,6 +172,76 @@ void tpu_array_visit_all(const std::function<void(TPUArray&)>& visit) {
     for (const auto& array : array_list().arrays) {
         if (auto held = array.lock()) visit(*held);
     }
+}
+
+namespace {
+
+// Tells apart what variables and running code hold, directly or by way of other arrays.
+class ReachableArrays {
+  public:
+    explicit ReachableArrays(const std::vector<std::shared_ptr<TPUArray>>& live) {
+        for (const auto& array : live) count_holders(*array);
+        for (const auto& array : live) {
+            if (is_held_from_outside(array)) reach(array.get());
+        }
+        while (!to_visit_.empty()) {
+            const TPUArray* array = to_visit_.back();
+            to_visit_.pop_back();
+            array->for_each([&](const ArrayKey&, const Value& value) {
+                if (const TPUArray* element = value.array_here()) reach(element);
+            });
+        }
+    }
+
+    bool contains(const TPUArray* array) const { return reached_.contains(array); }
+
+  private:
+    // Values that were copied from each other share one hold on their array.
+    struct Hold {
+        std::size_t elements = 0;  // that are such values
+        std::size_t values = 0;
+    };
+
+    void count_holders(const TPUArray& array) {
+        array.for_each([&](const ArrayKey&, const Value& value) {
+            const TPUArray* element = value.array_here();
+            if (!element) return;
+            Hold& hold = holds_[element][value.word().tail];
+            ++hold.elements;
+            hold.values = value.holders();
+        });
+    }
+
+    bool is_held_from_outside(const std::shared_ptr<TPUArray>& array) {
+        const auto& holds = holds_[array.get()];
+        constexpr long kOurs = 1;
+        if (array.use_count() - kOurs > static_cast<long>(holds.size())) return true;
+        return std::any_of(holds.begin(), holds.end(), [](const auto& hold) {
+            return hold.second.values > hold.second.elements;
+        });
+    }
+
+    void reach(const TPUArray* array) {
+        if (reached_.insert(array).second) to_visit_.push_back(array);
+    }
+
+    std::unordered_map<const TPUArray*, std::unordered_map<std::uint64_t, Hold>> holds_;
+    std::unordered_set<const TPUArray*> reached_;
+    std::vector<const TPUArray*> to_visit_;
+};
+
+}  // namespace
+
+void tpu_array_free_cycles() noexcept try {
+    const std::vector<std::shared_ptr<TPUArray>> live = tpu_array_list();
+    if (live.empty()) return;
+    const ReachableArrays reachable(live);
+    std::vector<ArrayElements> gone;
+    for (const auto& array : live) {
+        if (!reachable.contains(array.get())) gone.push_back(array->take_elements());
+    }
+} catch (const std::bad_alloc&) {
+    return;
 }
 
 // Deliberate: pruning may shift the array of the current place, which is not corrected.

@@ -70,6 +70,9 @@ struct TPUArray {
         elements_.for_each(visit);
     }
 
+    // The elements, taken out: they go when nobody walks over arrays any more.
+    ArrayElements take_elements() { return std::exchange(elements_, ArrayElements()); }
+
     // See tpu_array_walk.
     Value walk(std::string_view which);
 
@@ -103,6 +106,18 @@ void tpu_array_prune();
 std::vector<std::shared_ptr<TPUArray>> tpu_array_list();
 // Calls `visit` for each of them; it must make no arrays.
 void tpu_array_visit_all(const std::function<void(TPUArray&)>& visit);
+
+// Empties the arrays that nothing holds but themselves or each other, which are there for
+// ever otherwise. Does without when there is no memory for it.
+void tpu_array_free_cycles() noexcept;
+
+// Does that at its end.
+struct ArrayCycles {
+    ArrayCycles() = default;
+    ArrayCycles(const ArrayCycles&) = delete;
+    ArrayCycles& operator=(const ArrayCycles&) = delete;
+    ~ArrayCycles() { tpu_array_free_cycles(); }
+};
 
 // One step of the walk over the live arrays: FIRST (or BRST), LAST, CURRENT, NEXT,
 // PREVIOUS. Gives the array, or the integer 0 when there is none there.

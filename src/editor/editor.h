@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "core/array.h"
 #include "core/buffer.h"
 #include "editor/layout.h"
 #include "editor/line_input.h"
@@ -45,6 +46,7 @@ class TPUEditor {
     TPUEditor(const TPUEditor&) = delete;
     TPUEditor& operator=(const TPUEditor&) = delete;
 
+    ArrayCycles array_cycles;  // goes last, when nobody here holds arrays any more
     Ports ports;
     std::vector<std::unique_ptr<Buffer>> buffers;  // in order of creation
     Buffer* current_buffer = nullptr;

@@ -156,6 +156,32 @@ TEST(Array, long_chain_of_arrays_is_let_go) {
     EXPECT_TRUE(innermost.expired());
 }
 
+TEST(Array, that_only_arrays_hold_is_let_go_with_its_session) {
+    Value shared = Value::make_array();
+    auto store = [](const Value& array, int key, const Value& value) {
+        tpu_array_set(array.array(), integer(key), value);
+    };
+    {
+        ArrayCycles session;
+        Value itself = Value::make_array(), one = Value::make_array(), other = Value::make_array();
+        store(itself, 1, itself);
+        store(itself, 2, Value::make_array(itself.array()));  // another hold on it
+        store(one, 1, other);
+        store(other, 1, one);
+        store(other, 2, Value::make_array());
+        store(shared, 1, Value::make_array());
+        store(*shared.array_here()->find(integer(1)), 1, shared);
+        itself = one = other = Value();
+        EXPECT_EQ(tpu_array_list().size(), 6u);
+    }
+    EXPECT_EQ(tpu_array_list().size(), 2u) << "what somebody holds, and what that holds";
+    EXPECT_EQ(shared.array_here()->size(), 1u);
+    shared.array_here()->deleted = true;
+    shared = Value();
+    tpu_array_free_cycles();
+    EXPECT_TRUE(tpu_array_list().empty());
+}
+
 TEST(ArrayList, walks_in_order_of_creation_and_stays_at_the_ends) {
     ASSERT_EQ(walk_list({"FIRST"}), "0");
     Value a = numbered(1), b = numbered(2), c = numbered(3);

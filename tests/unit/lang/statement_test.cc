@@ -97,6 +97,16 @@ TEST(Statements, that_are_wrong_are_counted_and_listed) {
     EXPECT_EQ(parser.error_list.back(), "Unknown command: x z  (line 2)");
 }
 
+TEST(Statements, leave_no_arrays_behind_when_their_session_ends) {
+    const std::size_t before = tpu_array_list().size();
+    {
+        Session s;
+        s.editor.parser.compile_text("a := CREATE_ARRAY; a{1} := a; a{2} := CREATE_ARRAY; b := a");
+        EXPECT_EQ(tpu_array_list().size(), before + 2);
+    }
+    EXPECT_EQ(tpu_array_list().size(), before);
+}
+
 TEST(Statements, report_as_much_as_people_may_read) {
     TestReport report;
     for (int i = 0; i < 100'002; ++i) report.add(TestReport::Line::passed, "PASS");
