@@ -65,13 +65,14 @@ std::string CommandLine::file(std::size_t i) const {
     return with_home(text.substr(0, text.find('"')));
 }
 
-std::optional<std::uint64_t> CommandLine::number(std::size_t i) const {
+std::optional<std::uint64_t> CommandLine::number(std::size_t i, std::uint64_t least) const {
     if (i >= words.size()) return std::nullopt;
     const std::string& word = words[i];
     std::uint64_t number = 0;
     auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
     if (error == std::errc::result_out_of_range) number = UINT64_MAX;
-    if (error == std::errc::invalid_argument || end != word.data() + word.size() || number == 0) {
+    if (error == std::errc::invalid_argument || end != word.data() + word.size() ||
+        number < least) {
         return std::nullopt;
     }
     return number;

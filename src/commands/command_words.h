@@ -32,8 +32,8 @@ struct CommandLine {
     std::string_view rest(std::size_t i) const;
     // The name of a file: word `i`, or several in double quotes; ~ is the home directory.
     std::string file(std::size_t i) const;
-    // Word `i` as a number above 0.
-    std::optional<std::uint64_t> number(std::size_t i) const;
+    // Word `i` as a number, if it is one and not too small.
+    std::optional<std::uint64_t> number(std::size_t i, std::uint64_t least = 1) const;
 };
 
 // The name of a file as people type it, with the home directory in place of ~.

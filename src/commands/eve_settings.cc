@@ -24,10 +24,10 @@ void set_gold_key(TPUEditor& editor, Line line) {
 // What is set is what the statement SET(keyword, ...) makes of the words from `first` on,
 // which have to be numbers.
 void set_numbers(TPUEditor& editor, Line line, std::size_t first, const std::string& keyword,
-                 std::string_view form) {
+                 std::string_view form, std::uint64_t least = 0) {
     std::string statement = "SET(" + keyword;
     for (std::size_t i = first; i < line.words.size(); ++i) {
-        std::optional<std::uint64_t> number = line.number(i);
+        std::optional<std::uint64_t> number = line.number(i, least);
         if (!number) return editor.set_message(std::string(form));
         constexpr std::uint64_t kMost = INT64_MAX;
         statement += ", " + std::to_string(std::min(*number, kMost));
@@ -52,7 +52,7 @@ void set_margins(TPUEditor& editor, Line line) {
 }
 
 void set_tab_stops(TPUEditor& editor, Line line) {
-    set_numbers(editor, line, 3, "TAB_STOPS", kTabStops);
+    set_numbers(editor, line, 3, "TAB_STOPS", kTabStops, 1);
 }
 
 // ON, OFF, or the other of them.

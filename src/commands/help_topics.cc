@@ -369,7 +369,8 @@ SPAWN command runs it on the whole screen instead, and waits for its end.
 const std::string_view kWrap = R"help(WRAP
 
 Each buffer has margins: the column where filled and wrapped lines begin, and
-the one up to which they reach; 1 and 80 at first.
+the one up to which they reach; 1 and 80 at first. With a right margin of 0
+there is none.
 
   SET RIGHT MARGIN 72        a command; SET MARGINS 5 72 sets both
   SET(WRAP)                  a blank typed past the right margin wraps

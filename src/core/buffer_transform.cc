@@ -125,6 +125,7 @@ char Buffer::xform_case(char c, Case mode) {
         case Case::lower: return ascii::to_lower(c);
         case Case::invert: return ascii::to_upper(c) != c ? ascii::to_upper(c) : ascii::to_lower(c);
     }
+    if (right == 0) right = UINT64_MAX;
     return c;
 }
 

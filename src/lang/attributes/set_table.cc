@@ -50,12 +50,12 @@ void put_text(SetCall& call) {
 
 template <auto margin>
 void put_margin(SetCall& call) {
-    call.buffer.*margin = call.number(0, 1, kLastMargin);
+    call.buffer.*margin = call.number(0, 0, kLastMargin);
 }
 
 void put_margins(SetCall& call) {
     put_margin<&Buffer::left_margin>(call);
-    if (call.count() > 1) call.buffer.right_margin = call.number(1, 1, kLastMargin);
+    if (call.count() > 1) call.buffer.right_margin = call.number(1, 0, kLastMargin);
 }
 
 void put_max_lines(SetCall& call) {
@@ -166,9 +166,9 @@ constexpr SetKeyword kKeywords[] = {
     {.name = "EOB_TEXT", .apply = put_text<&Buffer::eob_text>, .value = "text", .takes_buffer = true,
      .help = "What is shown behind the last line."},
     {.name = "LEFT_MARGIN", .apply = put_margin<&Buffer::left_margin>, .value = "column", .takes_buffer = true,
-     .help = "The column in which filled and wrapped lines begin; 1 at least."},
+     .help = "The column in which filled and wrapped lines begin; 0 is the first one too."},
     {.name = "RIGHT_MARGIN", .apply = put_margin<&Buffer::right_margin>, .value = "column", .takes_buffer = true,
-     .help = "The column up to which lines are filled; 1 at least."},
+     .help = "The column up to which lines are filled; 0 for none, which ends wrapping and the mark of the margin."},
     {.name = "MARGINS", .apply = put_margins, .value = "left [, right]", .takes_buffer = true,
      .help = "Both margins; a right one that is not given stays."},
     {.name = "MAX_LINES", .apply = put_max_lines, .value = "lines", .takes_buffer = true,

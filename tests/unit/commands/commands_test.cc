@@ -385,6 +385,8 @@ TEST_F(Commands, bind_keys) {
     EXPECT_EQ(run("REMOVE_KEY_MAP TPU$KEY_MAP_LIST mine"), "Removed key map");
     EXPECT_EQ(editor.current_key_map_list->maps.size(), 1u);
     EXPECT_EQ(run("REMOVE_KEY_MAP TPU$KEY_MAP_LIST"), "REMOVE_KEY_MAP list map");
+    run("SET MARGINS 0 0");
+    EXPECT_EQ(main.left_margin + main.right_margin, 0u);
     EXPECT_EQ(run("CREATE_KEY_MAP_LIST empty"), "Created key map list empty");
     editor.current_key_map_list = editor.key_map_lists["empty"].get();
     EXPECT_EQ(run("DEFINE_KEY LEFT TOP"), "No active key map");
