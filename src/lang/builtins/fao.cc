@@ -50,10 +50,17 @@ struct Output {
     std::time_t now;
     std::string text;
     std::size_t repeats_left = kMostFormatRepeats;
+    bool is_cut = false;
 
     std::size_t room() const { return kLongestFormatted - text.size(); }
-    void put(std::string_view more) { text.append(more.substr(0, room())); }
-    void put(std::size_t times, char c) { text.append(std::min(times, room()), c); }
+    void put(std::string_view more) {
+        is_cut |= more.size() > room();
+        text.append(more.substr(0, room()));
+    }
+    void put(std::size_t times, char c) {
+        is_cut |= times > room();
+        text.append(std::min(times, room()), c);
+    }
 };
 
 // One control text on its way to the output.
@@ -94,7 +101,11 @@ class Formatter {
 };
 
 void Formatter::run() {
-    while (!rest().empty() && out_.room() > 0) {
+    while (!rest().empty()) {
+        if (out_.room() == 0) {
+            out_.is_cut = true;
+            return;
+        }
         const std::string_view plain = rest().substr(0, rest().find('!'));
         out_.put(plain);
         at_ += plain.size();
@@ -242,6 +253,7 @@ void Formatter::repeat() {
     if (!rest().empty() && is_letter(rest()[0])) one += control_.view()[at_++];
     const std::size_t count = width_.value_or(1), times = std::min(count, out_.repeats_left);
     out_.repeats_left -= times;
+    out_.is_cut |= times < count;
 
     std::string control;
     control.reserve(times * one.size());
@@ -258,9 +270,10 @@ void Formatter::repeat() {
 
 }  // namespace
 
-std::string format_ascii_output(std::span<const Value> arguments, std::time_t now) {
+std::string format_ascii_output(std::span<const Value> arguments, std::time_t now, bool* is_cut) {
     Output out{now, {}};
     Formatter(arguments, out).run();
+    if (is_cut) *is_cut = out.is_cut;
     return std::move(out.text);
 }
 

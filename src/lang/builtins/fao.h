@@ -17,7 +17,9 @@ inline constexpr std::size_t kMostFormatRepeats = std::size_t{1} << 20;
 
 // The first of `arguments` is the control text, the others are what it formats; one
 // beyond the last reads as the unspecified value. !%D and !%T show `now` as local
-// time. Any text is a control text: what is no directive stays as it is.
-std::string format_ascii_output(std::span<const Value> arguments, std::time_t now);
+// time. Any text is a control text: what is no directive stays as it is. `is_cut` becomes
+// true when some of the result is missing.
+std::string format_ascii_output(std::span<const Value> arguments, std::time_t now,
+                                bool* is_cut = nullptr);
 
 }  // namespace tpu

@@ -5,6 +5,7 @@
 #include "lang/builtins/families.h"
 #include "lang/builtins/fao.h"
 #include "lang/builtins/strings.h"
+#include "lang/parser.h"
 
 namespace tpu::builtins {
 
@@ -16,7 +17,12 @@ Value of_values(Call& call) {
 }
 
 Value fao(Call& call) {
-    return Value::make_str(format_ascii_output(call.args.values(), std::time(nullptr)));
+    bool is_cut = false;
+    std::string text = format_ascii_output(call.args.values(), std::time(nullptr), &is_cut);
+    if (is_cut) {
+        call.parser.record_error("TPU$_STRTOOLARGE", "FAO has cut a result that is too long");
+    }
+    return Value::make_str(text);
 }
 
 // clang-format off
