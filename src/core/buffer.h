@@ -142,6 +142,8 @@ class Buffer {
     bool redo();
 
     // buffer_typing.cc; guarded
+    // The way back to a state that is on no stack. The present one can be redone, alone.
+    void go_back_to(const Snapshot& snapshot);
     void copy_text(char c);
     // The inserted span. With Charset::utf8 the text overstrikes whole characters.
     Range copy_text(std::string_view text, Charset charset = Charset::bytes);

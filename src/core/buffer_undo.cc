@@ -31,6 +31,14 @@ void Buffer::push_undo(Snapshot snapshot, bool clear_redo) {
     if (clear_redo) redo_stack.clear();
 }
 
+void Buffer::go_back_to(const Snapshot& snapshot) {
+    redo_stack.clear();
+    redo_stack.push_back(snap());
+    last_restored = snapshot;
+    restore_snap(last_restored);
+    ++history_moves;
+}
+
 namespace {
 
 // Puts the present state on one stack and takes the newest of the other.

@@ -133,7 +133,10 @@ void TPUEditor::handle_key(int key) {
     if (feed_process(*this, key) || follow_mouse(*this, key)) return;
     UndoStep step(*this);
     JournaledKey journaled(*this);
-    run_procedure(*this, pre_key_procedure);
+    if (!pre_key_procedure.empty()) {
+        run_procedure(*this, pre_key_procedure);
+        step.begin_part();
+    }
     if (!take_prefix(*this, key)) {
         step.watch_current_buffer();
         act_on_key(*this, key);

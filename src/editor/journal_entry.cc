@@ -2,6 +2,7 @@
 
 #include "core/ascii.h"
 #include "editor/journal_mirror.h"
+#include "editor/undo_step.h"
 
 namespace tpu {
 
@@ -25,6 +26,8 @@ void JournalEntry::begin(const std::string& text) {
     JournalMirror& mirror = mirror_of(*buffer_);
     mirror.follow(editor_.charset, editor_.ports.clock.now());
     mirror.flush();
+    // What is one step here is several when the records are replayed.
+    if (editor_.undo_step && !editor_.undo_step->takes_record()) mirror.expect_own_steps();
     // Steps of undo that a replay does not have are recorded by what they do.
     by_effect_ = (mirror.has_own_steps() && travels(text)) || recovers(text);
     if (!by_effect_) mirror.record(text);

@@ -1,6 +1,8 @@
 // One press of a key, or one outermost statement, is one step of undo.
 #pragma once
 
+#include <optional>
+
 #include "core/buffer.h"
 
 namespace tpu {
@@ -20,22 +22,44 @@ class UndoStep {
     UndoStep& operator=(const UndoStep&) = delete;
 
     void forget(const Buffer* buffer);  // it is being deleted
-    // Makes a step of what has changed so far, and watches no buffer until told to.
-    void finish();
-    // Watches the buffer that is current now as well.
+    // Watches the buffer that is current now, or another one, as well.
     void watch_current_buffer();
+    void watch(Buffer& buffer);
+    bool watches(const Buffer& buffer) { return find(&buffer); }
+    // What has changed so far is no concern of an UNDO that follows.
+    void begin_part();
+    // A statement of this step gets a record of its own; false: it is not the first one.
+    bool takes_record() { return records_++ == 0; }
 
   private:
+    friend bool undo(TPUEditor& editor);
+    friend bool redo(TPUEditor& editor);
+
     struct Watched {
         Buffer* buffer;
         Buffer::Snapshot before;
         std::uint64_t history_moves;
+        std::optional<Buffer::Snapshot> since = {};  // UNDO goes back to here first, if set
+        bool has_branched = false;  // what it undid before a change cannot be redone
+
+        const Buffer::Snapshot& start() const { return since ? *since : before; }
+        bool has_changed() const { return !buffer->snap().same_place_and_text(start()); }
+        bool has_travelled() const { return buffer->history_moves != history_moves; }
     };
+    Watched* find(const Buffer* buffer);
+    void finish();
     void finish(const Watched& watched) const;
 
     TPUEditor& editor_;
     UndoStep* outer_;
     std::vector<Watched> watched_;
+    std::uint64_t records_ = 0;
 };
+
+// Of the current buffer: takes back what the step under way has changed so far, or if that
+// is nothing the step before. False: there is none.
+bool undo(TPUEditor& editor);
+// Brings back what was undone last, unless something was changed since.
+bool redo(TPUEditor& editor);
 
 }  // namespace tpu

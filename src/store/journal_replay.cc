@@ -34,19 +34,50 @@ class Kept {
     std::tuple<T...> before_;
 };
 
-// The statements run as they once did: each an outermost one and a step of undo. What
-// they say about journals, learning and leaving the editor does not concern the
-// session that replays them.
+// The steps of undo of a buffer, laid aside: a replay begins without any, since it knows
+// only of those that it makes, and leaves none of its own behind.
+class StepsAside {
+  public:
+    explicit StepsAside(Buffer& buffer)
+        : buffer_(&buffer),
+          kept_(buffer.undo_stack, buffer.redo_stack, buffer.history_moves, buffer.last_restored) {
+        buffer.undo_stack.clear();
+        buffer.redo_stack.clear();
+    }
+    const Buffer* of() const { return buffer_; }  // which may be gone
+
+  private:
+    const Buffer* buffer_;
+    Kept<std::vector<Buffer::Snapshot>, std::vector<Buffer::Snapshot>, std::uint64_t,
+         Buffer::Snapshot>
+        kept_;
+};
+
+// The statements run as they once did: each an outermost one and a step of undo for those
+// that follow; all of them together are one step. What they say about journals, learning
+// and leaving the editor does not concern the session that replays them.
 class Replay {
   public:
     Replay(MiniTPUParser& run, JournalReader& reader)
-        : run_(run), editor_(run.editor), reader_(reader), outer_step_(editor_.undo_step) {
-        if (outer_step_) outer_step_->finish();
-        editor_.undo_step = nullptr;
+        : run_(run), editor_(run.editor), reader_(reader), step_(editor_) {
+        for (const auto& buffer : editor_.buffers) {
+            if (buffer->system) continue;
+            editor_.undo_step->watch(*buffer);
+            steps_aside_.push_back(std::make_unique<StepsAside>(*buffer));
+        }
+        step_under_way_ = std::exchange(editor_.undo_step, nullptr);
     }
     ~Replay() {
-        editor_.undo_step = outer_step_;
-        if (outer_step_) outer_step_->watch_current_buffer();
+        editor_.undo_step = step_under_way_;
+        for (const auto& steps : steps_aside_) {
+            if (!editor_.owns(steps->of())) step_under_way_->forget(steps->of());
+        }
+        // What the replay has made begins with its first step.
+        for (const auto& buffer : editor_.buffers) {
+            if (!step_under_way_->watches(*buffer) && buffer->undo_stack.size() > 1) {
+                buffer->undo_stack.resize(1);
+            }
+        }
     }
     Replay(const Replay&) = delete;
     Replay& operator=(const Replay&) = delete;
@@ -92,7 +123,9 @@ class Replay {
     MiniTPUParser& run_;
     TPUEditor& editor_;
     JournalReader& reader_;
-    UndoStep* outer_step_;
+    UndoStep step_;
+    UndoStep* step_under_way_ = nullptr;
+    std::vector<std::unique_ptr<StepsAside>> steps_aside_;
     std::uint64_t count_ = 0;
 };
 

@@ -3,6 +3,7 @@
 
 #include "core/ascii.h"
 #include "editor/editor.h"
+#include "editor/undo_step.h"
 #include "lang/builtins/common.h"
 #include "lang/builtins/families.h"
 
@@ -113,11 +114,11 @@ Value mark(Call& call) {
 }
 
 void undo(Call& call) {
-    call.editor.set_message(call.buffer().undo() ? "Undone" : "Nothing to undo");
+    call.editor.set_message(tpu::undo(call.editor) ? "Undone" : "Nothing to undo");
 }
 
 void redo(Call& call) {
-    call.editor.set_message(call.buffer().redo() ? "Redone" : "Nothing to redo");
+    call.editor.set_message(tpu::redo(call.editor) ? "Redone" : "Nothing to redo");
 }
 
 void store_paste(Call& call) {
@@ -192,7 +193,7 @@ constexpr Builtin kRows[] = {
     {.name = "MARK", .statement = set_mark, .function = mark, .bare = true, .most = 1,
      .form = "MARK[(FREE_CURSOR)]",
      .help = "Begin a selection at the cursor; as a function, the marker of the cursor's place."},
-    {.name = "UNDO", .statement = undo, .form = "UNDO", .help = "Undo the last step."},
+    {.name = "UNDO", .statement = undo, .form = "UNDO", .help = "Undo what the running statement has changed, or else the last step."},
     {.name = "REDO", .statement = redo, .form = "REDO", .help = "Do again what was undone last."},
 };
 // clang-format on

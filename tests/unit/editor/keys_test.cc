@@ -73,6 +73,20 @@ TEST(Keys, that_are_unbound_do_nothing_and_leave_no_undo_step) {
     EXPECT_EQ(s.cursor(), (Position{0, 3}));
 }
 
+TEST(Keys, undo_what_they_have_done_themselves_first) {
+    Session s({"one"});
+    s.editor.parser.execute_text(
+        "DEFINE_KEY(\"COPY_TEXT(7); COPY_TEXT(8); UNDO\", \"F8\"); DEFINE_KEY(\"UNDO\", \"F7\")");
+    s.press("x<F8>");
+    EXPECT_EQ(s.lines(), (Rows{"xone"}));
+    s.press("<CTRL_Z>COPY_TEXT(7); UNDO<RETURN>");
+    EXPECT_EQ(s.lines(), (Rows{"xone"}));
+    // What runs before each key is no part of what the key takes back.
+    s.editor.pre_key_procedure = "BOTTOM";
+    s.press("<F7>");
+    EXPECT_EQ(s.lines(), (Rows{"one"}));
+}
+
 TEST(Keys, type_whole_utf8_characters_as_one_step) {
     Session s({""});
     s.press("a\xc3\xa9\xff\xc3z");

@@ -125,6 +125,7 @@ break " & 'x'); UNDO; REDO
         s.run(source);
         again.run(
             "PROCEDURE type(text); COPY_TEXT(text); SPLIT_LINE; RETURN LENGTH(text); ENDPROCEDURE");
+        again.press("x<BACKSPACE>");
         again.open(folder.path("live"));
         Lines said = again.recover(file);
         EXPECT_EQ(said[1], "RECOVER_BUFFER replayed " + file);
@@ -132,13 +133,31 @@ break " & 'x'); UNDO; REDO
         EXPECT_EQ(again.editor.current_buffer, again.buffer);
         EXPECT_TRUE(again.buffer->journaling) << "what was replayed closed the live journal";
         EXPECT_EQ(again.cursor(), s.cursor());
-        for (int undone = 0; undone < 4; ++undone) {
-            EXPECT_EQ(again.lines(), s.lines()) << format << " after undoing " << undone;
-            s.buffer->undo();
-            again.buffer->undo();
-        }
+        EXPECT_EQ(again.lines(), s.lines()) << format;
+        // It is one step, and the steps before it are still there.
+        again.run("UNDO");
+        EXPECT_EQ(again.lines(), (Lines{"start", "end"}));
+        again.run("UNDO");
+        EXPECT_EQ(again.lines(), (Lines{"xstart", "end"}));
+        again.run("REDO; REDO");
+        EXPECT_EQ(again.lines(), s.lines());
         EXPECT_EQ(again.editor.parser.lookup_var("AGAIN")->learn()->size(), 1u);
     }
+}
+
+TEST_F(Journals, replay_what_several_statements_on_a_line_undo) {
+    Journaled s({"one"}), again({"one"});
+    s.open(path);
+    for (const char* line : {"COPY_TEXT(\"a\"); COPY_TEXT(\"b\"); UNDO",
+                             "COPY_TEXT(\"c\"); COPY_TEXT(\"d\")", "UNDO", "COPY_TEXT(\"e\")"}) {
+        s.editor.execute_command(line);
+    }
+    s.press("<CTRL_Z>SET MARGINS 0 0<RETURN>f");
+    flush_journals(s.editor, true);
+    again.recover(path);
+    EXPECT_EQ(s.lines(), Lines{"efone"});
+    EXPECT_EQ(again.lines(), s.lines());
+    EXPECT_EQ(again.buffer->left_margin + again.buffer->right_margin, 0u);
 }
 
 TEST_F(Journals, are_replayed_up_to_what_is_wrong_with_them) {
