@@ -56,22 +56,26 @@ std::string unquoted(const std::string& text) {
     return single ? bare.substr(1, bare.size() - 2) : bare;
 }
 
-bool search(TPUEditor& editor, Line line) {
+bool search(TPUEditor& editor, Line line, Work& work) {
     std::string text(line.from_word(1));
     Buffer& buffer = *editor.current_buffer;
     if (!is_pattern(text)) return buffer.search_forward(unquoted(text));
     TPUPattern pattern = MiniTPUParser::parse_pattern_expression(text);
-    return buffer.search_pattern_forward(pattern, true, false).has_value();
+    return buffer.search_pattern_forward(pattern, true, false, &work).has_value();
 }
 
 void find(TPUEditor& editor, Line line) {
     if (line.words.size() < 2) return editor.prompt_find();
-    editor.set_message(search(editor, line) ? "Found" : "Not found");
+    Work work = editor.parser.interruptible();
+    bool found = search(editor, line, work);
+    bool is_stopped = work.end == Work::End::stopped;
+    editor.set_message(is_stopped ? "Stopped by Ctrl-C" : found ? "Found" : "Not found");
 }
 
 void find_quietly(TPUEditor& editor, Line line) {
     if (line.words.size() < 2) return editor.prompt_find();
-    search(editor, line);
+    Work work = editor.parser.interruptible();
+    search(editor, line, work);
 }
 
 void erase_line(TPUEditor& editor, Line) {

@@ -15,6 +15,13 @@ using Line = const CommandLine&;
 
 constexpr const char* kSelectFirst = "Select a range first";
 
+// Whether a piece of work was done; else the message tells why not.
+bool is_done(TPUEditor& editor, const char* name, const Work& work) {
+    if (work.end == Work::End::stopped) editor.set_message("Stopped by Ctrl-C");
+    if (work.end == Work::End::too_large) editor.set_message(name + std::string(Work::kTooLarge));
+    return work.end == Work::End::done;
+}
+
 // COPY [TO name]
 void copy(TPUEditor& editor, Line line) {
     bool selected = editor.current_buffer->select_range().has_value();
@@ -62,7 +69,9 @@ void fill(TPUEditor& editor, Line) {
     Buffer& buffer = *editor.current_buffer;
     std::optional<Range> selection = buffer.select_range();
     if (!selection) return editor.set_message(kSelectFirst);
-    buffer.fill_range(*selection, buffer.left_margin, buffer.right_margin);
+    Work work = editor.parser.interruptible();
+    buffer.fill_range(*selection, buffer.left_margin, buffer.right_margin, &work);
+    if (!is_done(editor, "FILL", work)) return;
     buffer.select_anchor.reset();
     editor.set_message("Filled");
 }
@@ -83,8 +92,10 @@ void shift(TPUEditor& editor, Line line) {
     if (line.words.size() > 2 && !line.number(2)) return editor.set_message("Bad column number");
     Buffer& buffer = *editor.current_buffer;
     auto [first, last] = selected_rows(buffer);
-    buffer.shift_rows(first, last, sign * static_cast<int>(std::min(columns, kMost)));
+    Work work = editor.parser.interruptible();
+    buffer.shift_rows(first, last, sign * static_cast<int>(std::min(columns, kMost)), &work);
     buffer.clamp_cursor();
+    if (!is_done(editor, "SHIFT", work)) return;
     editor.set_message(sign > 0 ? "Shifted right" : "Shifted left");
 }
 
@@ -96,7 +107,9 @@ void change_case(TPUEditor& editor, Line line) {
                                           : Buffer::Case::invert;
     Buffer& buffer = *editor.current_buffer;
     if (std::optional<Range> selection = buffer.select_range()) {
-        buffer.change_case_range(*selection, mode);
+        Work work = editor.parser.interruptible();
+        buffer.change_case_range(*selection, mode, &work);
+        if (!is_done(editor, "CHANGE CASE", work)) return;
     } else {
         buffer.change_case_word(mode);
     }
@@ -116,14 +129,17 @@ void box_select(TPUEditor& editor, Line) {
 
 // Takes the rectangle between the place of BOX SELECT and the cursor.
 void take_box(TPUEditor& editor,
-              void (Buffer::*take)(std::uint64_t, std::uint64_t, std::uint64_t, std::uint64_t),
+              void (Buffer::*take)(std::uint64_t, std::uint64_t, std::uint64_t, std::uint64_t,
+                                   Work*),
               const char* done) {
     Buffer& buffer = *editor.current_buffer;
     if (!buffer.box_select || !buffer.select_anchor) {
         return editor.set_message("Start with BOX SELECT first");
     }
     const Marker from = *buffer.select_anchor;
-    (buffer.*take)(from.row, buffer.cursor_row, from.column, buffer.cursor_column);
+    Work work = editor.parser.interruptible();
+    (buffer.*take)(from.row, buffer.cursor_row, from.column, buffer.cursor_column, &work);
+    if (!is_done(editor, "BOX", work)) return;
     buffer.select_anchor.reset();
     buffer.box_select = false;
     editor.set_message(done);
@@ -140,7 +156,9 @@ void box_copy(TPUEditor& editor, Line) {
 void box_paste(TPUEditor& editor, Line) {
     Buffer& buffer = *editor.current_buffer;
     if (buffer.box_register.empty()) return editor.set_message("Box paste buffer empty");
-    buffer.box_paste(buffer.cursor_row, buffer.cursor_column);
+    Work work = editor.parser.interruptible();
+    buffer.box_paste(buffer.cursor_row, buffer.cursor_column, &work);
+    if (!is_done(editor, "BOX PASTE", work)) return;
     editor.set_message("Box pasted");
 }
 

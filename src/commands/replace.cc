@@ -77,39 +77,42 @@ std::optional<Wanted> wanted_by(TPUEditor& editor, const CommandLine& line) {
 // One replacing that is under way.
 class Replacing {
   public:
-    Replacing(TPUEditor& editor, const Wanted& wanted) : editor_(editor), wanted_(wanted) {}
+    Replacing(TPUEditor& editor, const Wanted& wanted)
+        : editor_(editor), wanted_(wanted), work_(editor.parser.interruptible()) {}
 
     // Replaces the matches in the offsets [from, to), which move with the text, and leaves
     // the cursor behind the last of them.
     void between(std::uint64_t from, std::uint64_t to) {
         Buffer& buffer = *editor_.current_buffer;
-        while (done_ < wanted_.most && !stopped_) {
+        const std::uint64_t longer =
+            wanted_.new_text.size() - std::min(wanted_.old_text.size(), wanted_.new_text.size());
+        while (done_ < wanted_.most && work_.end == Work::End::done) {
             std::optional<std::uint64_t> found = buffer.lines.find(wanted_.old_text, from, to);
             if (!found) break;
             buffer.replace_bytes(*found, wanted_.old_text.size(), wanted_.new_text);
             from = *found + wanted_.new_text.size();
             to = to + wanted_.new_text.size() - wanted_.old_text.size();
             ++done_;
-            look_for_interrupt();
+            work_.may_add(longer);
         }
     }
 
     std::string message() const {
         if (done_ == 0) return "Not found";
         if (!wanted_.counts) return "Replaced";
-        return "Replaced " + std::to_string(done_) + (stopped_ ? ", stopped by Ctrl-C" : "");
+        std::string text = "Replaced " + std::to_string(done_);
+        if (work_.end == Work::End::stopped) text += ", stopped by Ctrl-C";
+        if (work_.end == Work::End::too_large) {
+            text += "; the rest" + std::string(Work::kTooLarge);
+        }
+        return text;
     }
 
   private:
-    void look_for_interrupt() {
-        constexpr std::uint64_t kBetweenLooks = 256;
-        stopped_ = done_ % kBetweenLooks == 0 && editor_.parser.interrupt_wanted();
-    }
-
     TPUEditor& editor_;
     const Wanted& wanted_;
+    Work work_;
     std::uint64_t done_ = 0;
-    bool stopped_ = false;
 };
 
 }  // namespace

@@ -2,8 +2,9 @@
 //
 // Places are zero-based (row, byte column) pairs. The primitives never fail: bad
 // places are clamped, and changes to an unmodifiable buffer are skipped ("guarded"
-// below). Undo is a stack of snapshots of the whole text, which LineStore makes
-// free; callers take one with push_undo before they change something.
+// below). Work that a null pointer stands for is never stopped. Undo is a stack of snapshots of the
+// whole text, which LineStore makes free; callers take one with push_undo before they change
+// something.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +21,7 @@
 #include "core/file_version.h"
 #include "core/line_store.h"
 #include "core/marker.h"
+#include "core/work.h"
 
 namespace tpu {
 
@@ -140,37 +142,41 @@ class Buffer {
     void push_undo(Snapshot snapshot, bool clear_redo);
     bool undo();  // false: nothing to undo
     bool redo();
-
-    // buffer_typing.cc; guarded
     // The way back to a state that is on no stack. The present one can be redone, alone.
     void go_back_to(const Snapshot& snapshot);
+
+    // buffer_typing.cc; guarded
     void copy_text(char c);
     // The inserted span. With Charset::utf8 the text overstrikes whole characters.
-    Range copy_text(std::string_view text, Charset charset = Charset::bytes);
+    Range copy_text(std::string_view text, Charset charset = Charset::bytes, Work* work = nullptr);
     // The same for a text that may be large: shares its memory where it goes in as it is.
-    void copy_lines(const LineStore& text, Charset charset);
+    void copy_lines(const LineStore& text, Charset charset, Work* work = nullptr);
     void insert_tab(Charset charset = Charset::bytes);
     void wrap_current_line();
 
     // buffer_transform.cc; guarded but for shifting
-    void fill_range(const Range& range, std::uint64_t left, std::uint64_t right);
+    void fill_range(const Range& range, std::uint64_t left, std::uint64_t right,
+                    Work* work = nullptr);
     static char xform_case(char c, Case mode);
-    void change_case_buffer(Case mode);
-    void change_case_range(const Range& range, Case mode);
+    void change_case_buffer(Case mode, Work* work = nullptr);
+    void change_case_range(const Range& range, Case mode, Work* work = nullptr);
     void change_case_word(Case mode);
-    void translate(std::string_view from, std::string_view to);
-    void translate_range(const Range& range, std::string_view from, std::string_view to);
-    void shift_columns(int n);  // of all rows
-    void shift_rows(std::uint64_t first, std::uint64_t last, int n);
+    void translate(std::string_view from, std::string_view to, Work* work = nullptr);
+    void translate_range(const Range& range, std::string_view from, std::string_view to,
+                         Work* work = nullptr);
+    void shift_columns(int n, Work* work = nullptr);  // of all rows
+    void shift_rows(std::uint64_t first, std::uint64_t last, int n, Work* work = nullptr);
 
     // buffer_ranges.cc; what changes the text is guarded
     void erase_range(const Range& range);
     std::string text_of_range(const Range& range) const;
     LineStore lines_of_range(const Range& range) const;  // the same, sharing memory
-    void box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1, std::uint64_t col2);
+    void box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1, std::uint64_t col2,
+                 Work* work = nullptr);
     // The same without taking the rectangle out of the text.
-    void box_copy(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1, std::uint64_t col2);
-    void box_paste(std::uint64_t row, std::uint64_t col);
+    void box_copy(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1, std::uint64_t col2,
+                  Work* work = nullptr);
+    void box_paste(std::uint64_t row, std::uint64_t col, Work* work = nullptr);
     // Replaces bytes of one line, given by their offset in the text, and leaves the cursor
     // behind what replaced them.
     void replace_bytes(std::uint64_t offset, std::uint64_t size, std::string_view text);
@@ -189,8 +195,9 @@ class Buffer {
 
     // pattern/search.cc
     std::optional<Range> search_pattern_forward(const TPUPattern& pattern, bool move_cursor,
-                                                bool wrap);
-    std::optional<Range> search_pattern_backward(const TPUPattern& pattern, bool move_cursor);
+                                                bool wrap, Work* work = nullptr);
+    std::optional<Range> search_pattern_backward(const TPUPattern& pattern, bool move_cursor,
+                                                 Work* work = nullptr);
     bool search_forward(std::string_view text);  // from just past the cursor; moves it
     bool search_from_top(std::string_view text);
     bool search_round(std::string_view text);  // the one, then the other, each byte once

@@ -57,39 +57,55 @@ void Buffer::replace_text(std::uint64_t offset, std::uint64_t size, const LineSt
 }
 
 void Buffer::box_copy(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1,
-                      std::uint64_t col2) {
+                      std::uint64_t col2, Work* work) {
     if (col1 > col2) std::swap(col1, col2);
     if (row1 > row2) std::swap(row1, row2);
-    box_register.clear();
+    std::vector<std::string> box;
     for (std::uint64_t row = row1; row <= row2 && row < lines.size(); ++row) {
-        box_register.push_back(lines.slice({row, col1}, col2 - col1));
+        if (work && !work->goes_on()) return;
+        box.push_back(lines.slice({row, col1}, col2 - col1));
     }
+    box_register = std::move(box);
 }
 
-void Buffer::box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1,
-                     std::uint64_t col2) {
+void Buffer::box_cut(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1, std::uint64_t col2,
+                     Work* work) {
     if (!modifiable) return;
-    box_copy(row1, row2, col1, col2);
+    const std::vector<std::string> register_before = box_register;
+    const LineStore before = lines;
+    auto stopped = [&] { return work && !work->goes_on(); };
+    box_copy(row1, row2, col1, col2, work);
     if (col1 > col2) std::swap(col1, col2);
     if (row1 > row2) std::swap(row1, row2);
-    for (std::size_t i = 0; i < box_register.size(); ++i) {
+    for (std::size_t i = 0; i < box_register.size() && !stopped(); ++i) {
         std::uint64_t row = row1 + i;
         std::uint64_t from = lines.offset({row, std::min(col1, lines.length(row))});
         lines.erase(from, from + box_register[i].size());
+    }
+    if (stopped()) {
+        lines = before;
+        box_register = register_before;
+        return;
     }
     cursor_row = std::min(row1, lines.size() - 1);
     cursor_column = std::min(col1, lines.length(cursor_row));
     modified = true;
 }
 
-void Buffer::box_paste(std::uint64_t row, std::uint64_t col) {
+void Buffer::box_paste(std::uint64_t row, std::uint64_t col, Work* work) {
     if (!modifiable || box_register.empty()) return;
+    Work unwatched, &watched = work ? *work : unwatched;
+    const LineStore before = lines;
     std::uint64_t rows = row + box_register.size();
     if (rows > lines.size()) {
         lines.insert(lines.bytes(), LineStore::from_text(std::string(rows - lines.size(), '\n')));
     }
     for (const std::string& text : box_register) {
         std::uint64_t length = lines.length(row);
+        if (!watched.may_add(col - std::min(col, length))) {
+            lines = before;
+            return;
+        }
         if (length < col) {
             lines.insert(lines.offset({row, length}), std::string(col - length, ' '));
         }

@@ -29,11 +29,13 @@ ByteMap translation(std::string_view from, std::string_view to) {
     return map;
 }
 
-// Maps every byte of [from, to) that is not a line break.
-void map_bytes(LineStore& lines, std::uint64_t from, std::uint64_t to, const ByteMap& map) {
+// Maps every byte of [from, to) that is not a line break. False: the work was stopped.
+bool map_bytes(LineStore& lines, std::uint64_t from, std::uint64_t to, const ByteMap& map,
+               Work& work) {
     TextBuilder mapped;
     std::string part;
     for (std::uint64_t at = from; at < to;) {
+        if (!work.goes_on()) return false;
         LineStore::Chunk chunk = lines.chunk_at(at);
         std::string_view rest = chunk.text.substr(at - chunk.begin, to - at);
         std::size_t size = chunk.raw ? rest.size() : std::min(rest.find('\n'), rest.size());
@@ -47,6 +49,7 @@ void map_bytes(LineStore& lines, std::uint64_t from, std::uint64_t to, const Byt
         }
     }
     lines.replace(from, to, mapped.take());
+    return true;
 }
 
 // The rows and columns of a range, cut to what the text has, as offsets.
@@ -58,36 +61,49 @@ std::pair<std::uint64_t, std::uint64_t> offsets(const LineStore& lines, const Ra
     return {offset(range.start), offset(range.end)};
 }
 
-std::vector<std::string> words_of(std::string_view text) {
-    std::vector<std::string> words;
+// Puts words on lines, each as full as the right margin allows.
+class Filler {
+  public:
+    Filler(std::uint64_t left, std::uint64_t right)
+        : indent_(std::min(left - 1, kMostBlanks), ' '), line_(indent_), right_(right) {}
+
+    // False: the work is over.
+    bool put(std::string_view word, Work& work) {
+        if (first_ || line_.size() + 1 + word.size() <= right_) {
+            if (!first_) line_ += ' ';
+        } else {
+            if (!work.may_add(indent_.size())) return false;
+            text_.append(line_);
+            text_.append_break();
+            line_ = indent_;
+        }
+        first_ = false;
+        line_ += word;
+        return work.goes_on();
+    }
+    LineStore take() {
+        text_.append(line_);
+        return text_.take();
+    }
+
+  private:
+    static constexpr std::uint64_t kMostBlanks = 65'535;
+
+    std::string indent_, line_;
+    TextBuilder text_;
+    std::uint64_t right_;
+    bool first_ = true;
+};
+
+// False: the work was over before its end.
+bool fill(std::string_view text, Filler& filler, Work& work) {
     auto end = text.begin();
     while (true) {
         auto begin = std::find_if_not(end, text.end(), ascii::is_space);
-        if (begin == text.end()) return words;
+        if (begin == text.end()) return true;
         end = std::find_if(begin, text.end(), ascii::is_space);
-        words.emplace_back(begin, end);
+        if (!filler.put({begin, end}, work)) return false;
     }
-}
-
-std::vector<std::string> fill(const std::vector<std::string>& words, std::uint64_t left,
-                              std::uint64_t right) {
-    constexpr std::uint64_t kMostBlanks = 65'535;
-    const std::string indent(std::min(left - 1, kMostBlanks), ' ');
-    std::vector<std::string> filled;
-    std::string current = indent;
-    bool first = true;
-    for (const std::string& word : words) {
-        if (!first && current.size() + 1 + word.size() > right) {
-            filled.push_back(std::move(current));
-            current = indent + word;
-        } else {
-            if (!first) current += ' ';
-            current += word;
-        }
-        first = false;
-    }
-    filled.push_back(std::move(current));
-    return filled;
 }
 
 // The first column from `column` on whose byte is or is not a blank; else the line's length.
@@ -106,17 +122,22 @@ std::uint64_t find_blank(const LineStore& lines, Position from, bool wanted) {
 
 }  // namespace
 
-void Buffer::fill_range(const Range& range, std::uint64_t left, std::uint64_t right) {
+void Buffer::fill_range(const Range& range, std::uint64_t left, std::uint64_t right, Work* work) {
     if (!modifiable || range.buffer() != this) return;
     if (right <= left || right == 0) right = right_margin;
+    if (right == 0) right = UINT64_MAX;
     if (left == 0) left = 1;
-    std::vector<std::string> filled = fill(words_of(text_of_range(range)), left, right);
+    Work unwatched, &watched = work ? *work : unwatched;
+    Filler filler(left, right);
+    if (!fill(text_of_range(range), filler, watched)) return;
+    const Snapshot before = snap();
+    const bool was_modified = modified;
     erase_range(range);
-    for (std::size_t i = 0; i < filled.size(); ++i) {
-        if (i > 0) split_line();
-        copy_text(filled[i]);
-    }
+    copy_lines(filler.take(), Charset::bytes, &watched);
     modified = true;
+    if (watched.end == Work::End::done) return;
+    restore_snap(before);
+    modified = was_modified;
 }
 
 char Buffer::xform_case(char c, Case mode) {
@@ -125,21 +146,20 @@ char Buffer::xform_case(char c, Case mode) {
         case Case::lower: return ascii::to_lower(c);
         case Case::invert: return ascii::to_upper(c) != c ? ascii::to_upper(c) : ascii::to_lower(c);
     }
-    if (right == 0) right = UINT64_MAX;
     return c;
 }
 
-void Buffer::change_case_buffer(Case mode) {
+void Buffer::change_case_buffer(Case mode, Work* work) {
     if (!modifiable) return;
-    map_bytes(lines, 0, lines.bytes(), case_map(mode));
-    modified = true;
+    Work unwatched;
+    modified |= map_bytes(lines, 0, lines.bytes(), case_map(mode), work ? *work : unwatched);
 }
 
-void Buffer::change_case_range(const Range& range, Case mode) {
+void Buffer::change_case_range(const Range& range, Case mode, Work* work) {
     if (!modifiable || range.buffer() != this) return;
     auto [from, to] = offsets(lines, range);
-    map_bytes(lines, from, to, case_map(mode));
-    modified = true;
+    Work unwatched;
+    modified |= map_bytes(lines, from, to, case_map(mode), work ? *work : unwatched);
 }
 
 void Buffer::change_case_word(Case mode) {
@@ -147,39 +167,49 @@ void Buffer::change_case_word(Case mode) {
     clamp_cursor();
     std::uint64_t begin = find_blank(lines, {cursor_row, cursor_column}, false);
     std::uint64_t end = find_blank(lines, {cursor_row, begin}, true);
+    Work unwatched;
     map_bytes(lines, lines.offset({cursor_row, begin}), lines.offset({cursor_row, end}),
-              case_map(mode));
+              case_map(mode), unwatched);
     cursor_column = std::max(cursor_column, end);
     modified = true;
 }
 
-void Buffer::translate(std::string_view from, std::string_view to) {
+void Buffer::translate(std::string_view from, std::string_view to, Work* work) {
     if (!modifiable || from.empty()) return;
-    map_bytes(lines, 0, lines.bytes(), translation(from, to));
-    modified = true;
+    Work unwatched;
+    modified |= map_bytes(lines, 0, lines.bytes(), translation(from, to), work ? *work : unwatched);
 }
 
-void Buffer::translate_range(const Range& range, std::string_view from, std::string_view to) {
+void Buffer::translate_range(const Range& range, std::string_view from, std::string_view to,
+                             Work* work) {
     if (!modifiable || from.empty() || range.buffer() != this) return;
     auto [begin, end] = offsets(lines, range);
-    map_bytes(lines, begin, end, translation(from, to));
-    modified = true;
+    Work unwatched;
+    modified |= map_bytes(lines, begin, end, translation(from, to), work ? *work : unwatched);
 }
 
 // Deliberate: works on an unmodifiable buffer too, and on every line of it.
-void Buffer::shift_columns(int n) {
-    shift_rows(0, lines.size() - 1, n);
+void Buffer::shift_columns(int n, Work* work) {
+    shift_rows(0, lines.size() - 1, n, work);
 }
 
-void Buffer::shift_rows(std::uint64_t first, std::uint64_t last, int n) {
-    modified = true;
-    if (n == 0) return;
+void Buffer::shift_rows(std::uint64_t first, std::uint64_t last, int n, Work* work) {
+    Work unwatched, &watched = work ? *work : unwatched;
+    last = std::min(last, lines.size() - 1);
+    if (n == 0 || first > last) {
+        modified = true;
+        return;
+    }
+    const auto inserted = static_cast<std::size_t>(std::max(n, 0));
+    const auto rows = std::min<std::uint64_t>(last - first + 1, UINT32_MAX);  // lest it overflows
+    if (!watched.may_add(rows * inserted)) return;
     TextBuilder shifted;
-    const std::string spaces(static_cast<std::size_t>(std::max(n, 0)), ' ');
+    const std::string spaces(inserted, ' ');
     const std::uint64_t dropped = n < 0 ? -static_cast<std::uint64_t>(n) : 0;
     const std::uint64_t begin = lines.row_start(first);
     std::uint64_t start = begin, end = begin;
-    for (std::uint64_t row = first; row <= last && row < lines.size(); ++row) {
+    for (std::uint64_t row = first; row <= last; ++row) {
+        if (!watched.goes_on()) return;
         if (row > first) shifted.append_break();
         shifted.append(spaces);
         end = start + lines.length(row);
@@ -191,6 +221,7 @@ void Buffer::shift_rows(std::uint64_t first, std::uint64_t last, int n) {
         start = end + 1;
     }
     lines.replace(begin, end, shifted.take());
+    modified = true;
 }
 
 }  // namespace tpu

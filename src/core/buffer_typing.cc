@@ -35,13 +35,16 @@ std::string indent_of(const Buffer& buffer) {
 // step does what copy_text(char), split_line and insert_tab do to the buffer.
 class Typist {
   public:
-    Typist(const Buffer& buffer, Charset charset)
+    Typist(const Buffer& buffer, Charset charset, Work& work)
         : buffer_(buffer),
           charset_(charset),
+          work_(work),
           head_(buffer.lines.slice({buffer.cursor_row, 0}, buffer.cursor_column)) {}
 
-    void type(std::string_view text) {
+    // False: the work was over before its end.
+    bool type(std::string_view text) {
         while (!text.empty()) {
+            if (!work_.goes_on()) return false;
             std::size_t size = 1;
             if (text.front() == '\n') {
                 end_line(head_);
@@ -49,6 +52,7 @@ class Typist {
                 no_blank_ = 0;
             } else if (text.front() == '\t') {
                 std::uint64_t spaces = tab_target(buffer_, head_.size()) - head_.size();
+                if (!work_.may_add(spaces)) return false;
                 for (; spaces > 0; --spaces) type_character(" ");
             } else {
                 if (charset_ == Charset::utf8)
@@ -57,6 +61,7 @@ class Typist {
             }
             text.remove_prefix(size);
         }
+        return work_.end == Work::End::done;
     }
 
     std::uint64_t rows() const { return rows_; }
@@ -91,7 +96,9 @@ class Typist {
         }
         blank += std::exchange(no_blank_, 0);
         end_line(std::string_view(head_).substr(0, blank));
-        head_ = indent_of(buffer_) + head_.substr(blank + 1);
+        const std::string indent = indent_of(buffer_);
+        work_.may_add(indent.size());
+        head_ = indent + head_.substr(blank + 1);
     }
 
     void end_line(std::string_view line) {
@@ -102,6 +109,7 @@ class Typist {
 
     const Buffer& buffer_;
     Charset charset_;
+    Work& work_;
     std::string head_;
     std::size_t no_blank_ = 0;  // the first bytes of the head, known to be no blanks
     std::uint64_t overwritten_ = 0;
@@ -109,11 +117,12 @@ class Typist {
     TextBuilder done_;
 };
 
-// The text as it goes in when nothing is overwritten or wrapped: tabs become spaces.
+// The text as it goes in when nothing is overwritten or wrapped: tabs become spaces. When
+// the work is over before its end it is of no use.
 LineStore expand_tabs(const Buffer& buffer, std::string_view text, std::uint64_t& rows,
-                      std::uint64_t& column) {
+                      std::uint64_t& column, Work& work) {
     TextBuilder builder;
-    while (!text.empty()) {
+    while (!text.empty() && work.goes_on()) {
         std::size_t end = std::min(text.find_first_of("\n\t"), text.size());
         builder.append(text.substr(0, end));
         column += end;
@@ -125,6 +134,7 @@ LineStore expand_tabs(const Buffer& buffer, std::string_view text, std::uint64_t
             column = 0;
         } else {
             std::uint64_t target = tab_target(buffer, column);
+            if (!work.may_add(target - column)) break;
             builder.append(std::string(target - column, ' '));
             column = target;
         }
@@ -157,9 +167,10 @@ void Buffer::type_character(std::string_view character, Charset charset) {
     }
 }
 
-Range Buffer::copy_text(std::string_view text, Charset charset) {
+Range Buffer::copy_text(std::string_view text, Charset charset, Work* work) {
     Marker start = mark(false);
     if (!modifiable || text.empty()) return Range(start, start);
+    Work unwatched, &watched = work ? *work : unwatched;
     if (text.front() == '\n') {
         cursor_column = std::min(cursor_column, line_length());  // a line end needs no padding
     } else {
@@ -172,11 +183,12 @@ Range Buffer::copy_text(std::string_view text, Charset charset) {
         lines.insert(line_start + cursor_column, text);
         column += text.size();
     } else if (as_it_is) {
-        LineStore typed = expand_tabs(*this, text, rows, column);
+        LineStore typed = expand_tabs(*this, text, rows, column, watched);
+        if (watched.end != Work::End::done) return Range(start, start);
         lines.insert(line_start + cursor_column, typed);
     } else {
-        Typist typist(*this, charset);
-        typist.type(text);
+        Typist typist(*this, charset, watched);
+        if (!typist.type(text)) return Range(start, start);
         rows = typist.rows();
         column = typist.column();
         std::uint64_t end = line_start + cursor_column + typist.overwritten();
@@ -188,12 +200,12 @@ Range Buffer::copy_text(std::string_view text, Charset charset) {
     return Range(start, mark(false));
 }
 
-void Buffer::copy_lines(const LineStore& text, Charset charset) {
+void Buffer::copy_lines(const LineStore& text, Charset charset, Work* work) {
     bool as_it_is = insert_mode && !wraps(*this) && !text.may_hold_feeds() && !text.find("\t", 0);
     // Before a line end a free cursor is not padded for; copy_text knows.
     as_it_is = as_it_is && text.length(0) > 0;
     if (!as_it_is) {
-        copy_text(text.text(), charset);
+        copy_text(text.text(), charset, work);
         return;
     }
     if (!modifiable) return;

@@ -19,8 +19,8 @@
 #include "editor/layout.h"
 #include "editor/line_input.h"
 #include "editor/ports.h"
-#include "editor/window.h"
 #include "editor/test_report.h"
+#include "editor/window.h"
 #include "keys/key_map.h"
 #include "lang/parser.h"
 
@@ -190,10 +190,10 @@ class TPUEditor {
     void prompt_find();
 
     // keys/default_keys.cc
+    // Lists that hold the map that was called so hold the new one afterwards.
     KeyMap* create_key_map(const std::string& name);
     KeyMapList* create_key_map_list(const std::string& name, KeyMap* first);
     static int key_name_to_code(std::string_view name);  // kNoKey: no such key
-    // Lists that hold the map that was called so hold the new one afterwards.
     void define_default_keys();
 
     // proc/spawn.cc

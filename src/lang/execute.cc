@@ -227,8 +227,8 @@ void MiniTPUParser::settle() {
     stack_limit = nullptr;
     current_line = 0;
     retired_.clear();
-    returned_from.reset();
     ended_loops_.clear();
+    returned_from.reset();
     editor.free_deleted();
 }
 
@@ -249,7 +249,6 @@ void MiniTPUParser::abort() {
     editor.set_message("ABORT");
 }
 
-bool MiniTPUParser::interrupt_wanted() {
 void MiniTPUParser::end_loop(const Stmt& loop) {
     if (loop.line > 0) current_line = loop.line;
     const std::string text = "LOOP ended after " + std::to_string(loop_limit) + " passes";
@@ -262,6 +261,17 @@ void MiniTPUParser::end_loop(const Stmt& loop) {
     add_fault(loop.line, text, message);
 }
 
+Work MiniTPUParser::interruptible() {
+    auto ask = [](void* whom) {
+        auto& run = *static_cast<MiniTPUParser*>(whom);
+        if (!run.interrupt_wanted()) return false;
+        if (run.block_depth > 0) run.interrupt();
+        return true;
+    };
+    return {ask, this, longest_text};
+}
+
+bool MiniTPUParser::interrupt_wanted() {
     constexpr std::chrono::milliseconds kBetweenLooks(50);
     if (editor.headless || interrupted) return false;
     Clock::time_point now = editor.ports.clock.now();

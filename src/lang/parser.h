@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "core/value.h"
+#include "core/work.h"
 #include "lang/code_cache.h"
 #include "lang/stmt.h"
 #include "lang/symbols.h"
@@ -32,8 +33,8 @@ enum class Signal : int { none, returning, aborting, breaking, leaving_loop, fai
 struct Diagnostic {
     int line;
     std::string text;
-};
     long long times = 1;  // that it came without another between
+};
 
 class MiniTPUParser {
   public:
@@ -44,10 +45,10 @@ class MiniTPUParser {
     // its whole source and code.
     static constexpr int kDeepestProgram = 1'000;
 
-    explicit MiniTPUParser(TPUEditor& owner) : editor(owner) {}
     // So many faults are kept, since a program may make them without end.
     static constexpr std::size_t kMostFaults = 1'000;
 
+    explicit MiniTPUParser(TPUEditor& owner) : editor(owner) {}
     MiniTPUParser(const MiniTPUParser&) = delete;
     MiniTPUParser& operator=(const MiniTPUParser&) = delete;
 
@@ -65,8 +66,8 @@ class MiniTPUParser {
     // last place is that of the latest.
     std::vector<std::string> error_list;
     std::vector<Diagnostic> diagnostics;              // the same, for those who look them up
-    const std::vector<int>* current_lines = nullptr;  // of the source being compiled
     long long diagnostics_left_out = 0;               // for which there was no room
+    const std::vector<int>* current_lines = nullptr;  // of the source being compiled
 
     // State of the code that runs; nodes and built-ins read and set it.
     bool stopped = false;            // see Node::may_stop
@@ -139,9 +140,11 @@ class MiniTPUParser {
         if (++steps_ % kStepsBetweenLooks == 0 && interrupt_wanted()) interrupt();
     }
     bool interrupt_wanted();
-
+    // Work that Ctrl-C stops, and with it the code that runs.
+    Work interruptible();
     // A loop has used up its passes. Each says so once, until nothing runs any more.
     void end_loop(const Stmt& loop);
+
     // statement.cc
     // Runs one statement. An unknown one is reported as a message. True when the
     // statement was executed, which includes having been reported.
@@ -194,6 +197,8 @@ class MiniTPUParser {
     // Records a failure: a status name ("TPU$_FAILURE" when empty) and a text
     // (the status name when empty).
     void record_error(const std::string& code, const std::string& text);
+    // Counts and keeps a fault of the source: its text, and that with the line for people.
+    void add_fault(int line, const std::string& text, const std::string& message);
 
     // Leaves the interpreter ready for the next statement when the outermost one ends.
     void settle();
@@ -202,8 +207,6 @@ class MiniTPUParser {
 
   private:
     friend class SourceWalk;
-    // Counts and keeps a fault of the source: its text, and that with the line for people.
-    void add_fault(int line, const std::string& text, const std::string& message);
 
     void define(Procedure procedure);
     Word call_here(const Procedure& procedure, std::span<const Word> arguments, bool value_wanted);
@@ -213,8 +216,8 @@ class MiniTPUParser {
 
     std::vector<std::unique_ptr<Procedure>> retired_;  // redefined while they may have run
     std::vector<const void*> replaying_;               // the learn sequences that run
-    unsigned steps_ = 0;
     std::vector<const Stmt*> ended_loops_;             // those that have said so
+    unsigned steps_ = 0;
     std::chrono::steady_clock::time_point last_look_;  // at the keyboard
 };
 

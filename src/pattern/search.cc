@@ -15,8 +15,9 @@ using Token = TPUPatternToken;
 // cannot match.
 class ForwardSearch {
   public:
-    ForwardSearch(const TPUPattern& pattern, const LineStore& lines)
+    ForwardSearch(const TPUPattern& pattern, const LineStore& lines, Work& work)
         : lines_(lines),
+          work_(work),
           reader_(lines),
           matcher_(pattern, lines, RememberedRuns(pattern)),
           anchored_(pattern.anchored) {
@@ -34,7 +35,7 @@ class ForwardSearch {
         std::uint64_t start, end;
     };
     std::optional<Match> run(std::uint64_t from, std::uint64_t last) {
-        for (std::uint64_t start = from; start <= last; ++start) {
+        for (std::uint64_t start = from; start <= last && work_.goes_on(); ++start) {
             if (anchored_) {
                 if (start != from) start = row_start(start);
             } else {
@@ -95,6 +96,7 @@ class ForwardSearch {
         std::uint64_t limit = std::min(last + 1, lines_.bytes());
         while (from < limit) {
             const LineStore::Chunk& chunk = reader_.chunk(from);
+            if (!work_.goes_on()) return kNowhere;
             for (; from < limit && from < chunk.end(); ++from) {
                 char c = chunk.text[from - chunk.begin];
                 if (set_[static_cast<unsigned char>(c)] == wanted && (c != '\n' || chunk.raw)) {
@@ -106,6 +108,7 @@ class ForwardSearch {
     }
 
     const LineStore& lines_;
+    Work& work_;
     TextReader reader_;
     BufferMatcher<RememberedRuns> matcher_;
     bool anchored_;
@@ -116,13 +119,14 @@ class ForwardSearch {
 }  // namespace
 
 std::optional<Range> Buffer::search_pattern_forward(const TPUPattern& pattern, bool move_cursor,
-                                                    bool wrap) {
+                                                    bool wrap, Work* work) {
+    Work unwatched, &watched = work ? *work : unwatched;
     clamp_cursor();
     std::uint64_t column = std::min(cursor_column, lines.length(cursor_row));
-    auto match =
-        ForwardSearch(pattern, lines).run(lines.offset({cursor_row, column}), lines.bytes());
+    auto match = ForwardSearch(pattern, lines, watched)
+                     .run(lines.offset({cursor_row, column}), lines.bytes());
     if (!match && wrap && cursor_row > 0) {
-        match = ForwardSearch(pattern, lines).run(0, lines.row_start(cursor_row) - 1);
+        match = ForwardSearch(pattern, lines, watched).run(0, lines.row_start(cursor_row) - 1);
     }
     if (!match) return std::nullopt;
     Position start = lines.position(match->start), end = text_position(lines, match->end);
@@ -133,7 +137,8 @@ std::optional<Range> Buffer::search_pattern_forward(const TPUPattern& pattern, b
     return Range({this, start.row, start.column}, {this, end.row, end.column});
 }
 
-std::optional<Range> Buffer::search_pattern_backward(const TPUPattern& pattern, bool move_cursor) {
+std::optional<Range> Buffer::search_pattern_backward(const TPUPattern& pattern, bool move_cursor,
+                                                     Work* work) {
     clamp_cursor();
     std::uint64_t before = std::min(cursor_column, lines.length(cursor_row) + 1);
     std::uint64_t start = lines.row_start(cursor_row),
@@ -142,6 +147,7 @@ std::optional<Range> Buffer::search_pattern_backward(const TPUPattern& pattern, 
         std::string line = lines.text(start, end_of_row);
         LineMatcher<RememberedRuns> matcher(pattern, line, RememberedRuns(pattern));
         for (std::uint64_t column = before; column-- > 0;) {
+            if (work && !work->goes_on()) return std::nullopt;
             std::size_t end = 0;
             if (!matcher.match(column, end)) continue;
             if (move_cursor) {

@@ -7,12 +7,24 @@
 
 namespace tpu::builtins {
 
-Value wrong_type(Call& call, std::string_view wanted) {
-    call.parser.record_error("TPU$_INVPARAM",
-                             std::string(call.name) + " needs " + std::string(wanted));
-    if (call.is_statement) call.editor.set_message(call.parser.error_text);
+namespace {
+
+void fail(Call& call, const char* status, const std::string& text) {
+    call.parser.record_error(status, text);
+    if (call.is_statement) call.editor.set_message(text);
     call.told = call.is_statement;
+}
+
+}  // namespace
+
+Value wrong_type(Call& call, std::string_view wanted) {
+    fail(call, "TPU$_INVPARAM", std::string(call.name) + " needs " + std::string(wanted));
     return tpu_unspecified();
+}
+
+void tell_of_end(Call& call, const Work& work) {
+    if (work.end != Work::End::too_large) return;
+    fail(call, "TPU$_STRTOOLARGE", std::string(call.name) + Work::kTooLarge);
 }
 
 void show_value(Call& call, const Value& value) {

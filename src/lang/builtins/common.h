@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 
+#include "core/work.h"
 #include "lang/builtin.h"
 #include "pattern/pattern.h"
 
@@ -20,6 +21,10 @@ inline int bounded(long long n) {
 // Records that an argument has a type that the built-in cannot use, and shows it when
 // the call is a statement; gives the unspecified value.
 Value wrong_type(Call& call, std::string_view wanted);
+
+// Records, and shows when the call is a statement, that a piece of work would have made a
+// text too large; Ctrl-C has been told of already.
+void tell_of_end(Call& call, const Work& work);
 
 // The statement form of a function: its value as a message.
 void show_value(Call& call, const Value& value);

@@ -23,14 +23,18 @@ void shift(Call& call) {
         bool names_one = where.is(Value::Type::window) || where.is(Value::Type::buffer);
         if (names_one && buffer_of(where)) target = buffer_of(where);
     }
-    target->shift_columns(args.count() > 0 ? bounded(args.number(args.count() - 1)) : 0);
+    Work work = call.parser.interruptible();
+    target->shift_columns(args.count() > 0 ? bounded(args.number(args.count() - 1)) : 0, &work);
+    tell_of_end(call, work);
 }
 
 void fill(Call& call) {
     Buffer& buffer = call.buffer();
     std::optional<Range> selection = buffer.select_range();
     if (!selection) return call.editor.set_message("FILL needs a range");
-    buffer.fill_range(*selection, buffer.left_margin, buffer.right_margin);
+    Work work = call.parser.interruptible();
+    buffer.fill_range(*selection, buffer.left_margin, buffer.right_margin, &work);
+    tell_of_end(call, work);
 }
 
 Buffer::Case case_mode(Args& args) {
@@ -43,10 +47,11 @@ void change_case(Call& call) {
     const Value& target = call.args.value(0);
     Buffer* buffer = buffer_of(target);
     if (!buffer) return;
+    Work work = call.parser.interruptible();
     if (target.is(Value::Type::range)) {
-        buffer->change_case_range(*target.range(), case_mode(call.args));
+        buffer->change_case_range(*target.range(), case_mode(call.args), &work);
     } else if (target.is(Value::Type::buffer)) {
-        buffer->change_case_buffer(case_mode(call.args));
+        buffer->change_case_buffer(case_mode(call.args), &work);
     }
 }
 
@@ -55,10 +60,11 @@ void translate(Call& call) {
     Buffer* buffer = buffer_of(target);
     if (!buffer) return;
     std::string from = call.args.text(1), to = call.args.text(2);
+    Work work = call.parser.interruptible();
     if (target.is(Value::Type::range)) {
-        buffer->translate_range(*target.range(), from, to);
+        buffer->translate_range(*target.range(), from, to, &work);
     } else if (target.is(Value::Type::buffer)) {
-        buffer->translate(from, to);
+        buffer->translate(from, to, &work);
     }
 }
 
@@ -77,9 +83,16 @@ void replace_text(Call& call) {
     call.buffer().replace_text(offset, count, LineStore::from_text(call.args.text(2)));
 }
 
+Range insert(Call& call, std::string_view text) {
+    Work work = call.parser.interruptible();
+    Range inserted = call.buffer().copy_text(text, call.editor.charset, &work);
+    tell_of_end(call, work);
+    return inserted;
+}
+
 // The inserted text as a range.
 Value copy_text_range(Call& call) {
-    return Value::make_range(call.buffer().copy_text(call.args.text(0), call.editor.charset));
+    return Value::make_range(insert(call, call.args.text(0)));
 }
 
 void copy_text(Call& call) {
@@ -87,9 +100,9 @@ void copy_text(Call& call) {
     if (ascii::upper(call.args.whole()) == "SELECT_RANGE") return call.editor.copy_selection();
     const Value& text = call.args.value(0);
     if (text.is(Value::Type::string)) {
-        call.buffer().copy_text(text.text(), call.editor.charset);
+        insert(call, text.text());
     } else {
-        call.buffer().copy_text(text.as_string(), call.editor.charset);
+        insert(call, text.as_string());
     }
 }
 

@@ -21,11 +21,13 @@ bool goes_backward(Call& call) {
 std::optional<Range> find(Call& call, bool move_cursor) {
     TPUPattern pattern = pattern_argument(call.args, 0, call.args.raw(0));
     Buffer& buffer = call.buffer();
-    std::optional<Range> found = goes_backward(call)
-                                     ? buffer.search_pattern_backward(pattern, move_cursor)
-                                     : buffer.search_pattern_forward(pattern, move_cursor, false);
+    Work work = call.parser.interruptible();
+    std::optional<Range> found =
+        goes_backward(call) ? buffer.search_pattern_backward(pattern, move_cursor, &work)
+                            : buffer.search_pattern_forward(pattern, move_cursor, false, &work);
     call.editor.search_succeeded = found.has_value();
-    if (!found) call.parser.record_error("TPU$_STRNOTFOUND", "String not found");
+    if (!found && work.end == Work::End::done)
+        call.parser.record_error("TPU$_STRNOTFOUND", "String not found");
     return found;
 }
 
@@ -38,7 +40,7 @@ void search_quietly(Call& call) {
 
 void search(Call& call) {
     search_quietly(call);
-    if (call.args.whole().empty()) return;
+    if (call.args.whole().empty() || call.parser.interrupted) return;
     call.editor.set_message(call.editor.search_succeeded ? "Found" : "Not found");
 }
 

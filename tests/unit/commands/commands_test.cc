@@ -318,6 +318,54 @@ TEST_F(Commands, replacing_ends_with_ctrl_c_and_can_be_undone) {
     EXPECT_EQ(text(), std::string(1000, 'o'));
 }
 
+// Built-ins end all that runs, commands only themselves. Both leave the text as it was.
+TEST_F(Commands, what_takes_long_ends_with_ctrl_c) {
+    std::string long_text;
+    while (long_text.size() < 5'000'000) long_text += "ab c\n";
+    for (const char* line :
+         {"SHIFT(1)", "CHANGE_CASE(CURRENT_BUFFER)", "TRANSLATE(CURRENT_BUFFER, \"a\", \"b\")",
+          "FILL()", "TOP; SEARCH(SPAN(\"c\") + \"d\")", "SEARCH(ANY(\"c\") + \"d\", REVERSE)",
+          "COPY_TEXT(SELECT_RANGE + FAO(\"!_\"))", "SHIFT RIGHT", "FILL", "CHANGE CASE UPPER",
+          "BOX COPY", "BOX CUT", "BOX PASTE", "FIND ANY(\"c\") + \"d\""}) {
+        main.lines = LineStore::from_text(long_text);
+        main.box_register = std::vector<std::string>(1000, "box");
+        select({0, 0}, {main.lines.size() - 2, 2});
+        if (std::string_view(line).ends_with("+ \"d\"")) go(0, 0);
+        main.box_select = std::string_view(line).starts_with("BOX");
+        session.clock.step = std::chrono::milliseconds(100);
+        session.terminal.keys = {control('C')};
+        std::string message = run(line);
+        EXPECT_TRUE(message == "ABORT" || message == "Stopped by Ctrl-C") << line << message;
+        EXPECT_TRUE(session.terminal.keys.empty()) << line;
+        EXPECT_TRUE(main.lines == LineStore::from_text(long_text)) << line;
+        EXPECT_EQ(main.box_register.size(), 1000u) << line;
+        EXPECT_FALSE(editor.parser.interrupted) << line;
+    }
+}
+
+TEST_F(Commands, make_no_more_text_than_there_can_be) {
+    editor.parser.longest_text = 100'000;
+    std::string words;
+    while (words.size() < 4'000) words += "o o ";
+    run("SET MARGINS 65535 3");
+    run("SET TAB STOPS 65535");
+    for (const char* line : {"SHIFT RIGHT 65535", "SHIFT(2147483647)", "FILL", "FILL()",
+                             "COPY_TEXT(FAO(\"!_!_!_\"))", "SET(WRAP); COPY_TEXT(\"o o o o\")",
+                             "BOX PASTE", "REPLACE o 123456789012345678901234567890 ALL"}) {
+        main.lines = LineStore::from_text(words + "\n\n" + words);
+        const LineStore before = main.lines;
+        main.box_register = std::vector<std::string>(100, "box");
+        select({0, 4'000}, {2, 4'000});
+        std::string message = run(line);
+        EXPECT_TRUE(message.ends_with(" would make the text larger by more than 1 GB"))
+            << line << ": " << message;
+        EXPECT_LT(main.lines.bytes(), 120'000u) << line;
+        if (message.starts_with("Replaced")) run("UNDO");
+        EXPECT_TRUE(main.lines == before) << line;
+        main.auto_wrap = false;
+    }
+}
+
 TEST_F(Commands, replace_asks_for_what_is_not_said) {
     session.press("<CTRL_Z>replace<RETURN>three<RETURN>3<RETURN>");
     EXPECT_EQ(editor.message, "Replaced");
@@ -337,6 +385,8 @@ TEST_F(Commands, set_attributes) {
     run("SET RIGHT MARGIN 60");
     EXPECT_EQ(main.left_margin, 3u);
     EXPECT_EQ(main.right_margin, 60u);
+    run("SET MARGINS 0 0");
+    EXPECT_EQ(main.left_margin + main.right_margin, 0u);
     run("SET MARGINS 5 70");
     EXPECT_EQ(main.left_margin, 5u);
     EXPECT_EQ(main.right_margin, 70u);
@@ -385,8 +435,6 @@ TEST_F(Commands, bind_keys) {
     EXPECT_EQ(run("REMOVE_KEY_MAP TPU$KEY_MAP_LIST mine"), "Removed key map");
     EXPECT_EQ(editor.current_key_map_list->maps.size(), 1u);
     EXPECT_EQ(run("REMOVE_KEY_MAP TPU$KEY_MAP_LIST"), "REMOVE_KEY_MAP list map");
-    run("SET MARGINS 0 0");
-    EXPECT_EQ(main.left_margin + main.right_margin, 0u);
     EXPECT_EQ(run("CREATE_KEY_MAP_LIST empty"), "Created key map list empty");
     editor.current_key_map_list = editor.key_map_lists["empty"].get();
     EXPECT_EQ(run("DEFINE_KEY LEFT TOP"), "No active key map");
