@@ -2,10 +2,11 @@
 
 #include <fcntl.h>
 
+#include <array>
 #include <cerrno>
 #include <filesystem>
-#include <vector>
 
+#include "core/short_memory.h"
 #include "core/system_calls.h"
 
 namespace tpu {
@@ -40,7 +41,7 @@ bool write_all(int fd, std::string_view text) {
 }
 
 bool copy_all(int from, int to) {
-    std::vector<char> part(std::size_t{256} << 10);
+    std::array<char, 16 << 10> part;  // putting an old text back must not lack memory
     ssize_t got = 0;
     while ((got = read_some(from, part.data(), part.size())) > 0) {
         if (!write_all(to, {part.data(), static_cast<std::size_t>(got)})) return false;
@@ -53,7 +54,8 @@ bool sync_file(int fd) {
 }
 
 bool sync_folder_of(const std::string& path) {
-    Descriptor folder = open_file(folder_of(path), O_RDONLY | O_DIRECTORY);
+    Descriptor folder;
+    enough_memory([&] { folder = open_file(folder_of(path), O_RDONLY | O_DIRECTORY); });
     // A folder may let us write but not read, and some file systems sync files alone.
     return !folder || sync_file(folder.get()) || errno == EINVAL || errno == ENOTSUP;
 }

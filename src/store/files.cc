@@ -12,7 +12,9 @@ void save(TPUEditor& editor, const std::string& file) {
     if (!objection.empty()) {
         return editor.set_message("Write failed: " + file + " (" + objection + ")");
     }
-    editor.set_message((buffer.write_file(file) ? "Written " : "Write failed: ") + file);
+    const bool written = buffer.write_file(file);
+    // What was written stays so, even if there is no memory to say it.
+    enough_memory([&] { editor.set_message((written ? "Written " : "Write failed: ") + file); });
 }
 
 }  // namespace

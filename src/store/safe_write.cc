@@ -59,10 +59,10 @@ bool write_stream(const Job& job, Descriptor stream) {
 // A name without a file; the name may be a symbolic link that leads nowhere.
 bool create_file(const Job& job) {
     bool is_link = is_symbolic_link(job.path);
+    std::string real = job.path;
     Descriptor fresh = open_file(job.path, O_WRONLY | O_CREAT | (is_link ? 0 : O_EXCL), 0666);
     if (!fresh) return false;
     std::error_code unknown;
-    std::string real = job.path;
     if (is_link) real = std::filesystem::canonical(job.path, unknown).string();
     if (job.write(fresh.get()) && sync_file(fresh.get()) && fresh.close() && sync_folder_of(real)) {
         return true;

@@ -1,7 +1,10 @@
 // Saving a buffer to a file.
 #include <cerrno>
+#include <functional>
+#include <utility>
 
 #include "core/buffer.h"
+#include "core/short_memory.h"
 #include "store/file_io.h"
 #include "store/safe_write.h"
 #include "store/saved_text.h"
@@ -10,25 +13,29 @@ namespace tpu {
 
 namespace {
 
-// Short runs, as typing leaves them, are gathered; long ones go out from where they lie.
+// Short runs, as typing leaves them, are gathered; long ones go out from where they lie. That
+// needs no memory: one that ends half-way might leave half a file.
 bool write_lines(int fd, const LineStore& lines) {
     constexpr std::size_t kLongRun = std::size_t{256} << 10;
     std::string gathered;
+    enough_memory([&] { gathered.reserve(kLongRun); });
+    const std::size_t room = gathered.capacity();
     auto flush = [&] {
         bool written = write_all(fd, gathered);
         gathered.clear();
         return written;
     };
     bool good = true;
-    lines.for_each_span(0, lines.bytes(), [&](std::string_view run) {
-        if (run.size() < kLongRun) {
+    auto write = [&](std::string_view run) {
+        if (gathered.size() + run.size() > room) good = flush();
+        if (good && run.size() <= room) {
             gathered += run;
-            good = gathered.size() < kLongRun || flush();
-        } else {
-            good = flush() && write_all(fd, run);
+        } else if (good) {
+            good = write_all(fd, run);
         }
         return good;
-    });
+    };
+    lines.for_each_span(0, lines.bytes(), std::ref(write));
     return good && flush();
 }
 
@@ -43,15 +50,17 @@ bool Buffer::write_file(const std::string& path) {
     if (loaded_block && loaded_block->is_damaged()) note_unread(EIO);
     if (target.empty() || !write_refusal(target).empty()) return false;
     auto write = [this](int fd) { return write_lines(fd, lines); };
+    // What follows the writing needs no memory.
+    LineStore reloaded = as_loaded(lines);
     const bool is_as_known = target == file_name && FileVersion::of(target) == known_version;
     if (!write_safely(target, backup_on_write, write)) {
         // What a failed attempt has left is no change that somebody else has made.
         if (is_as_known) known_version = FileVersion::of(target);
         return false;
     }
-    file_name = target;
+    file_name = std::move(target);
     modified = false;
-    saved_lines = as_loaded(lines);
+    saved_lines = std::move(reloaded);
     note_written();
     return true;
 }
