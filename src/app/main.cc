@@ -14,6 +14,7 @@
 #include "app/test_mode.h"
 #include "app/version.h"
 #include "core/fresh_stack.h"
+#include "core/short_memory.h"
 #include "core/signal_stack.h"
 #include "editor/curses/terminal.h"
 
@@ -61,9 +62,7 @@ int flushed() {
     return std::fflush(stdout) == 0 ? 0 : 1;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     use_roomy_stack();
     signal(SIGCHLD, SIG_DFL);  // who started us may ignore it: then no child has a status
@@ -89,4 +88,14 @@ int main(int argc, char** argv) {
     tpu::CursesTerminal terminal;
     tpu::SteadyClock clock;
     return tpu::run_session(options, start_files(), {terminal, clock}, charset);
+}
+
+}  // namespace
+
+// Once the main loop runs, it goes on where memory is short.
+int main(int argc, char** argv) {
+    int status = 1;
+    if (tpu::enough_memory([&] { status = run(argc, argv); })) return status;
+    std::fputs("tpu: out of memory\n", stderr);
+    return 1;
 }

@@ -42,6 +42,15 @@ class Buffer {
         // Same text and same cursor; the view does not count.
         bool same_place_and_text(const Snapshot& other) const;
     };
+    // What a step changes, for one that fails half-way.
+    struct State {
+        Snapshot text;
+        std::optional<Marker> select_anchor;
+        bool box_select = false;
+        bool modified = false;
+        std::uint64_t file_time = 0;
+        std::size_t undo_steps = 0, redo_steps = 0;
+    };
     struct VideoRegion {
         Range range;
         Attr attr = Attr::none;
@@ -138,6 +147,10 @@ class Buffer {
     // buffer_undo.cc
     Snapshot snap() const;
     void restore_snap(const Snapshot& snapshot);
+    // Needs no memory: as if there had been nothing since but undoing, redoing and saving.
+    State state() const;
+    void put_back(const State& state) noexcept;
+    void make_room_for_undo();  // the next push_undo needs no memory
     void push_undo(bool clear_redo);
     void push_undo(Snapshot snapshot, bool clear_redo);
     bool undo();  // false: nothing to undo

@@ -20,6 +20,29 @@ void Buffer::restore_snap(const Snapshot& snapshot) {
     modified = true;  // Deliberate: even when this is the text on disk.
 }
 
+Buffer::State Buffer::state() const {
+    return {snap(),    select_anchor,     box_select,       modified,
+            file_time, undo_stack.size(), redo_stack.size()};
+}
+
+// The stacks have room for the steps that were taken from them.
+void Buffer::put_back(const State& state) noexcept {
+    if (undo_stack.size() + redo_stack.size() == state.undo_steps + state.redo_steps) {
+        while (redo_stack.size() > state.redo_steps) redo();
+        while (undo_stack.size() > state.undo_steps) undo();
+    }
+    restore_snap(state.text);
+    select_anchor = state.select_anchor;
+    box_select = state.box_select;
+    bool saved = file_time != state.file_time;
+    modified = saved ? !lines.is_same_version(saved_lines) : state.modified;
+}
+
+void Buffer::make_room_for_undo() {
+    std::size_t size = undo_stack.size();
+    if (size == undo_stack.capacity()) undo_stack.reserve(size * 2 + 8);
+}
+
 void Buffer::push_undo(bool clear_redo) {
     push_undo(snap(), clear_redo);
 }

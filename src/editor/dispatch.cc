@@ -71,8 +71,8 @@ void run_procedure(TPUEditor& editor, std::string text) {
 bool take_prefix(TPUEditor& editor, int key) {
     bool shift = editor.shift_key != 0 && key == editor.shift_key;
     if (!shift && key != editor.gold_key) return false;
-    editor.gold_pending = true;
     editor.set_message(shift ? "SHIFT" : "GOLD");
+    editor.gold_pending = true;
     return true;
 }
 

@@ -7,7 +7,6 @@
 #pragma once
 
 #include <chrono>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -16,6 +15,7 @@
 
 #include "core/array.h"
 #include "core/buffer.h"
+#include "core/short_memory.h"
 #include "editor/layout.h"
 #include "editor/line_input.h"
 #include "editor/ports.h"
@@ -94,6 +94,7 @@ class TPUEditor {
     std::unique_ptr<Recovery> recovery;         // null: unsaved work is not kept
     std::unique_ptr<OpenFiles> open_files;      // null: nobody is told which files are open
     UndoStep* undo_step = nullptr;              // the outermost one under way
+    MemoryReserve memory_reserve;               // taken by the main loop
     FileSearch file_search;
     bool search_succeeded = false;  // the last SEARCH
     bool match_succeeded = false;   // the last MATCH
@@ -146,6 +147,9 @@ class TPUEditor {
 
     // messages.cc
     void set_message(const std::string& text);
+    // For when memory ran out: frees some, makes the session ready for the next key, tells
+    // the user and keeps unsaved work. Shows a shorter text when there is still too little.
+    void recover_memory(const char* message);
 
     // main_loop.cc
     void run();
@@ -161,7 +165,7 @@ class TPUEditor {
     int read_key(int wait_ms, const Awaited& others = {});
     // The next key for a prompt; unsaved work is kept meanwhile.
     int read_prompt_key();
-    void unread_key(int key) { unread_keys_.push_front(key); }
+    void unread_key(int key) { unread_key_ = key; }
     void sleep(std::chrono::milliseconds time);  // or until Ctrl-C
 
     // processes.cc
@@ -257,12 +261,13 @@ class TPUEditor {
     void join_sessions();  // forgetting.cc
     void leave_sessions();
 
-    std::deque<int> unread_keys_;
+    int unread_key_ = kNoKey;
     std::vector<std::shared_ptr<TPUProcess>> dismissed_processes_;  // until they have ended
     std::vector<std::unique_ptr<Buffer>> deleted_buffers_;          // until no code runs
     std::vector<std::unique_ptr<TPUWindow>> deleted_windows_;
     std::vector<std::unique_ptr<KeyMapList>> replaced_key_map_lists_;
     ResizeMemory resize_memory_;
+    bool resize_is_due_ = false;  // memory was too short for it
 };
 
 }  // namespace tpu

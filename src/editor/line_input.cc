@@ -30,6 +30,12 @@ std::string common_prefix(const std::vector<std::string>& texts) {
 
 }  // namespace
 
+// What is typed needs no more memory then: a line that lacks a character says something else.
+LineInput::LineInput(Charset charset, Asking how)
+    : charset_(charset), how_(std::move(how)), recalled_(history_size()) {
+    text_.reserve(kLongestLine);
+}
+
 bool LineInput::key(int code) {
     if (code == '\t') {
         complete();

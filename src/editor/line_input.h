@@ -26,8 +26,7 @@ struct Asking {
 
 class LineInput {
   public:
-    explicit LineInput(Charset charset, Asking how = {})
-        : charset_(charset), how_(std::move(how)), recalled_(history_size()) {}
+    explicit LineInput(Charset charset, Asking how = {});
 
     // Takes a key; true when it ended the line.
     bool key(int code);

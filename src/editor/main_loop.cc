@@ -14,6 +14,8 @@ namespace {
 
 constexpr int kWithoutLimit = -1;
 constexpr int kServiceInterval = 200;  // milliseconds between looks at timer and processes
+constexpr const char* kShort = "Out of memory";
+constexpr const char* kNothingDone = "Out of memory: nothing was changed";
 
 // Does what is due meanwhile. How long a key may be waited for then, in milliseconds.
 int serve(TPUEditor& editor) {
@@ -30,10 +32,23 @@ int serve(TPUEditor& editor) {
     return wait;
 }
 
+// Does one thing of those that the main loop does. False: memory was too short for it, and
+// the session goes on without.
+template <class Work>
+bool attempt(TPUEditor& editor, const char* message, Work work) {
+    if (enough_memory(work)) return true;
+    editor.recover_memory(message);
+    return false;
+}
+
 // The next key, or kNoKey when there is something else to do.
 int wait_for_key(TPUEditor& editor) {
-    int wait = serve(editor);
-    if (!editor.processes_talk()) return editor.read_key(wait, editor.awaited_of_processes());
+    int wait = kServiceInterval;
+    attempt(editor, kShort, [&] { wait = serve(editor); });
+    Awaited others;
+    bool is_quiet =
+        !editor.processes_talk() && enough_memory([&] { others = editor.awaited_of_processes(); });
+    if (is_quiet) return editor.read_key(wait, others);
     constexpr int kBetweenDrawings = 20;  // milliseconds, lest a flood draws all the time
     return editor.read_key(std::min(kBetweenDrawings, wait));
 }
@@ -59,6 +74,11 @@ bool handle_report(TPUEditor& editor, int key) {
     }
 }
 
+// What memory was put by for a failure is put by again once its message is shown.
+void show_screen(TPUEditor& editor) {
+    if (editor.memory_reserve.help([&] { editor.draw(); })) editor.memory_reserve.take();
+}
+
 // Takes large files that were just loaded into memory of our own, step by step while
 // no key waits. With keys waiting there is one step for each.
 void settle_files(TPUEditor& editor) {
@@ -81,16 +101,23 @@ void TPUEditor::run() {
     EndOnRequest requests;
     while (running) {
         // Keys that wait already are handled first: what they change is drawn once.
-        if (!key_waiting()) draw();
-        settle_files(*this);
-        int key = wait_for_key(*this);
-        poll_processes();
-        run_timer(*this);
-        if (!handle_report(*this, key)) handle_key(key);
+        attempt(*this, kShort, [&] {
+            if (!key_waiting()) show_screen(*this);
+        });
+        attempt(*this, kShort, [&] { settle_files(*this); });
+        int key = kNoKey;
+        attempt(*this, kShort, [&] { key = wait_for_key(*this); });
+        attempt(*this, kShort, [&] { poll_processes(); });
+        attempt(*this, kNothingDone, [&] { run_timer(*this); });
+        bool done = attempt(*this, kNothingDone, [&] {
+            if (!handle_report(*this, key)) handle_key(key);
+        });
+        if (!done) gold_pending = false;
     }
     requests.take_up();
-    flush_journals(*this, true);
-    if (recovery) hung_up ? recovery->write() : recovery->discard();
+    memory_reserve.help([&] { flush_journals(*this, true); });
+    if (recovery && hung_up) memory_reserve.help([&] { recovery->write(); });
+    if (recovery && !hung_up) recovery->discard();
 }
 
 void TPUEditor::hang_up() {
@@ -117,7 +144,7 @@ Interrupted TPUEditor::interrupted() {
 }
 
 bool TPUEditor::key_waiting() {
-    return !unread_keys_.empty() || ports.terminal.key_waiting();
+    return unread_key_ != kNoKey || ports.terminal.key_waiting();
 }
 
 int TPUEditor::read_prompt_key() {
@@ -130,10 +157,8 @@ int TPUEditor::read_prompt_key() {
 }
 
 int TPUEditor::read_key(int wait_ms, const Awaited& others) {
-    if (unread_keys_.empty()) return ports.terminal.read_key(wait_ms, others);
-    int key = unread_keys_.front();
-    unread_keys_.pop_front();
-    return key;
+    if (unread_key_ == kNoKey) return ports.terminal.read_key(wait_ms, others);
+    return std::exchange(unread_key_, kNoKey);
 }
 
 }  // namespace tpu

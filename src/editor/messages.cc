@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "editor/editor.h"
+#include "editor/recovery.h"
 
 namespace tpu {
 
@@ -26,8 +27,7 @@ std::uint64_t drop_oldest_lines(LineStore& lines, std::uint64_t limit) {
     return dropped;
 }
 
-void log_message(Buffer& buffer, const std::string& text, std::uint64_t limit) {
-    bool modifiable = std::exchange(buffer.modifiable, true);
+void add_line(Buffer& buffer, const std::string& text, std::uint64_t limit) {
     std::uint64_t row = buffer.cursor_row, column = buffer.cursor_column;
     buffer.end_of_buffer();
     if (buffer.cursor_column > 0) buffer.split_line();
@@ -35,6 +35,13 @@ void log_message(Buffer& buffer, const std::string& text, std::uint64_t limit) {
     std::uint64_t dropped = drop_oldest_lines(buffer.lines, limit);
     buffer.cursor_row = row - std::min(row, dropped);
     buffer.cursor_column = column;
+}
+
+// All of the line or, where memory is too short, none of it.
+void log_message(Buffer& buffer, const std::string& text, std::uint64_t limit) {
+    const Buffer::State before = buffer.state();
+    const bool modifiable = std::exchange(buffer.modifiable, true);
+    if (!enough_memory([&] { add_line(buffer, text, limit); })) buffer.put_back(before);
     buffer.modifiable = modifiable;
     buffer.modified = false;
 }
@@ -47,6 +54,16 @@ void TPUEditor::set_message(const std::string& text) {
     in_set_message = true;
     log_message(*message_buffer(*this), text, message_buffer_limit);
     in_set_message = false;
+}
+
+void TPUEditor::recover_memory(const char* text) {
+    memory_reserve.release();
+    parser.recover();
+    if (message != text && !enough_memory([&] { set_message(text); })) {
+        in_set_message = false;
+        message = "Out of memory";  // short enough to need none
+    }
+    if (recovery) enough_memory([&] { recovery->write(); });
 }
 
 }  // namespace tpu

@@ -11,10 +11,21 @@ namespace {
 // The cursor stands before byte `cursor` of the text behind the prompt.
 void present_prompt(TPUEditor& editor, const std::string& prompt, const std::string& text = "",
                     std::size_t cursor = 0) {
-    Plan plan = settle(editor);
-    Frame frame = compose(editor, plan);
-    compose_prompt(editor, prompt + text, prompt.size() + cursor, frame);
-    editor.ports.terminal.present(frame);
+    editor.memory_reserve.help([&] {
+        Plan plan = settle(editor);
+        Frame frame = compose(editor, plan);
+        compose_prompt(editor, prompt + text, prompt.size() + cursor, frame);
+        editor.ports.terminal.present(frame);
+    });
+}
+
+// What waits for an answer does not end because a key needs more memory than there is:
+// then the key does nothing.
+template <class Work>
+void act(TPUEditor& editor, Work work) {
+    if (enough_memory(work)) return;
+    editor.memory_reserve.release();
+    editor.ports.terminal.beep();
 }
 
 }  // namespace
@@ -25,10 +36,9 @@ int TPUEditor::read_one_key(const std::string& prompt) {
         present_prompt(*this, prompt);
         int key = read_prompt_key();
         if (key == kKeyHangup) hang_up();
-        if (key == kKeyResize) {
-            resize_screen();
-        } else if (key == kKeyPaste) {
-            ports.terminal.take_paste();
+        if (key == kKeyResize || key == kKeyPaste) {
+            act(*this,
+                [&] { key == kKeyResize ? resize_screen() : void(ports.terminal.take_paste()); });
         } else if (key != kKeyMouse && key != kNoKey) {
             return key;
         }
@@ -39,19 +49,21 @@ std::optional<std::string> TPUEditor::ask(const std::string& prompt, Asking how)
     if (headless) return "";
     bool echo = how.echo;
     LineInput input(charset, std::move(how));
-    int key = kNoKey;
-    do {
+    for (bool done = false; !done;) {
         if (!key_waiting() && echo) present_prompt(*this, prompt, input.text(), input.cursor());
         if (!key_waiting() && !echo) present_prompt(*this, prompt);
-        key = read_prompt_key();
-        if (key == kKeyResize) resize_screen();
-        if (key == kKeyPaste) input.paste(ports.terminal.take_paste());
+        int key = read_prompt_key();
         if (key == kKeyHangup) {
             // Nobody has finished this line: it must not be acted upon.
             hang_up();
             return std::nullopt;
         }
-    } while (!input.key(key));
+        act(*this, [&] {
+            if (key == kKeyResize) resize_screen();
+            if (key == kKeyPaste) input.paste(ports.terminal.take_paste());
+            done = input.key(key);
+        });
+    }
     if (input.cancelled()) return std::nullopt;
     return input.text();
 }
@@ -80,18 +92,18 @@ void TPUEditor::command_mode() {
 void TPUEditor::prompt_find() {
     if (headless || !current_buffer) return;
     FindSession session(*current_buffer);
-    int key = kNoKey;
-    do {
-        set_message(session.search());
-        if (!key_waiting()) draw();
-        key = read_prompt_key();
-        if (key == kKeyResize) resize_screen();
-        if (key == kKeyPaste) session.paste(ports.terminal.take_paste());
-        if (key == kKeyHangup) {
-            hang_up();
-            return;
-        }
-    } while (!session.key(key));
+    for (bool done = false; !done;) {
+        bool searched = memory_reserve.help([&] { set_message(session.search()); });
+        if (!key_waiting()) memory_reserve.help([&] { draw(); });
+        int key = read_prompt_key();
+        if (key == kKeyHangup) return hang_up();
+        act(*this, [&] {
+            if (key == kKeyResize) resize_screen();
+            if (!searched) set_message(session.search());
+            if (key == kKeyPaste) session.paste(ports.terminal.take_paste());
+            done = session.key(key);
+        });
+    }
     set_message(session.result());
 }
 

@@ -37,16 +37,19 @@ TPUWindow* TPUEditor::create_default_window() {
 }
 
 void TPUEditor::resize_screen() {
+    resize_is_due_ = true;
     ScreenSize size = ports.terminal.size();
     std::vector<TPUWindow*> all;
     for (const auto& window : windows) all.push_back(window.get());
     resize_memory_.resize(all, rows, cols, size.rows, size.cols);
     rows = size.rows;
     cols = size.cols;
+    resize_is_due_ = false;
 }
 
 void TPUEditor::draw() {
     if (headless) return;
+    if (resize_is_due_) resize_screen();
     Plan plan = settle(*this);
     ports.terminal.present(compose(*this, plan));
 }

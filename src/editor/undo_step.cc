@@ -1,13 +1,19 @@
 #include "editor/undo_step.h"
 
 #include <algorithm>
-#include <new>
+#include <exception>
 
+#include "core/short_memory.h"
 #include "editor/editor.h"
 
 namespace tpu {
 
-UndoStep::UndoStep(TPUEditor& editor) : editor_(editor), outer_(editor.undo_step) {
+UndoStep::UndoStep(TPUEditor& editor)
+    : editor_(editor),
+      outer_(editor.undo_step),
+      current_(editor.current_buffer),
+      window_(editor.current_window),
+      exceptions_(std::uncaught_exceptions()) {
     watch_current_buffer();
     if (!outer_) editor_.undo_step = this;  // when nothing can fail any more
 }
@@ -15,15 +21,21 @@ UndoStep::UndoStep(TPUEditor& editor) : editor_(editor), outer_(editor.undo_step
 UndoStep::~UndoStep() {
     if (outer_) return;
     editor_.undo_step = nullptr;
-    try {
-        finish();
-    } catch (const std::bad_alloc&) {
-        // The change stays, and undoing goes back to a state before it.
+    if (std::uncaught_exceptions() > exceptions_) {
+        take_back();
+    } else {
+        // Where memory is too short the change stays, and undoing goes back to before it.
+        enough_memory([&] { finish(); });
     }
 }
 
 void UndoStep::finish() {
     for (const Watched& watched : watched_) finish(watched);
+}
+
+UndoStep::Watched& UndoStep::note(Buffer& buffer) {
+    if (Watched* watched = find(&buffer)) return *watched;
+    return watched_.emplace_back(Watched{&buffer, buffer.state(), buffer.history_moves});
 }
 
 void UndoStep::watch_current_buffer() {
@@ -32,7 +44,12 @@ void UndoStep::watch_current_buffer() {
 
 void UndoStep::watch(Buffer& buffer) {
     if (outer_) return outer_->watch(buffer);
-    if (!find(&buffer)) watched_.push_back({&buffer, buffer.snap(), buffer.history_moves});
+    buffer.make_room_for_undo();
+    note(buffer).gets_undo = true;
+}
+
+void UndoStep::protect(Buffer& buffer) {
+    outer_ ? outer_->protect(buffer) : void(note(buffer));
 }
 
 UndoStep::Watched* UndoStep::find(const Buffer* buffer) {
@@ -55,8 +72,18 @@ void UndoStep::finish(const Watched& watched) const {
     Buffer::Snapshot now = buffer.snap();
     bool only_travelled = watched.has_travelled() && !watched.has_branched &&
                           now.same_place_and_text(buffer.last_restored);
-    if (only_travelled || now.same_place_and_text(watched.before)) return;
-    buffer.push_undo(watched.before, true);
+    if (only_travelled || now.same_place_and_text(watched.before.text)) return;
+    if (watched.gets_undo) buffer.push_undo(watched.before.text, true);
+}
+
+void UndoStep::take_back() {
+    for (const Watched& watched : watched_) {
+        if (editor_.owns(watched.buffer)) watched.buffer->put_back(watched.before);
+    }
+    if (editor_.owns(current_)) editor_.current_buffer = current_;
+    for (const auto& window : editor_.windows) {
+        if (window.get() == window_) editor_.current_window = window_;
+    }
 }
 
 bool undo(TPUEditor& editor) {

@@ -8,11 +8,13 @@
 namespace tpu {
 
 class TPUEditor;
+struct TPUWindow;
 
 // While the outermost step lives, no snapshots are taken. When it ends, each
 // buffer it watched gets one: the state in which the step found it, if text or
 // cursor have changed since. A step that did nothing but undo or redo gets none,
-// and a step without effect leaves the redo stack alone.
+// and a step without effect leaves the redo stack alone. One that an exception ends has
+// not been: the buffers are put back into those states.
 class UndoStep {
   public:
     // Watches the current buffer, if there is one. Inner steps watch for the outer one.
@@ -26,6 +28,8 @@ class UndoStep {
     void watch_current_buffer();
     void watch(Buffer& buffer);
     bool watches(const Buffer& buffer) { return find(&buffer); }
+    // Has the buffer put back in that case, though it is not watched.
+    void protect(Buffer& buffer);
     // What has changed so far is no concern of an UNDO that follows.
     void begin_part();
     // A statement of this step gets a record of its own; false: it is not the first one.
@@ -37,21 +41,27 @@ class UndoStep {
 
     struct Watched {
         Buffer* buffer;
-        Buffer::Snapshot before;
+        Buffer::State before;
         std::uint64_t history_moves;
+        bool gets_undo = false;
         std::optional<Buffer::Snapshot> since = {};  // UNDO goes back to here first, if set
         bool has_branched = false;  // what it undid before a change cannot be redone
 
-        const Buffer::Snapshot& start() const { return since ? *since : before; }
+        const Buffer::Snapshot& start() const { return since ? *since : before.text; }
         bool has_changed() const { return !buffer->snap().same_place_and_text(start()); }
         bool has_travelled() const { return buffer->history_moves != history_moves; }
     };
     Watched* find(const Buffer* buffer);
     void finish();
     void finish(const Watched& watched) const;
+    Watched& note(Buffer& buffer);
+    void take_back();
 
     TPUEditor& editor_;
     UndoStep* outer_;
+    Buffer* current_;  // buffer and window at the begin
+    TPUWindow* window_;
+    int exceptions_;  // under way at the begin
     std::vector<Watched> watched_;
     std::uint64_t records_ = 0;
 };

@@ -37,17 +37,19 @@ void TPUEditor::push_kill_ring(const LineStore& text) {
 void TPUEditor::cut_selection() {
     std::optional<Range> range = selection(*this);
     if (!range) return;
-    push_kill_ring(current_buffer->lines_of_range(*range));
+    // What is put back when memory runs out comes first, and what is not comes last.
+    set_message("MOVE_TEXT SELECT_RANGE");
+    const LineStore text = current_buffer->lines_of_range(*range);
     current_buffer->erase_range(*range);
     current_buffer->select_anchor.reset();
-    set_message("MOVE_TEXT SELECT_RANGE");
+    push_kill_ring(text);
 }
 
 void TPUEditor::copy_selection() {
     std::optional<Range> range = selection(*this);
     if (!range) return;
-    push_kill_ring(current_buffer->lines_of_range(*range));
     set_message("Copied SELECT_RANGE");
+    push_kill_ring(current_buffer->lines_of_range(*range));
 }
 
 void TPUEditor::paste() {
@@ -66,10 +68,11 @@ void TPUEditor::paste_previous() {
         set_message("Kill ring empty");
         return;
     }
-    kill_ring_index = (kill_ring_index == 0 ? kill_ring.size() : kill_ring_index) - 1;
-    current_buffer->paste_text = kill_ring[kill_ring_index];
-    current_buffer->copy_lines(current_buffer->paste_text, charset);
+    std::size_t index = (kill_ring_index == 0 ? kill_ring.size() : kill_ring_index) - 1;
     set_message("Pasted previous");
+    current_buffer->copy_lines(kill_ring[index], charset);
+    kill_ring_index = index;
+    current_buffer->paste_text = kill_ring[index];
 }
 
 void TPUEditor::store_named_paste(const std::string& name) {
@@ -91,9 +94,9 @@ void TPUEditor::recall_named_paste(const std::string& name, bool insert) {
         return;
     }
     if (!current_buffer) return;
-    current_buffer->paste_text = found->second;
-    if (insert) current_buffer->copy_lines(found->second, charset);
     set_message((insert ? "Pasted " : "Recalled paste ") + quoted(key));
+    if (insert) current_buffer->copy_lines(found->second, charset);
+    current_buffer->paste_text = found->second;
 }
 
 }  // namespace tpu

@@ -11,6 +11,13 @@ namespace tpu::builtins {
 
 namespace {
 
+// The buffer of a value, which is to be changed: a step that fails puts it back.
+Buffer* buffer_to_change(Call& call, const Value& value) {
+    Buffer* buffer = buffer_of(value);
+    if (buffer && call.editor.undo_step) call.editor.undo_step->protect(*buffer);
+    return buffer;
+}
+
 void erase_character(Call& call) {
     call.buffer().erase_n_characters(bounded(call.args.number(0)));
 }
@@ -21,7 +28,7 @@ void shift(Call& call) {
     if (args.count() >= 2) {
         const Value& where = args.value(0);
         bool names_one = where.is(Value::Type::window) || where.is(Value::Type::buffer);
-        if (names_one && buffer_of(where)) target = buffer_of(where);
+        if (names_one && buffer_of(where)) target = buffer_to_change(call, where);
     }
     Work work = call.parser.interruptible();
     target->shift_columns(args.count() > 0 ? bounded(args.number(args.count() - 1)) : 0, &work);
@@ -45,7 +52,7 @@ Buffer::Case case_mode(Args& args) {
 
 void change_case(Call& call) {
     const Value& target = call.args.value(0);
-    Buffer* buffer = buffer_of(target);
+    Buffer* buffer = buffer_to_change(call, target);
     if (!buffer) return;
     Work work = call.parser.interruptible();
     if (target.is(Value::Type::range)) {
@@ -57,7 +64,7 @@ void change_case(Call& call) {
 
 void translate(Call& call) {
     const Value& target = call.args.value(0);
-    Buffer* buffer = buffer_of(target);
+    Buffer* buffer = buffer_to_change(call, target);
     if (!buffer) return;
     std::string from = call.args.text(1), to = call.args.text(2);
     Work work = call.parser.interruptible();
@@ -71,7 +78,7 @@ void translate(Call& call) {
 void erase(Call& call) {
     const Value& what = call.args.value(0);
     if (!what.is(Value::Type::range)) return;
-    if (Buffer* buffer = buffer_of(what)) buffer->erase_range(*what.range());
+    if (Buffer* buffer = buffer_to_change(call, what)) buffer->erase_range(*what.range());
 }
 
 // REPLACE_TEXT(offset, count, text); negative numbers count as 0.
