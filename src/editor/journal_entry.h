@@ -1,6 +1,10 @@
 // What an outermost statement leaves in a journal.
 #pragma once
 
+#include <sys/types.h>
+
+#include <optional>
+
 #include "editor/editor.h"
 #include "lang/stmt_text.h"
 
@@ -29,10 +33,15 @@ class JournalEntry {
     }
     void begin(const std::string& text);
     void end();
+    void take_back();
 
     TPUEditor& editor_;
-    Buffer* buffer_ = nullptr;  // whose journal has the record
-    bool by_effect_ = false;    // it gets one afterwards, for what the statement did
+    Buffer* buffer_ = nullptr;         // whose journal has the record
+    bool by_effect_ = false;           // it gets one afterwards, for what the statement did
+    std::string file_;                 // that the record is in
+    std::optional<off_t> size_, end_;  // of that file, without the record and with it
+    bool strayed_ = false;             // the buffer's journal_strayed then
+    int exceptions_ = 0;               // under way then
 };
 
 }  // namespace tpu

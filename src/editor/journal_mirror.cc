@@ -1,10 +1,12 @@
 #include "editor/journal_mirror.h"
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 #include <utility>
 
 #include "core/line_diff.h"
+#include "core/short_memory.h"
 #include "editor/copied_text.h"
 #include "editor/editor.h"
 #include "lang/stmt_text.h"
@@ -101,13 +103,12 @@ JournalMirror::JournalMirror(Buffer& buffer) : buffer_(buffer) {
     capture();
 }
 
+// Needs no memory. Tab stops are looked at when they matter.
 void JournalMirror::capture() {
     replayed_.lines = buffer_.lines;
     replayed_.cursor_row = buffer_.cursor_row;
     replayed_.cursor_column = buffer_.cursor_column;
     take_anchor();
-    replayed_.tab_stops = buffer_.tab_stops;
-    replayed_.tab_interval = buffer_.tab_interval;
     copy_recorded_modes(buffer_, replayed_);
     moved_to_.reset();
     if (typed_.empty()) waiting_since_.reset();
@@ -128,9 +129,9 @@ void JournalMirror::follow(Charset charset, Clock::time_point now) {
 
 void JournalMirror::flush() {
     if (!typed_.empty()) {
-        std::string text = std::exchange(typed_, {});
+        record("COPY_TEXT(" + expression_for(typed_) + ")");
+        typed_.clear();
         typed_keys_ = 0;
-        record("COPY_TEXT(" + expression_for(text) + ")");
         has_own_steps_ = true;
     }
     if (moved_to_) move_to(*std::exchange(moved_to_, {}));
@@ -139,11 +140,30 @@ void JournalMirror::flush() {
 
 void JournalMirror::record(std::string_view statement) {
     // What brought the user back here was not recorded in this journal.
-    if (std::exchange(buffer_.journal_strayed, false)) {
+    if (buffer_.journal_strayed) {
         tpu_journal_append(&buffer_, "POSITION(GET_BUFFER(" + expression_for(buffer_.name) + "))");
+        buffer_.journal_strayed = false;
     }
     tpu_journal_append(&buffer_, statement);
 }
+
+class JournalMirror::Attempt {
+  public:
+    explicit Attempt(JournalMirror& mirror) : mirror_(mirror), before_(mirror.state()) {}
+    ~Attempt() {
+        if (!kept_) mirror_.restore(before_);
+    }
+    Attempt(const Attempt&) = delete;
+    Attempt& operator=(const Attempt&) = delete;
+
+    void keep() { kept_ = true; }
+    const State& before() const { return before_; }
+
+  private:
+    JournalMirror& mirror_;
+    const State before_;
+    bool kept_ = false;
+};
 
 JournalMirror::State JournalMirror::state() const {
     return {replayed_.snap(), replayed_.select_anchor};
@@ -179,14 +199,21 @@ void JournalMirror::write(const std::string& statement) {
 template <class Change>
 bool JournalMirror::tries(const std::string& statement, Change change) {
     flush();
-    const State before = state();
+    Attempt attempt(*this);
     change(replayed_);
-    if (!is_there()) {
-        restore(before);
-        return false;
-    }
+    if (!is_there()) return false;
     write(statement);
+    attempt.keep();
     return true;
+}
+
+template <class Change>
+void JournalMirror::apply(const std::string& statement, Change change) {
+    flush();
+    Attempt attempt(*this);
+    change(replayed_);
+    write(statement);
+    attempt.keep();
 }
 
 void JournalMirror::follow_modes() {
@@ -220,17 +247,18 @@ bool JournalMirror::follow_typing(Charset charset, Clock::time_point now) {
     if (text == "\n" && tries("SPLIT_LINE", [](Buffer& b) { b.split_line(); })) return true;
     for (bool alone : {typed_.empty(), true}) {
         if (alone) flush();
-        const State before = state();
-        if (alone) before_typed_ = before;
+        Attempt attempt(*this);
+        if (alone) before_typed_ = attempt.before();
+        std::string typed = typed_ + text;
         restore(before_typed_);
-        replayed_.copy_text(typed_ + text, charset);
+        replayed_.copy_text(typed, charset);
         if (is_there()) {
-            typed_ += text;
+            attempt.keep();
+            typed_ = std::move(typed);
             if (!waiting_since_) waiting_since_ = now;
             if (++typed_keys_ >= kMostKeys || text.size() > kMostKeys) flush();
             return true;
         }
-        restore(before);
         if (alone) break;
     }
     return false;
@@ -257,8 +285,8 @@ bool JournalMirror::follow_erasing() {
 void JournalMirror::rewrite(Charset charset) {
     const bool inserts = replayed_.insert_mode, wraps = replayed_.auto_wrap;
     if (!inserts) write("SET(INSERT)");
-    if (wraps) write("SET(NO_WRAP)");
     replayed_.insert_mode = true;
+    if (wraps) write("SET(NO_WRAP)");
     replayed_.auto_wrap = false;
     for (const Difference& change : differences(replayed_.lines, buffer_.lines)) {
         // Up to here the two are the same by now.
@@ -266,8 +294,8 @@ void JournalMirror::rewrite(Charset charset) {
                 buffer_.lines.part(change.new_begin, change.new_end), charset);
     }
     if (!inserts) write("SET(OVERSTRIKE)");
-    if (wraps) write("SET(WRAP)");
     replayed_.insert_mode = inserts;
+    if (wraps) write("SET(WRAP)");
     replayed_.auto_wrap = wraps;
     move_to(cursor(buffer_));
     if (!is_there()) capture();
@@ -291,8 +319,7 @@ void JournalMirror::replace(std::uint64_t from, std::uint64_t count, const LineS
     move_to(place);
     for (std::uint64_t left = head.size() + old.bytes() - end - begin; left > 0;) {
         int piece = bounded(left);
-        write(call("ERASE_CHARACTER", piece));
-        replayed_.erase_n_characters(piece);
+        apply(call("ERASE_CHARACTER", piece), [&](Buffer& b) { b.erase_n_characters(piece); });
         left -= static_cast<std::uint64_t>(piece);
     }
     LineStore added = fresh.part(begin, fresh.bytes() - end);
@@ -303,20 +330,19 @@ void JournalMirror::replace(std::uint64_t from, std::uint64_t count, const LineS
 void JournalMirror::insert(const LineStore& text, Charset charset) {
     CopiedPieces pieces(text);
     for (CopiedText piece; pieces.next(piece);) {
-        write(piece.statement());
-        Range range = replayed_.copy_text(piece.text, charset);
-        replayed_.translate_range(range, piece.stand_ins, piece.meant);
+        apply(piece.statement(), [&](Buffer& b) {
+            Range range = b.copy_text(piece.text, charset);
+            b.translate_range(range, piece.stand_ins, piece.meant);
+        });
     }
 }
 
 void JournalMirror::move_to(Position place) {
     if (int rows = difference(replayed_.cursor_row, place.row)) {
-        write(call("MOVE_VERTICAL", rows));
-        replayed_.move_vertical(rows);
+        apply(call("MOVE_VERTICAL", rows), [&](Buffer& b) { b.move_vertical(rows); });
     }
     if (int columns = difference(replayed_.cursor_column, place.column)) {
-        write(call("MOVE_HORIZONTAL", columns));
-        replayed_.move_horizontal(columns);
+        apply(call("MOVE_HORIZONTAL", columns), [&](Buffer& b) { b.move_horizontal(columns); });
     }
 }
 
@@ -325,9 +351,9 @@ void JournalMirror::follow_anchor() {
     flush();
     const Position here = cursor(replayed_);
     if (buffer_.select_anchor) move_to(buffer_.select_anchor->position());
-    write("SELECT");
+    apply("SELECT", [](Buffer& b) { b.select(); });
     // Moving an empty selection does away with it.
-    if (!buffer_.select_anchor) write("MOVE_TEXT");
+    if (!buffer_.select_anchor) apply("MOVE_TEXT", [](Buffer& b) { b.select_anchor.reset(); });
     take_anchor();
     move_to(here);
 }
@@ -366,12 +392,16 @@ JournaledKey::JournaledKey(TPUEditor& editor) : editor_(editor) {
     Buffer* buffer = editor.current_buffer;
     if (!buffer || !buffer->journaling) return;
     buffer_ = buffer;
+    exceptions_ = std::uncaught_exceptions();
     mirror_of(*buffer).expect_own_steps();
 }
 
+// What memory is too short for now is recorded with the next key. One that failed has done
+// nothing, though that is still to be seen in the buffer.
 void JournaledKey::end() {
-    if (!editor_.owns(buffer_) || !buffer_->journaling) return;
-    mirror_of(*buffer_).follow(editor_.charset, editor_.ports.clock.now());
+    bool failed = std::uncaught_exceptions() > exceptions_;
+    if (failed || !editor_.owns(buffer_) || !buffer_->journaling) return;
+    enough_memory([&] { mirror_of(*buffer_).follow(editor_.charset, editor_.ports.clock.now()); });
 }
 
 }  // namespace tpu

@@ -46,6 +46,9 @@ class JournalMirror {
         std::optional<Marker> anchor;
     };
 
+    // Puts the mirror back at its end unless it is told to keep it.
+    class Attempt;
+
     State state() const;
     void restore(const State& state);
     void take_anchor();
@@ -62,8 +65,11 @@ class JournalMirror {
     void move_to(Position place);
     // Records a statement of the mirror's own.
     void write(const std::string& statement);
-    // Applies `change`; records the statement if that leads to the buffer's state, else
-    // takes the change back.
+    // Applies `change` and records the statement that does it: both or, when memory is too
+    // short, neither.
+    template <class Change>
+    void apply(const std::string& statement, Change change);
+    // The same if that leads to the buffer's state; else false, and nothing is done.
     template <class Change>
     bool tries(const std::string& statement, Change change);
 
@@ -103,6 +109,7 @@ class JournaledKey {
 
     TPUEditor& editor_;
     Buffer* buffer_ = nullptr;
+    int exceptions_ = 0;  // under way at the begin
 };
 
 }  // namespace tpu

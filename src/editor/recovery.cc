@@ -4,6 +4,7 @@
 #include <ctime>
 #include <vector>
 
+#include "core/short_memory.h"
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
 #include "store/journal.h"
@@ -108,28 +109,36 @@ bool Recovery::keeps_all(const Buffer& buffer) const {
     return kept != kept_.end() && kept->second->written.is_same_version(buffer.lines);
 }
 
+// Where memory is too short for one buffer, others may have less to be kept.
 void Recovery::write() {
     due_.reset();
     if (folder_.empty()) return;
     drop_saved();
     for (const auto& buffer : editor_.buffers) {
-        if (!keeps_all(*buffer)) write(*buffer);
+        if (keeps_all(*buffer) || enough_memory([&] { write(*buffer); })) continue;
+        editor_.memory_reserve.release();
+        due_ = editor_.ports.clock.now() + kRetry;
     }
 }
 
+Recovery::Kept& Recovery::kept(const Buffer& buffer) {
+    auto found = kept_.find(&buffer);
+    if (found != kept_.end()) return *found->second;
+    return *kept_.emplace(&buffer, std::make_unique<Kept>(buffer)).first->second;
+}
+
 void Recovery::write(Buffer& buffer) {
-    std::unique_ptr<Kept>& kept = kept_[&buffer];
-    if (!kept) kept = std::make_unique<Kept>(buffer);
-    const std::vector<std::string> statements = text_changes(kept->written, buffer.lines);
+    Kept& work = kept(buffer);
+    const std::vector<std::string> statements = text_changes(work.written, buffer.lines);
     std::string reason;
-    if (!statements.empty() && !kept->file) {
-        kept->file =
-            RecoveryFile::create(folder_, kept->file_name, kept->file_time, kept->written, reason);
-        if (!kept->file) return fail(reason);
-        kept->copying_base = kept->file->copy_base();
+    if (!statements.empty() && !work.file) {
+        work.file =
+            RecoveryFile::create(folder_, work.file_name, work.file_time, work.written, reason);
+        if (!work.file) return fail(reason);
+        work.copying_base = work.file->copy_base();
     }
-    if (!statements.empty() && !kept->file->append(statements, reason)) return fail(reason);
-    kept->written = buffer.lines;
+    if (!statements.empty() && !work.file->append(statements, reason)) return fail(reason);
+    work.written = buffer.lines;
     trouble_.clear();
 }
 

@@ -48,9 +48,9 @@ class Recovery {
   private:
     struct Kept;
 
-    bool may_keep(const Buffer& buffer) const;
     bool keeps_all(const Buffer& buffer) const;
     std::chrono::milliseconds copy_bases();
+    Kept& kept(const Buffer& buffer);
     void write(Buffer& buffer);
     void drop_saved();
     void fail(const std::string& reason);

@@ -237,6 +237,7 @@ void MiniTPUParser::recover() {
     statement_depth = 0;
     program_depth = 0;
     replaying_.clear();
+    replayed_journals.clear();
     returned = nullptr;
     stopped = false;
     editor.in_set_message = false;

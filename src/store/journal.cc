@@ -143,6 +143,18 @@ void tpu_journal_append(Buffer* buffer, std::string_view text) {
     if (!append(journal, bytes)) end_recording(*buffer);
 }
 
+std::optional<off_t> tpu_journal_size(const std::string& path) {
+    struct stat status;
+    if (stat(path.c_str(), &status) == 0) return status.st_size;
+    return errno == ENOENT ? std::optional<off_t>(0) : std::nullopt;
+}
+
+void tpu_journal_cut(const std::string& path, off_t from, off_t to) noexcept {
+    JournalFile journal = open_journal(path, O_WRONLY);
+    bool is_ours = journal.file && journal.size == from;
+    if (is_ours) static_cast<void>(sys::truncate(journal.file.get(), to));
+}
+
 bool tpu_journal_open(Buffer& buffer, const std::string& path, bool binary, std::string& note) {
     JournalFile journal = open_journal(path, O_RDWR);
     if (journal.size > 0 && buffer.journal_fault.starts_with(path + ": ")) {

@@ -14,7 +14,10 @@
 // removed begins again; and buffers that share a journal write one after the other.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -37,6 +40,10 @@ inline constexpr std::uint32_t kLongestRecord = 1u << 24;  // bytes that a repla
 // happens. When it cannot be written, the recording ends, since what came behind it would
 // not fit what stands before it; the buffer's `journal_fault` has the reason.
 void tpu_journal_append(Buffer* buffer, std::string_view text);
+
+// The bytes that a journal has, and cutting it back unless others have added to it.
+std::optional<off_t> tpu_journal_size(const std::string& path);
+void tpu_journal_cut(const std::string& path, off_t from, off_t to) noexcept;
 
 // Makes a file the journal of a buffer. What is in it stays, but for half a record at its
 // end; a new file can be read by its owner alone. False, and nothing has changed, when

@@ -178,8 +178,10 @@ bool RecoveryFile::append(const std::vector<std::string>& statements, std::strin
     // Half a record would make those behind it unreadable.
     auto mend = [&] { torn_ = torn_ && sys::truncate(descriptor_.get(), size_) != 0; };
     mend();
+    const bool was_torn = torn_;
+    torn_ = true;  // what has been written when memory runs out is part of a record, too
     const std::optional<off_t> added =
-        torn_ ? std::nullopt : write_records(descriptor_.get(), statements);
+        was_torn ? std::nullopt : write_records(descriptor_.get(), statements);
     if (!added) reason = std::strerror(errno);
     torn_ = !added;
     size_ += added.value_or(0);
