@@ -2,11 +2,16 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 #include <utility>
+
+#include "core/short_memory.h"
 
 namespace tpu {
 
 namespace {
+
+constexpr std::size_t kNone = std::string::npos;  // no such place
 
 constexpr std::string_view kPasteStart = "\x1b[200~";
 constexpr std::string_view kPasteEnd = "\x1b[201~";
@@ -46,15 +51,14 @@ KeyDecoder::KeyDecoder(std::vector<KeySequence> table) : table_(std::move(table)
     std::stable_sort(table_.begin(), table_.end(), less);
     table_.erase(std::unique(table_.begin(), table_.end(), same), table_.end());
     for (const KeySequence& key : table_) first_bytes_.set(byte_at(key.bytes, 0));
+    input_.reserve(2 * kRoom);
 }
 
 void KeyDecoder::feed(std::string_view bytes, bool doubtful) {
-    constexpr std::size_t kNone = std::string::npos;
-    if (head_ > input_.size() / 2) {
-        input_.erase(0, head_);
-        scanned_ -= std::min(scanned_, head_);
-        if (doubtful_ != kNone) doubtful_ -= head_;
-        head_ = 0;
+    if (!pasting_) {
+        make_room(bytes.size());
+    } else if (!enough_memory([&] { make_room(bytes.size()); })) {
+        drop_paste();
     }
     if (!doubtful) {
         doubtful_ = kNone;
@@ -64,8 +68,39 @@ void KeyDecoder::feed(std::string_view bytes, bool doubtful) {
     input_ += bytes;
 }
 
+void KeyDecoder::make_room(std::size_t bytes) {
+    if (head_ > input_.size() / 2) {
+        input_.erase(0, head_);
+        scanned_ -= std::min(scanned_, head_);
+        if (doubtful_ != kNone) doubtful_ -= head_;
+        head_ = 0;
+    }
+    std::size_t needed = input_.size() + bytes;
+    if (needed > input_.capacity()) input_.reserve(std::max(needed, 2 * input_.capacity()));
+}
+
+// All that has come of it but for what may be the begin of its end.
+void KeyDecoder::drop_paste() {
+    std::size_t kept = std::min(input_.size() - head_, kPasteEnd.size() - 1);
+    const std::size_t dropped = input_.size() - kept;
+    input_.erase(0, dropped);
+    if (doubtful_ != kNone) doubtful_ -= std::min(doubtful_, dropped);
+    head_ = scanned_ = 0;
+    paste_lost_ = true;
+}
+
+// Gives back what a large paste took.
+void KeyDecoder::shrink() {
+    std::string fresh;
+    std::string_view rest = std::string_view(input_).substr(head_);
+    if (input_.capacity() <= 16 * kRoom || rest.size() > kRoom) return;
+    if (!enough_memory([&] { fresh.reserve(2 * kRoom); })) return;
+    fresh += rest;
+    input_.swap(fresh);
+    head_ = 0;
+}
+
 bool KeyDecoder::drop_through(char byte) {
-    constexpr std::size_t kNone = std::string::npos;
     std::size_t place = head_;
     for (bool pasted = pasting_; place != kNone; pasted = !pasted) {
         std::size_t mark = input_.find(pasted ? kPasteEnd : kPasteStart, place);
@@ -95,7 +130,7 @@ void KeyDecoder::end_paste() {
     std::size_t end = std::min(doubtful_, input_.size());
     input_.insert(end, kPasteEnd);
     scanned_ = std::min(scanned_, end);
-    doubtful_ = std::string::npos;
+    doubtful_ = kNone;
 }
 
 int KeyDecoder::next() {
@@ -107,6 +142,7 @@ int KeyDecoder::next_now() {
 }
 
 std::string KeyDecoder::take_paste() {
+    if (std::exchange(paste_lost_, false)) throw std::bad_alloc();
     return std::exchange(paste_, {});
 }
 
@@ -141,10 +177,13 @@ int KeyDecoder::decode_paste() {
         if (input_.size() - scanned_ > part) scanned_ = input_.size() - part;
         return kIncompleteKey;
     }
-    paste_ = with_line_feeds(std::string_view(input_).substr(head_, end - head_));
+    std::string_view text = std::string_view(input_).substr(head_, end - head_);
+    paste_.clear();
+    if (!paste_lost_) paste_lost_ = !enough_memory([&] { paste_ = with_line_feeds(text); });
     head_ = end + kPasteEnd.size();
     pasting_ = false;
-    doubtful_ = std::string::npos;
+    doubtful_ = kNone;
+    shrink();
     return kKeyPaste;
 }
 
@@ -204,8 +243,9 @@ KeyDecoder::Match KeyDecoder::old_mouse_report(std::string_view bytes) {
 KeyDecoder::Match KeyDecoder::mouse_report(std::string_view bytes) {
     int button = 0, col = 0, row = 0;
     char final = 0;
-    std::string text(bytes.substr(kControlSequence.size()));
-    if (std::sscanf(text.c_str(), "<%5d;%5d;%5d%c", &button, &col, &row, &final) != 4 ||
+    char text[32] = "";  // more than there is in a report
+    bytes.copy(text, sizeof text - 1, kControlSequence.size());
+    if (std::sscanf(text, "<%5d;%5d;%5d%c", &button, &col, &row, &final) != 4 ||
         (final != 'M' && final != 'm')) {
         return {kNoKey, bytes.size()};
     }

@@ -27,8 +27,12 @@ class KeyDecoder {
     // Of two equal sequences the earlier one counts.
     explicit KeyDecoder(std::vector<KeySequence> table = {});
 
-    // `doubtful`: while a paste is open, these bytes and those behind them may be keys
-    // and the paste may have lost its end, unless that comes or what follows is not doubtful.
+    static constexpr std::size_t kRoom = std::size_t{64} << 10;
+
+    // So many bytes at once need no memory, but for those of a paste: one for which it is
+    // too short is dropped. `doubtful`: while a paste is open, these bytes and those behind
+    // them may be keys and the paste may have lost its end, unless that comes or what follows
+    // is not doubtful.
     void feed(std::string_view bytes, bool doubtful = false);
 
     // The next key code; kNoKey when all bytes are used up, kIncompleteKey when the
@@ -49,7 +53,8 @@ class KeyDecoder {
 
     // True between the two marks around pasted text that is being decoded.
     bool pasting() const { return pasting_; }
-    // The text of the last kKeyPaste, with line feeds for line ends; once.
+    // The text of the last kKeyPaste, with line feeds for line ends; once. Fails as operator
+    // new does when memory was too short for it.
     std::string take_paste();
     // What the last kKeyMouse was.
     std::optional<MouseEvent> mouse() const { return mouse_; }
@@ -63,6 +68,9 @@ class KeyDecoder {
 
     int decode(bool now);
     int decode_paste();
+    void make_room(std::size_t bytes);
+    void drop_paste();
+    void shrink();
     Match recognise(std::string_view bytes);
     Match look_up(std::string_view bytes) const;
     Match control_sequence(std::string_view bytes);
@@ -77,6 +85,7 @@ class KeyDecoder {
     std::size_t doubtful_ = std::string::npos;
     bool pasting_ = false;
     std::string paste_;
+    bool paste_lost_ = false;  // it did not fit
     std::optional<MouseEvent> mouse_;
 };
 

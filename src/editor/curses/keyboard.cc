@@ -18,7 +18,7 @@ constexpr int kSequencePatience = 25;  // milliseconds between the bytes of one 
 constexpr int kPastePatience = 2000;   // milliseconds between the pieces of one paste
 constexpr int kPause = 200;            // after which a few bytes may be keys, and not of a paste
 constexpr std::size_t kLongestKey = 16;
-constexpr std::size_t kReadSize = 65536;
+constexpr std::size_t kReadSize = KeyDecoder::kRoom;
 constexpr char kInterrupt = 3;
 // Reads that end, since keys may come as fast as they are read.
 constexpr int kMostReads = 16;
@@ -136,7 +136,7 @@ int Keyboard::patience() const {
 
 // Waits for input and takes it. True when something is new.
 bool Keyboard::fill(int wait_ms, const Awaited& others) {
-    bool readable = wait_for_input(wait_ms, others);
+    bool readable = unfed_ > 0 || wait_for_input(wait_ms, others);
     if (readable) read_input();
     return readable || hung_up_ || size_changed || end_requested();
 }
@@ -163,10 +163,14 @@ bool Keyboard::wait_for_input(int wait_ms, const Awaited& others) {
 
 void Keyboard::read_input() {
     static char bytes[kReadSize];
-    ssize_t count = read(descriptor_, bytes, sizeof bytes);
+    ssize_t count = static_cast<ssize_t>(unfed_);
+    if (count == 0) count = read(descriptor_, bytes, sizeof bytes);
     if (count > 0) {
-        if (keys_) decoder_ = KeyDecoder(std::exchange(keys_, nullptr)());
-        take({bytes, static_cast<std::size_t>(count)});
+        unfed_ = static_cast<std::size_t>(count);
+        if (keys_) decoder_ = KeyDecoder(keys_());
+        keys_ = nullptr;
+        take({bytes, unfed_});
+        unfed_ = 0;
     } else if (count == 0 || (errno != EINTR && errno != EAGAIN)) {
         hung_up_ = true;
     }

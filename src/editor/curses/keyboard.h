@@ -37,7 +37,8 @@ class Keyboard {
     int descriptor_ = -1;
     std::vector<KeySequence> (*keys_)() = nullptr;  // until they have been asked for
     KeyDecoder decoder_;
-    int ahead_ = kNoKey;  // found by key_waiting()
+    int ahead_ = kNoKey;     // found by key_waiting()
+    std::size_t unfed_ = 0;  // bytes that were read, but not taken for want of memory
     bool hung_up_ = false;
     bool others_ready_ = false;  // after wait_for_input()
     SteadyTime last_input_;      // but for what may be no part of the paste that is open

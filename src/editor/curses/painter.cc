@@ -9,7 +9,7 @@
 #include <wchar.h>
 
 #include <algorithm>
-#include <vector>
+#include <array>
 
 namespace tpu {
 
@@ -60,18 +60,23 @@ cchar_t curses_cell(Cell cell, int cells) {
     return result;
 }
 
+// In pieces, so that drawing needs no memory.
 void paint_row(WINDOW* window, const Surface& surface, int row) {
-    std::vector<cchar_t> cells;
-    cells.reserve(static_cast<std::size_t>(surface.cols()));
+    std::array<cchar_t, 128> piece;
+    std::size_t size = 0;
+    int begin = 0;
     for (int col = 0; col < surface.cols(); ++col) {
         Cell cell = surface.at(row, col);
         bool wide = col + 1 < surface.cols() && surface.at(row, col + 1).glyph == 0;
         if (cell.glyph == 0) cell.glyph = U' ';
-        cells.push_back(curses_cell(cell, wide ? 2 : 1));
+        piece[size++] = curses_cell(cell, wide ? 2 : 1);
         // Curses fills the second cell of a wide character by itself.
         if (wide && wcwidth(static_cast<wchar_t>(cell.glyph)) == 2) ++col;
+        if (size < piece.size() && col + 1 < surface.cols()) continue;
+        mvwadd_wchnstr(window, row, begin, piece.data(), static_cast<int>(size));
+        begin = col + 1;
+        size = 0;
     }
-    mvwadd_wchnstr(window, row, 0, cells.data(), static_cast<int>(cells.size()));
 }
 
 bool same_row(const Surface& a, const Surface& b, int row) {
@@ -86,7 +91,8 @@ void paint(WINDOW* window, const Surface& surface, Surface& shown) {
     for (int row = 0; row < surface.rows(); ++row) {
         if (!same_size || !same_row(surface, shown, row)) paint_row(window, surface, row);
     }
-    shown = surface;
+    // Where memory is too short for another size, all is written again the next time.
+    same_size ? shown = surface : shown = Surface(surface);
 }
 
 WINDOW* make_window(int height, int cols, int top, bool leave_cursor) {
@@ -104,7 +110,8 @@ void Painter::open(int rows, int cols) {
     text_win_ = make_window(rows - 1, cols, 0, false);
     status_win_ = make_window(1, cols, rows - 2, true);
     message_win_ = make_window(1, cols, rows - 1, true);
-    shown_ = {Surface(rows - 1, cols), Surface(1, cols), Surface(1, cols), {}};
+    cols_ = cols;
+    shown_ = {};  // all rows are written
     curs_set(1);
 }
 
@@ -116,6 +123,8 @@ void Painter::close() {
 }
 
 void Painter::present(const Frame& frame) {
+    bool lacks_window = !text_win_ || !status_win_ || !message_win_;
+    if (lacks_window && rows_ > 1) open(rows_, cols_);  // there may be memory for them now
     paint(status_win_, frame.status, shown_.status);
     paint(message_win_, frame.message, shown_.message);
     paint(text_win_, frame.text, shown_.text);

@@ -25,7 +25,7 @@ class Painter {
   private:
     void place_cursor(ScreenPlace place);
 
-    int rows_ = 0;
+    int rows_ = 0, cols_ = 0;
     _win_st* text_win_ = nullptr;  // all rows but the last
     _win_st* status_win_ = nullptr;
     _win_st* message_win_ = nullptr;
