@@ -15,6 +15,8 @@
 #include <new>
 #include <vector>
 
+#include "core/short_memory.h"
+
 namespace tpu {
 
 namespace {
@@ -92,26 +94,32 @@ Ref<TextBlock> TextBlock::map_file(int fd, std::size_t size) {
     if (!file || size == 0) return {};
     void* place = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, fd, 0);
     if (place == MAP_FAILED) return {};
-    if (!add_mapping(static_cast<char*>(place), size)) {
+    Ref<TextBlock> block;
+    if (!add_mapping(static_cast<char*>(place), size) || !enough_memory([&] {
+            block = Ref(new TextBlock(static_cast<char*>(place), size, size));
+        })) {
+        remove_mapping(static_cast<char*>(place));
         munmap(place, size);
         return {};
     }
-    Ref block(new TextBlock(static_cast<char*>(place), size, size));
     block->used_ = size;
+    unsettled().push_back(block.get());
     block->settled_ = 0;
     block->file_ = std::move(file);
-    unsettled().push_back(block.get());
     return block;
 }
 
 // Puts memory with the same bytes in place of the next part of the mapping. A page
 // of the mapping that was merely written to would not do: it goes with its file's end.
 void TextBlock::settle() {
-    const std::size_t bytes = std::min(kSettleStep, mapped_ - settled_);
-    std::unique_ptr<char[]> copy(new char[bytes]);
-    if (!read_at(file_.get(), settled_, copy.get(), bytes)) damaged_ = true;
+    static char small[64 << 10];  // for when memory is short
+    std::size_t bytes = std::min(kSettleStep, mapped_ - settled_);
+    std::unique_ptr<char[]> large(new (std::nothrow) char[bytes]);
+    if (!large) bytes = std::min(sizeof small, bytes);
+    char* copy = large ? large.get() : small;
+    if (!read_at(file_.get(), settled_, copy, bytes)) damaged_ = true;
     char* place = data_ + settled_;
-    if (put_zeros(place, bytes)) std::memcpy(place, copy.get(), bytes);
+    if (put_zeros(place, bytes)) std::memcpy(place, copy, bytes);
     settled_ += bytes;
 }
 

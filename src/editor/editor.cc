@@ -12,9 +12,12 @@ TPUEditor::TPUEditor(Ports outside)
 }
 
 TPUEditor::~TPUEditor() {
-    std::vector<std::shared_ptr<TPUProcess>> all = processes;
-    all.insert(all.end(), dismissed_processes_.begin(), dismissed_processes_.end());
-    TPUProcess::end_all(all);
+    // Where memory is too short, they are asked to end one by one as they go.
+    enough_memory([&] {
+        std::vector<std::shared_ptr<TPUProcess>> all = processes;
+        all.insert(all.end(), dismissed_processes_.begin(), dismissed_processes_.end());
+        TPUProcess::end_all(all);
+    });
     leave_sessions();
 }
 

@@ -44,18 +44,21 @@ bool move_over(std::vector<Owned>& from, std::vector<Owned>& to, const T* object
     return true;
 }
 
-// The buffer to go to when the current one goes: one that people use, if there is one.
-Buffer* next_best(const TPUEditor& editor) {
+// The buffer to go to when another goes: one that people use, if there is one.
+Buffer* next_best(const TPUEditor& editor, const Buffer* gone) {
+    Buffer* other = nullptr;
     for (const auto& buffer : editor.buffers) {
+        if (buffer.get() == gone) continue;
         if (!buffer->system) return buffer.get();
+        if (!other) other = buffer.get();
     }
-    return editor.buffers.empty() ? nullptr : editor.buffers.front().get();
+    return other;
 }
 
 // Takes a session away from a buffer that goes, whoever it belongs to.
 void leave_buffer(TPUEditor& editor, const Buffer* buffer) {
     if (editor.undo_step) editor.undo_step->forget(buffer);
-    if (editor.current_buffer == buffer) editor.position(next_best(editor));
+    if (editor.current_buffer == buffer) editor.current_buffer = next_best(editor, buffer);
     for (const auto& window : editor.windows) {
         if (window->buffer != buffer) continue;
         window->buffer = editor.current_buffer;
@@ -112,6 +115,8 @@ void TPUEditor::leave_sessions() {
 bool TPUEditor::delete_buffer(Buffer* buffer) {
     auto is_other = [&](const auto& owned) { return owned.get() != buffer && !owned->system; };
     if (std::none_of(buffers.begin(), buffers.end(), is_other)) return false;
+    // First what needs memory: a buffer that is half gone would do harm.
+    if (current_buffer == buffer) position(next_best(*this, buffer));
     if (!move_over(buffers, deleted_buffers_, buffer)) return false;
     forget_buffer(*this, buffer);
     return true;

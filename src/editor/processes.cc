@@ -10,13 +10,12 @@ void TPUEditor::poll_processes() {
     // All of them together have one share, or the least that is worth a poll.
     constexpr std::size_t kLeast = 4096;
     std::size_t most = std::max(kLeast, TPUProcess::kPollShare / (processes.size() + 1));
-    std::erase_if(processes, [&](const std::shared_ptr<TPUProcess>& process) {
-        if (process->poll_output(most)) return false;
-        if (attached_process == process) attached_process.reset();
-        return true;
-    });
-    std::erase_if(dismissed_processes_,
-                  [](const auto& process) { return !process->poll_output(); });
+    for (const auto& process : processes) process->poll_output(most);
+    for (const auto& process : dismissed_processes_) process->poll_output();
+    auto has_ended = [](const auto& process) { return process->pid() < 0; };
+    if (attached_process && has_ended(attached_process)) attached_process.reset();
+    std::erase_if(processes, has_ended);
+    std::erase_if(dismissed_processes_, has_ended);
 }
 
 void TPUEditor::dismiss_process(const std::shared_ptr<TPUProcess>& process) {

@@ -56,8 +56,8 @@ void next_window(TPUEditor& editor) {
 }
 
 void gold(TPUEditor& editor) {
-    editor.gold_pending = true;
     editor.set_message("GOLD");
+    editor.gold_pending = true;
 }
 
 // Lines that a screenful moves by.
@@ -145,12 +145,14 @@ KeyMap* TPUEditor::create_key_map(const std::string& name) {
 }
 
 KeyMapList* TPUEditor::create_key_map_list(const std::string& name, KeyMap* first) {
-    std::unique_ptr<KeyMapList>& place = key_map_lists[name];
-    if (place) replaced_key_map_lists_.push_back(std::move(place));
-    place = std::make_unique<KeyMapList>(name);
-    if (first) place->add_last(first);
-    if (!current_key_map_list) current_key_map_list = place.get();
-    return place.get();
+    auto list = std::make_unique<KeyMapList>(name);
+    KeyMapList* made = list.get();
+    if (first) list->add_last(first);
+    replaced_key_map_lists_.reserve(replaced_key_map_lists_.size() + 1);
+    std::swap(key_map_lists[name], list);
+    if (list) replaced_key_map_lists_.push_back(std::move(list));
+    if (!current_key_map_list) current_key_map_list = made;
+    return made;
 }
 
 int TPUEditor::key_name_to_code(std::string_view name) {

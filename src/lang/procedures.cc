@@ -204,10 +204,14 @@ void MiniTPUParser::define(Procedure procedure) {
     for (const std::string& parameter : procedure.parameters) {
         procedure.symbols.push_back(&symbols.intern(ascii::upper(parameter)));
     }
+    // First what needs memory: there are no procedures by half.
+    Symbol& symbol = symbols.intern(name);
+    auto fresh = std::make_unique<Procedure>(std::move(procedure));
+    if (block_depth > 0) retired_.emplace_back();
     std::unique_ptr<Procedure>& place = procedures[name];
-    if (place && block_depth > 0) retired_.push_back(std::move(place));
-    place = std::make_unique<Procedure>(std::move(procedure));
-    symbols.intern(name).procedure = place.get();
+    symbol.procedure = fresh.get();
+    std::swap(place, fresh);
+    if (block_depth > 0) retired_.back() = std::move(fresh);
 }
 
 bool MiniTPUParser::execute_procedure(const std::string& name) {

@@ -40,8 +40,9 @@ void SymbolTable::leave_all() {
 void SymbolTable::bind(Symbol& symbol, Value value) {
     if (symbol.level != depth_) {
         if (depth_ > 0) {
-            if (symbol.level <= Symbol::kGlobal) symbol.global_at = covered_.size();
-            covered_.push_back({&symbol, std::move(symbol.value), symbol.level});
+            covered_.push_back({&symbol, Value(), symbol.level});
+            covered_.back().value = std::move(symbol.value);
+            if (symbol.level <= Symbol::kGlobal) symbol.global_at = covered_.size() - 1;
         }
         symbol.level = depth_;
     }

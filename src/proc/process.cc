@@ -12,6 +12,7 @@
 
 #include "core/buffer.h"
 #include "core/held_signal.h"
+#include "core/short_memory.h"
 #include "proc/child.h"
 #include "proc/running_children.h"
 
@@ -96,9 +97,13 @@ void TPUProcess::write_unsent() {
 
 void TPUProcess::deliver(std::string_view text) {
     if (!output || text.empty()) return;
+    const Buffer::State before = output->state();
     bool modifiable = std::exchange(output->modifiable, true);
-    output->copy_text(text, charset_);
+    bool done = enough_memory([&] { output->copy_text(text, charset_); });
     output->modifiable = modifiable;
+    if (done) return;
+    output->put_back(before);
+    throw std::bad_alloc();
 }
 
 // Reads what is there now. False when `most` bytes have come and there may be more.
@@ -143,18 +148,18 @@ void TPUProcess::end_all(const std::vector<std::shared_ptr<TPUProcess>>& process
 
 bool TPUProcess::poll_output(std::size_t most) {
     flush_input();
-    std::string text = std::exchange(cut_, {});
+    std::string& text = undelivered_;
     std::size_t before = text.size();
+    talking_ = true;  // for those that memory is too short for: they are not to ask at once again
     // Once the child is known to have ended, its last words are in the pipe.
-    bool ended = read_output(text, most) && reap();
+    bool ended = before < most && read_output(text, most) && reap();
     if (ended) read_output(text, kLargestPipe);
+    bool may_be_cut = pid_ > 0 && charset_ == Charset::utf8;
+    std::size_t whole = text.size() - (may_be_cut ? cut_character(text) : 0);
+    std::string rest = text.substr(whole);
+    deliver(std::string_view(text).substr(0, whole));
     talking_ = text.size() > before;
-    if (pid_ > 0 && charset_ == Charset::utf8) {
-        std::size_t whole = text.size() - cut_character(text);
-        cut_ = text.substr(whole);
-        text.resize(whole);
-    }
-    deliver(text);
+    text.swap(rest);
     return pid_ > 0;
 }
 

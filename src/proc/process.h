@@ -60,7 +60,8 @@ class TPUProcess {
     // Puts the output that has arrived into the buffer at its cursor, even into an
     // unmodifiable one: at most so many bytes while it runs, so that a child which never stops
     // writing leaves the editor time for keys. True while the child runs; when this
-    // becomes false all of its output has been delivered.
+    // becomes false all of its output has been delivered. Where memory is too short, what was
+    // read waits for the next time.
     bool poll_output(std::size_t most = kPollShare);
     static constexpr std::size_t kPollShare = 1 << 18;
 
@@ -85,7 +86,7 @@ class TPUProcess {
     std::size_t sent_ = 0;       // ... but for this many bytes of it
     bool input_closed_ = false;  // by send_eof()
     Charset charset_ = Charset::bytes;
-    std::string cut_;  // begins a character that is still to arrive
+    std::string undelivered_;  // most often the begin of a character that is still to arrive
     bool talking_ = false;
 };
 

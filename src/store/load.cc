@@ -55,20 +55,25 @@ std::string Buffer::edit_file(const std::string& path, Loading how,
 // What was written to the file while it was mapped is in the text, as it would be
 // had it been read a little later; but the lines may have moved.
 std::string Buffer::finish_loading() {
-    std::uint64_t size = std::exchange(loading_size, 0);
-    if (size == 0) return {};
+    if (loading_size == 0) return {};
     const bool damaged = loaded_block->is_damaged();
-    loaded_block = {};
-    if (damaged) note_unread(EIO);
+    std::string told;
+    if (damaged) {
+        told = file_name + " shrank while it was read: zeros stand for what is gone, write elsewhere";
+        note_unread(EIO);
+    }
     std::optional<FileVersion> now = FileVersion::of(file_name);
-    if (now && now->size == size && now->milliseconds() == file_time && !damaged) return {};
-    lines.recount();
-    saved_lines.recount();
-    for (Snapshot& snapshot : undo_stack) snapshot.lines.recount();
-    for (Snapshot& snapshot : redo_stack) snapshot.lines.recount();
-    clamp_cursor();
-    if (!damaged) return {};
-    return file_name + " shrank while it was read: zeros stand for what is gone, write elsewhere";
+    bool unchanged = now && now->size == loading_size && now->milliseconds() == file_time;
+    if (!unchanged || damaged) {
+        lines.recount();
+        saved_lines.recount();
+        for (Snapshot& snapshot : undo_stack) snapshot.lines.recount();
+        for (Snapshot& snapshot : redo_stack) snapshot.lines.recount();
+        clamp_cursor();
+    }
+    loading_size = 0;  // when all of it is done: memory may run out before
+    loaded_block = {};
+    return told;
 }
 
 }  // namespace tpu
