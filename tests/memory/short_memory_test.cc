@@ -3,51 +3,15 @@
 #include <gtest/gtest.h>
 #include <tpu.h>
 
-#include <cstdlib>
-#include <new>
 #include <string>
 
-namespace {
-
-// Allocations until one fails; 0: none does.
-unsigned long until_failure = 0;
-
-void* allocate(std::size_t size) {
-    if (until_failure > 0 && --until_failure == 0) throw std::bad_alloc();
-    if (void* place = std::malloc(size ? size : 1)) return place;
-    throw std::bad_alloc();
-}
-
-}  // namespace
-
-// Values that are just being computed are lost with their statement.
-extern "C" const char* __asan_default_options() {
-    return "detect_leaks=0";
-}
-
-void* operator new(std::size_t size) {
-    return allocate(size);
-}
-void* operator new[](std::size_t size) {
-    return allocate(size);
-}
-void operator delete(void* place) noexcept {
-    std::free(place);
-}
-void operator delete[](void* place) noexcept {
-    std::free(place);
-}
-void operator delete(void* place, std::size_t) noexcept {
-    std::free(place);
-}
-void operator delete[](void* place, std::size_t) noexcept {
-    std::free(place);
-}
+#include "memory/failing_allocations.h"
+#include "unit/store/temp_folder.h"
 
 namespace {
 
 std::string answer(TPU_Context* context, const char* command) {
-    char text[200] = "";
+    char text[4000] = "";
     EXPECT_EQ(TPU_ExecuteCommand(context, command), 0) << command;
     TPU_GetMessage(context, text, sizeof text);
     return text;
@@ -55,14 +19,14 @@ std::string answer(TPU_Context* context, const char* command) {
 
 TEST(ShortMemory, lets_no_session_begin) {
     TPU_Context* context = nullptr;
-    unsigned long failing = 0;
+    unsigned long nth = 0;
     while (!context) {
-        until_failure = ++failing;
+        failing::nth(++nth);
         context = TPU_Initialize();
-        ASSERT_TRUE(until_failure == 0 || context) << failing;
+        ASSERT_TRUE(failing::any() || context) << nth;
     }
-    until_failure = 0;
-    EXPECT_GT(failing, 3u);
+    failing::none();
+    EXPECT_GT(nth, 3u);
     EXPECT_EQ(answer(context, "MESSAGE(STR(6 * 7))"), "42");
     TPU_Cleanup(context);
 }
@@ -70,6 +34,8 @@ TEST(ShortMemory, lets_no_session_begin) {
 const char* const kStatements[] = {
     "x := \"a string of more than a few bytes\" + STR(a{1}) + \"and another one behind it\"",
     "SPLIT_LINE",
+    "SET(TAB_STOPS, 4, 8, 12)",
+    "EXECUTE(COMPILE(\"CHANGE_CASE(GET_BUFFER('OTHER'), UPPER); COPY_TEXT(some_text)\"))",
     "COPY_TEXT(\"a line of text that is long enough to be kept elsewhere\")",
     "COPY_TEXT(FAO(\"!40*a!/!40*b!/!40*c\"))",
     "UNDO",
@@ -96,23 +62,71 @@ void expect_to_work(TPU_Context* context) {
     ASSERT_EQ(answer(context, "MESSAGE(SUBSTR(STR(x), LENGTH(x) - 4, 5))"), "three");
 }
 
-// Fails its first, second, third ... allocation until it needs no more.
-void run_with_each_allocation_failing(const char* statement) {
-    bool failed = true;
-    for (unsigned long nth = 1; failed; ++nth) {
-        SCOPED_TRACE(nth);
-        TPU_Context* context = TPU_Initialize();
+struct Host {
+    Host() {
         answer(context, "a := CREATE_ARRAY(3)");
+        make_other_buffer(context);
+        answer(context, ("JOURNAL_OPEN(\"" + journal + "\")").c_str());
         answer(context, "COPY_TEXT(\"one two\")");
         answer(context, "COPY_TEXT(\" three\")");
         answer(context, "MOVE_HORIZONTAL(-6)");
-        until_failure = nth;
-        int result = TPU_ExecuteCommand(context, statement);
-        failed = until_failure == 0;
-        until_failure = 0;
+    }
+    ~Host() { TPU_Cleanup(context); }
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    static void make_other_buffer(TPU_Context* of) {
+        answer(of, "POSITION(CREATE_BUFFER(\"OTHER\"))");
+        answer(of, "COPY_TEXT(\"other\")");
+        answer(of, "POSITION(GET_BUFFER(\"MAIN\"))");
+    }
+    static std::string text(TPU_Context* of) {
+        std::string texts;
+        for (const std::string name : {"MAIN", "OTHER"}) {
+            answer(of, ("shown := GET_BUFFER(\"" + name + "\")").c_str());
+            answer(of, "shown := CREATE_RANGE(BEGINNING_OF(shown), END_OF(shown))");
+            texts += answer(of, "MESSAGE(STR(shown))") + '/';
+        }
+        return texts;
+    }
+    std::string replayed() const {
+        TPU_Context* other = TPU_Initialize();
+        make_other_buffer(other);
+        answer(other, ("RECOVER_BUFFER(\"" + journal + "\")").c_str());
+        std::string result = text(other);
+        TPU_Cleanup(other);
+        return result;
+    }
+
+    tpu::TempFolder folder;
+    const std::string journal = folder.path("journal");
+    TPU_Context* context = TPU_Initialize();
+};
+
+// Fails its first, second, third ... allocation until it needs no more. It has all of its
+// effect or none, and so has its record.
+void run_with_each_allocation_failing(const char* statement, bool journals) {
+    std::string without;
+    bool failed = true;
+    for (unsigned long nth = 1; failed; nth += journals ? 5 : 1) {
+        SCOPED_TRACE(nth);
+        Host host;
+        if (nth == 1) without = Host::text(host.context);
+        if (!journals) answer(host.context, "JOURNAL_CLOSE");
+        failing::nth(nth);
+        int result = TPU_ExecuteCommand(host.context, statement);
+        failed = failing::any();
+        failing::none();
         ASSERT_TRUE(result == 0 || (failed && result == -1));
-        ASSERT_NO_FATAL_FAILURE(expect_to_work(context));
-        TPU_Cleanup(context);
+        std::string text = Host::text(host.context);
+        ASSERT_TRUE(result == 0 || text == without) << text;
+        answer(host.context, "COPY_TEXT(FAO(\"<!_x>\"))");
+        ASSERT_TRUE(!journals || host.replayed() == Host::text(host.context))
+            << host.replayed() << "\n for\n"
+            << Host::text(host.context);
+        answer(host.context, "UNDO");
+        ASSERT_EQ(Host::text(host.context), text);
+        ASSERT_NO_FATAL_FAILURE(expect_to_work(host.context));
         ASSERT_TRUE(failed || nth > 3) << "the statement needs no memory";
     }
 }
@@ -120,7 +134,8 @@ void run_with_each_allocation_failing(const char* statement) {
 TEST(ShortMemory, leaves_a_session_that_goes_on) {
     for (const char* statement : kStatements) {
         SCOPED_TRACE(statement);
-        run_with_each_allocation_failing(statement);
+        run_with_each_allocation_failing(statement, false);
+        run_with_each_allocation_failing(statement, true);
     }
 }
 
@@ -131,9 +146,9 @@ TEST(ShortMemory, is_reported_by_calls_that_nest_deeply) {
         "x := COMPILE(\"PROCEDURE f(n)\nIF n > 0 THEN f(n - 1); ELSE x := STR(text_that_needs) + "
         "STR(memory_of_its_own); ENDIF; ENDPROCEDURE\")");
     answer(context, "f(5000)");
-    until_failure = 2000;
+    failing::nth(2000);
     EXPECT_EQ(TPU_ExecuteCommand(context, "f(5000)"), -1);
-    until_failure = 0;
+    failing::none();
     EXPECT_EQ(answer(context, "MESSAGE(STR(6 * 7))"), "42");
     TPU_Cleanup(context);
 }
