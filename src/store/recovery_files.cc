@@ -17,6 +17,7 @@
 #include "core/ascii.h"
 #include "core/buffer.h"
 #include "core/held_signal.h"
+#include "core/stable_hash.h"
 #include "core/system_calls.h"
 #include "store/file_io.h"
 #include "store/journal.h"
@@ -32,24 +33,15 @@ constexpr std::string_view kSuffix = ".tpjb";
 constexpr std::string_view kBaseSuffix = ".base";
 constexpr std::string_view kBaseComment = "! unsaved work on ";  // then bytes and hash
 
-// FNV-1a: the same on every machine and in every version.
-std::uint64_t hash(std::string_view text) {
-    std::uint64_t value = 14695981039346656037U;
-    for (char c : text) {
-        value = (value ^ static_cast<unsigned char>(c)) * 1099511628211U;
-    }
-    return value;
-}
-
 std::string hexadecimal(std::uint64_t number) {
     char digits[17];
     std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(number));
     return digits;
 }
 
-// What the names of all recovery files of a file begin with: a hint for people, and a
-// number for the file.
-std::string prefix(const std::string& file) {
+}  // namespace
+
+std::string recovery_prefix(const std::string& file) {
     constexpr std::size_t kLongestHint = 64;
     if (file.empty()) return "unnamed-";
     std::error_code error;
@@ -61,12 +53,22 @@ std::string prefix(const std::string& file) {
     std::replace_if(
         hint.begin(), hint.end(),
         [](char c) { return !ascii::is_letter(c) && !ascii::is_digit(c) && c != '.'; }, '_');
-    return hint + "-" + hexadecimal(hash(path.string())) + "-";
+    return hint + "-" + hexadecimal(stable_hash(path.string())) + "-";
 }
 
+// The folders above it are made too, for the owner alone.
+bool make_folder(const std::filesystem::path& folder) {
+    std::error_code unknown;
+    if (folder.empty() || std::filesystem::is_directory(folder, unknown)) return true;
+    if (folder == folder.parent_path() || !make_folder(folder.parent_path())) return false;
+    return sys::mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST;
+}
+
+namespace {
+
 std::string name_of(const std::string& file, std::uint64_t file_time, int attempt) {
-    return prefix(file) + std::to_string(file_time) + "-" + std::to_string(getpid()) + "." +
-           std::to_string(attempt).append(kSuffix);
+    return recovery_prefix(file) + std::to_string(file_time) + "-" + std::to_string(getpid()) +
+           "." + std::to_string(attempt) + kSuffix;
 }
 
 std::string base_path(std::string_view path) {
@@ -89,14 +91,6 @@ std::optional<TextIdentity> base_in(std::string_view comment) {
     auto digits = std::from_chars(comment.data() + hash, end, base.hash, 16);
     bool whole = bytes.ec == std::errc() && digits.ec == std::errc() && digits.ptr == end;
     return whole ? std::optional(base) : std::nullopt;
-}
-
-// Makes what is missing of the folder, for the owner alone.
-bool make_folder(const std::filesystem::path& folder) {
-    std::error_code unknown;
-    if (folder.empty() || std::filesystem::is_directory(folder, unknown)) return true;
-    if (folder == folder.parent_path() || !make_folder(folder.parent_path())) return false;
-    return sys::mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST;
 }
 
 bool is_free(int fd) {
@@ -240,7 +234,7 @@ std::optional<LineStore> LeftBehind::base_text() const {
 std::vector<LeftBehind> left_behind(const std::string& folder, const std::string& file) {
     std::vector<LeftBehind> found;
     if (!distrust_of_folder(folder).empty()) return found;
-    const std::string begin = prefix(file);
+    const std::string begin = recovery_prefix(file);
     std::error_code error;
     for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {

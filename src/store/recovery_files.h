@@ -13,6 +13,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -65,6 +66,13 @@ struct LeftBehind {
     // The base as it was copied, if it was.
     std::optional<LineStore> base_text() const;
 };
+
+// What the names of all that is kept of a file begin with: a hint for people, and a number
+// for the file.
+std::string recovery_prefix(const std::string& file);
+
+// Makes what is missing of a folder, for the owner alone.
+[[nodiscard]] bool make_folder(const std::filesystem::path& folder);
 
 // Removes one whose work is not needed any more.
 void remove_recovery_file(const std::string& path);
