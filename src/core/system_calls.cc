@@ -57,10 +57,6 @@ int open(const char* path, int flags, mode_t mode) {
     return fails(Call::open) ? -1 : ::open(path, flags, mode);
 }
 
-int make_temporary(char* name) {
-    return fails(Call::open) ? -1 : ::mkostemp(name, O_CLOEXEC);
-}
-
 ssize_t read(int fd, void* place, std::size_t size) {
     return fails(Call::read) ? -1 : ::read(fd, place, size);
 }

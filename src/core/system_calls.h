@@ -34,7 +34,6 @@ constexpr int kHalf = -1;  // in place of an error: a write takes half of what i
 void set_fault(Fault fault);
 
 int open(const char* path, int flags, mode_t mode);
-int make_temporary(char* name);  // mkostemp, never handed on to child processes
 ssize_t read(int fd, void* place, std::size_t size);
 ssize_t write(int fd, const void* text, std::size_t size);
 int close(int fd);

@@ -1,23 +1,22 @@
 // A new file that vanishes unless it is given a name to stay under.
+//
+// Its name follows from that of the file that it is made for. So what a session that was
+// killed has left is found without a look through the folder, and cleared by the next
+// session that makes one. It is locked, which tells it from one that is still written.
 #pragma once
 
 #include <string>
 
-#include "core/system_calls.h"
 #include "store/file_io.h"
 
 namespace tpu {
 
 class TempFile {
   public:
-    // In the folder that `path` names a file in; nobody else may read it yet.
-    explicit TempFile(const std::string& path) : name_(folder_of(path) + "/.tpu-XXXXXX") {
-        file_ = Descriptor(sys::make_temporary(name_.data()));
-        exists_ = static_cast<bool>(file_);
-    }
-    ~TempFile() {
-        if (exists_) sys::unlink(name_.c_str());
-    }
+    // In the folder that `path` names a file in. Nobody else may read it yet, unless the
+    // mode lets them.
+    explicit TempFile(const std::string& path, mode_t mode = 0600);
+    ~TempFile();
     TempFile(const TempFile&) = delete;
     TempFile& operator=(const TempFile&) = delete;
 
@@ -26,13 +25,13 @@ class TempFile {
     const std::string& name() const { return name_; }
     [[nodiscard]] bool close() { return file_.close(); }
 
-    // Takes the name `path`, from another file if need be. False, with errno set,
+    // Takes the name `path` for good, from another file if need be. False, with errno set,
     // when that fails.
-    [[nodiscard]] bool rename_to(const std::string& path) {
-        if (sys::rename(name_.c_str(), path.c_str()) != 0) return false;
-        keep();
-        return true;
-    }
+    [[nodiscard]] bool rename_to(const std::string& path);
+    // The same, but no other file may have that name.
+    [[nodiscard]] bool rename_to_new(const std::string& path);
+    // Has another name from now on, which no other file may have, and vanishes all the same.
+    [[nodiscard]] bool move_to_new(const std::string& path);
     // Stays, under its present name.
     void keep() { exists_ = false; }
 
@@ -41,5 +40,9 @@ class TempFile {
     Descriptor file_;
     bool exists_ = false;
 };
+
+// Opens and locks a file of that name that a session of this user has left behind. Nothing
+// when there is none, or when a session still has it.
+Descriptor open_left_behind(const std::string& name);
 
 }  // namespace tpu
