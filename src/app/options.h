@@ -25,7 +25,7 @@ struct Options {
 struct StartFiles {
     std::string source;               // TPU_STARTUP; empty: unset
     std::optional<std::string> home;  // HOME, where .tpurc is looked for
-    std::string recovery_folder;      // where unsaved work is kept; empty: nowhere
+    std::string recovery_folder;      // where unsaved work and old texts are kept; empty: nowhere
     std::string open_files;           // where sessions tell each other of them; empty: nowhere
 };
 

@@ -6,6 +6,7 @@
 #include "editor/editor.h"
 #include "editor/glyphs.h"
 #include "editor/recovery.h"
+#include "store/old_text.h"
 #include "store/open_files.h"
 #include "store/read_file.h"
 #include "store/section.h"
@@ -68,6 +69,7 @@ void complain(Terminal& terminal, const std::string& line) {
 }  // namespace
 
 int run_session(const Options& options, const StartFiles& files, Ports ports, Charset charset) {
+    keep_old_texts_in(files.recovery_folder);
     TPUEditor editor(ports);
     editor.charset = charset;
     Buffer* main = editor.create_buffer("MAIN", "");

@@ -169,8 +169,11 @@ that one becomes current. INCLUDE file inserts a file at the cursor.
 Ctrl-S or WRITE saves a buffer to its file, WRITE name to another one, which
 is the buffer's file from then on. The previous file is kept with .bak behind
 its name, unless SET(BACKUP, OFF) says otherwise. A save that fails leaves the
-file as it was. The last line of a file gets no line end. Nothing is saved by
-itself, and nothing is asked when the editor ends.
+file as it was. One that is cut short when the editor is killed leaves the old
+text in whole; where it is not in the file itself, opening the file tells the
+name of its copy, which stays until you remove it. The last line of a file
+gets no line end. Nothing is saved by itself, and nothing is asked when the
+editor ends.
 
 A file that is there but could not be read is never written over; WRITE name
 saves what was typed elsewhere. When somebody else has written the file since

@@ -103,6 +103,7 @@ class Buffer {
     std::optional<FileVersion> known_version;
     int file_trouble = 0;  // the error for which the file could not be read; 0: none
     std::optional<RefusedSave> refused_save;  // the last attempt, if that was one
+    std::string save_note;  // why the last save failed, or what it did without
     std::vector<VideoRegion> video_regions;
     std::vector<Snapshot> undo_stack;  // oldest first
     std::vector<Snapshot> redo_stack;

@@ -8,6 +8,7 @@
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
 #include "store/journal.h"
+#include "store/old_text.h"
 #include "store/recovery_files.h"
 #include "store/saved_text.h"
 #include "store/text_changes.h"
@@ -167,6 +168,11 @@ void Recovery::discard() {
 }
 
 std::string Recovery::greeting(const Buffer& buffer) const {
+    if (!buffer.file_name.empty()) {
+        if (std::optional<std::string> former = interrupted_save(buffer.file_name)) {
+            return "A save was cut short; the former text is in " + *former;
+        }
+    }
     if (folder_.empty()) return {};
     std::vector<LeftBehind> left = left_behind(folder_, buffer.file_name);
     if (left.empty()) return {};

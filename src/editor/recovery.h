@@ -36,7 +36,8 @@ class Recovery {
     void discard();
 
     // What to tell about work that another session has left behind on the buffer's file, or
-    // on buffers without one; empty: there is none.
+    // on buffers without one, or about the file's text when that session was killed at
+    // saving; empty: there is none.
     std::string greeting(const Buffer& buffer) const;
     // Brings the latest of that work back: into the buffer, if it is the text that the work
     // began with, else into a buffer of its own, which becomes current. The message to show.

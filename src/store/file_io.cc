@@ -1,7 +1,9 @@
 #include "store/file_io.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <filesystem>
@@ -49,6 +51,23 @@ bool copy_all(int from, int to) {
     return got == 0;
 }
 
+bool have_same_text(int a, int b) {
+    constexpr std::size_t kPart = std::size_t{64} << 10;
+    std::vector<char> first(kPart), second(kPart);
+    // A regular file gives all that is asked for while there is as much.
+    auto part = [](int fd, std::vector<char>& place) {
+        const ssize_t got = read_some(fd, place.data(), kPart);
+        place.resize(static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+        return got >= 0;
+    };
+    if (lseek(a, 0, SEEK_SET) != 0 || lseek(b, 0, SEEK_SET) != 0) return false;
+    do {
+        first.resize(kPart), second.resize(kPart);
+        if (!part(a, first) || !part(b, second) || first != second) return false;
+    } while (!first.empty());
+    return true;
+}
+
 bool sync_file(int fd) {
     return finish([&] { return sys::sync(fd); }) == 0;
 }
@@ -58,6 +77,10 @@ bool sync_folder_of(const std::string& path) {
     enough_memory([&] { folder = open_file(folder_of(path), O_RDONLY | O_DIRECTORY); });
     // A folder may let us write but not read, and some file systems sync files alone.
     return !folder || sync_file(folder.get()) || errno == EINVAL || errno == ENOTSUP;
+}
+
+bool takes_files(const std::string& path) {
+    return faccessat(AT_FDCWD, folder_of(path).c_str(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
 std::string folder_of(const std::string& path) {

@@ -26,11 +26,17 @@ ssize_t read_some(int fd, char* place, std::size_t size);
 // All that is left of one file to another; false when either fails.
 [[nodiscard]] bool copy_all(int from, int to);
 
+// The files hold the same, from their begins; false when one cannot be read.
+bool have_same_text(int a, int b);
+
 // Waits until the data of a file are on the disk itself.
 [[nodiscard]] bool sync_file(int fd);
 
 // Waits until the names in the folder of `path` are on the disk, where folders can be synced.
 [[nodiscard]] bool sync_folder_of(const std::string& path);
+
+// New files may be made in the folder of `path`. Where not, errno tells why.
+bool takes_files(const std::string& path);
 
 // The folder that `path` names a file in, "." for a bare name.
 std::string folder_of(const std::string& path);

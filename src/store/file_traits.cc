@@ -9,6 +9,8 @@
 #include <sys/xattr.h>
 #endif
 
+#include "core/system_calls.h"
+
 namespace tpu {
 
 namespace {
@@ -46,10 +48,10 @@ std::string whole(Get get) {
     return result;
 }
 
-std::map<std::string, std::string> attributes_of(const char* path) {
+FileTraits::Attributes attributes_of(const char* path) {
     std::string names =
         whole([&](char* place, std::size_t size) { return list_attributes(path, place, size); });
-    std::map<std::string, std::string> attributes;
+    FileTraits::Attributes attributes;
     for (std::size_t at = 0; at < names.size(); at += std::strlen(&names[at]) + 1) {
         const char* name = &names[at];
         // One that may be listed but not read gets no value, and so equals no readable one.
@@ -59,9 +61,35 @@ std::map<std::string, std::string> attributes_of(const char* path) {
     return attributes;
 }
 
+constexpr const char* kAccessList = "system.posix_acl_access";
 constexpr mode_t kModeBits = 07777;
 
+void set_owner(int fd, const FileTraits& present, const FileTraits& wanted) {
+    if (present.owner == wanted.owner && present.group == wanted.group) return;
+    // Who must not give files away may still choose among the own groups. Neither may
+    // be allowed.
+    if (sys::chown(fd, wanted.owner, wanted.group) == 0) return;
+    sys::chown(fd, static_cast<uid_t>(-1), wanted.group);
+}
+
+void set_attributes(int fd, const FileTraits::Attributes& present,
+                    const FileTraits::Attributes& wanted) {
+    for (const auto& [name, value] : present) {
+        if (!wanted.contains(name)) sys::remove_attribute(fd, name.c_str());
+    }
+    for (const auto& [name, value] : wanted) {
+        auto had = present.find(name);
+        if (had != present.end() && had->second == value) continue;
+        sys::set_attribute(fd, name.c_str(), value.data(), value.size());
+    }
+}
+
 }  // namespace
+
+std::string FileTraits::access_list() const {
+    auto list = attributes.find(kAccessList);
+    return list == attributes.end() ? std::string() : list->second;
+}
 
 std::optional<FileTraits> traits_of(const std::string& path) {
     struct stat status;
@@ -70,23 +98,34 @@ std::optional<FileTraits> traits_of(const std::string& path) {
                       attributes_of(path.c_str())};
 }
 
-void set_traits(int fd, const FileTraits& traits) {
-    // Who must not give files away may still choose among the own groups. Neither may
-    // be allowed; who needs to know compares the traits.
-    [[maybe_unused]] bool given = fchown(fd, traits.owner, traits.group) == 0 ||
-                                  fchown(fd, static_cast<uid_t>(-1), traits.group) == 0;
+bool set_traits(int fd, const std::string& name, const FileTraits& traits) {
+    if (std::optional<FileTraits> present = traits_of(name)) {
+        set_owner(fd, *present, traits);
+        set_attributes(fd, present->attributes, traits.attributes);
+    }
     // The mode comes last: a new owner takes set-id bits away.
-    fchmod(fd, traits.mode);
+    sys::chmod(fd, traits.mode);
+    return traits_of(name) == traits;
 }
 
-void set_traits_of_copy(int fd, const FileTraits& original) {
+void set_traits_of_copy(int fd, const std::string& name, const FileTraits& original) {
     FileTraits traits = original;
     traits.mode &= 0777;
-    set_traits(fd, traits);
+    set_traits(fd, name, traits);
+    const std::optional<FileTraits> given = traits_of(name);
+    if (given && given->group == traits.group && given->access_list() == traits.access_list()) {
+        return;
+    }
+    sys::remove_attribute(fd, kAccessList);
+    sys::chmod(fd, (traits.mode & ~mode_t{070}) | ((traits.mode & 07) << 3));
+}
+
+bool is_read_only(const std::string& path) {
     struct stat status;
-    bool same_group = fstat(fd, &status) == 0 && status.st_gid == original.group;
-    if (same_group && !original.has_access_list()) return;
-    fchmod(fd, (traits.mode & ~mode_t{070}) | ((traits.mode & 07) << 3));
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    const uid_t user = geteuid();
+    if (user == 0) return (status.st_mode & 0222) == 0;
+    return status.st_uid == user && (status.st_mode & 0200) == 0;
 }
 
 }  // namespace tpu

@@ -68,7 +68,7 @@ namespace {
 
 std::string name_of(const std::string& file, std::uint64_t file_time, int attempt) {
     return recovery_prefix(file) + std::to_string(file_time) + "-" + std::to_string(getpid()) +
-           "." + std::to_string(attempt) + kSuffix;
+           "." + std::to_string(attempt).append(kSuffix);
 }
 
 std::string base_path(std::string_view path) {

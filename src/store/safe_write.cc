@@ -5,15 +5,18 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <filesystem>
+#include <cstring>
+#include <memory>
 #include <optional>
 #include <utility>
 
 #include "core/held_signal.h"
 #include "core/system_calls.h"
 #include "store/file_io.h"
+#include "store/file_names.h"
 #include "store/file_traits.h"
+#include "store/names_beside.h"
+#include "store/old_text.h"
 #include "store/temp_file.h"
 
 namespace tpu {
@@ -21,16 +24,12 @@ namespace tpu {
 namespace {
 
 struct Job {
-    const std::string& path;
-    std::string backup;
+    std::string path;    // of the file itself, which no link leads on from
+    std::string backup;  // beside the name that was given
     bool keep_backup;
     const WriteText& write;
+    std::string note;  // what was done without
 };
-
-bool is_symbolic_link(const std::string& path) {
-    struct stat status;
-    return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
-}
 
 // Our own output, for the names that stand for it. Opening such a name would begin
 // at the front of a file that output was redirected to.
@@ -56,57 +55,56 @@ bool write_stream(const Job& job, Descriptor stream) {
     return (sync_file(stream.get()) || errno != EIO) && stream.close();
 }
 
-// A name without a file; the name may be a symbolic link that leads nowhere.
+// A name without a file. Nobody sees it before all of the text is there.
 bool create_file(const Job& job) {
-    bool is_link = is_symbolic_link(job.path);
-    std::string real = job.path;
-    Descriptor fresh = open_file(job.path, O_WRONLY | O_CREAT | (is_link ? 0 : O_EXCL), 0666);
-    if (!fresh) return false;
-    std::error_code unknown;
-    if (is_link) real = std::filesystem::canonical(job.path, unknown).string();
-    if (job.write(fresh.get()) && sync_file(fresh.get()) && fresh.close() && sync_folder_of(real)) {
-        return true;
-    }
-    sys::unlink(real.c_str());
-    return false;
+    TempFile fresh(job.path, 0666);
+    return fresh && job.write(fresh.fd()) && sync_file(fresh.fd()) &&
+           fresh.rename_to_new(job.path) && fresh.close() && sync_folder_of(job.path);
+}
+
+// A backup that cannot be had since its folder takes no files is done without: it would be
+// worse not to be able to save.
+bool do_without_backup(Job& job) {
+    if (takes_files(job.backup)) return false;
+    job.note = "no .bak: the folder is read-only";
+    return true;
+}
+
+bool copy_to_backup(Job& job, int from, const FileTraits& old) {
+    TempFile copy(job.backup);
+    if (!copy) return do_without_backup(job);
+    if (lseek(from, 0, SEEK_SET) != 0 || !copy_all(from, copy.fd())) return false;
+    set_traits_of_copy(copy.fd(), copy.name(), old);
+    return sync_file(copy.fd()) && copy.rename_to(job.backup);
+}
+
+// Gives the file its backup name too, or a copy of it where it cannot have two.
+bool make_backup(Job& job, const FileTraits& old) {
+    const char *path = job.path.c_str(), *backup = job.backup.c_str();
+    if (sys::unlink(backup) != 0 && errno != ENOENT) return do_without_backup(job);
+    if (sys::link(path, backup) == 0) return true;
+    Descriptor file = open_file(job.path, O_RDONLY);
+    return file && copy_to_backup(job, file.get(), old);
 }
 
 enum class Outcome { saved, failed, not_replaceable };
 
-// What a failed rename or link means: a file that is a mount point keeps its place.
-Outcome outcome_of_rename() {
-    return errno == EBUSY || errno == EXDEV ? Outcome::not_replaceable : Outcome::failed;
-}
-
-// Gives the file its backup name, besides its own where the file system has links.
-bool link_backup(const Job& job) {
-    const char *path = job.path.c_str(), *backup = job.backup.c_str();
-    if (sys::unlink(backup) != 0 && errno != ENOENT) return false;
-    return sys::link(path, backup) == 0 || sys::rename(path, backup) == 0;
-}
-
-void unlink_backup(const Job& job) {
-    // The rename does nothing when both names still mean one file.
-    if (sys::rename(job.backup.c_str(), job.path.c_str()) == 0) sys::unlink(job.backup.c_str());
-}
-
-Outcome replace_file(const Job& job, const FileTraits& old) {
+Outcome replace_file(Job& job, const FileTraits& old) {
     TempFile fresh(job.path);
-    if (!fresh) return Outcome::failed;
-    set_traits(fresh.fd(), old);
-    if (traits_of(fresh.name()) != old) return Outcome::not_replaceable;
+    if (!fresh) return takes_files(job.path) ? Outcome::failed : Outcome::not_replaceable;
+    if (!set_traits(fresh.fd(), fresh.name(), old)) return Outcome::not_replaceable;
     // Writing takes set-id bits away, so the mode is given once more.
     if (!job.write(fresh.fd()) || sys::chmod(fresh.fd(), old.mode) != 0 || !sync_file(fresh.fd()) ||
-        !fresh.close()) {
+        (job.keep_backup && !make_backup(job, old))) {
         return Outcome::failed;
     }
-    if (job.keep_backup && !link_backup(job)) return outcome_of_rename();
     if (!fresh.rename_to(job.path)) {
-        Outcome outcome = outcome_of_rename();
-        if (job.keep_backup) unlink_backup(job);
-        return outcome;
+        // A file that is a mount point keeps its place.
+        const bool stays = errno == EBUSY || errno == EXDEV;
+        if (job.keep_backup) sys::unlink(job.backup.c_str());
+        return stays ? Outcome::not_replaceable : Outcome::failed;
     }
-    return sync_folder_of(job.path) ? Outcome::saved : Outcome::failed;
+    return fresh.close() && sync_folder_of(job.path) ? Outcome::saved : Outcome::failed;
 }
 
 // Fills an open file from its begin and cuts off what is left behind the new text.
@@ -115,72 +113,99 @@ bool overwrite(int fd, const WriteText& write) {
            sys::truncate(fd, lseek(fd, 0, SEEK_CUR)) == 0 && sync_file(fd);
 }
 
-bool rewrite_file(const Job& job, const FileTraits& old) {
+// What was kept of the old text for the time of writing becomes the backup.
+bool turn_into_backup(Job& job, TempFile& kept, const FileTraits& old) {
+    if (!kept.rename_to(job.backup)) {
+        return errno == EXDEV ? copy_to_backup(job, kept.fd(), old) : do_without_backup(job);
+    }
+    set_traits_of_copy(kept.fd(), job.backup, old);
+    return true;
+}
+
+bool is_folder(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool rewrite_file(Job& job, const FileTraits& old) {
+    if (job.keep_backup && is_folder(job.backup)) {
+        errno = EISDIR;
+        return false;
+    }
     Descriptor file = open_file(job.path, O_RDWR);
     if (!file) return false;
-    TempFile copy(job.path);
-    if (!copy || !copy_all(file.get(), copy.fd())) return false;
-    set_traits_of_copy(copy.fd(), old);
-    if (!sync_file(copy.fd())) return false;
-    if (job.keep_backup && !copy.rename_to(job.backup)) return false;
-    if (!sync_folder_of(job.path)) return false;
-
-    if (overwrite(file.get(), job.write) && file.close()) return true;
+    const std::unique_ptr<TempFile> kept = keep_old_text(file.get(), job.path);
+    if (!kept) return false;
+    if (overwrite(file.get(), job.write) &&
+        (!job.keep_backup || turn_into_backup(job, *kept, old))) {
+        return file.close();
+    }
+    const int reason = errno;
     auto put_back = [&](int fd) {
-        return lseek(copy.fd(), 0, SEEK_SET) == 0 && copy_all(copy.fd(), fd);
+        return lseek(kept->fd(), 0, SEEK_SET) == 0 && copy_all(kept->fd(), fd);
     };
-    if (overwrite(file.get(), put_back) || job.keep_backup) return false;
-    // Now the copy is all there is of the old text. If the name cannot be had, it
-    // stays under its own.
-    if (!copy.rename_to(job.backup)) copy.keep();
+    if (!overwrite(file.get(), put_back)) {
+        // Now the copy is all there is of the old text.
+        kept->keep();
+        job.note = "; the former text is in " + kept->name();
+    }
+    errno = reason;
     return false;
 }
 
-// Of a new file.
-mode_t usual_mode() {
-    mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
+// Its name is its only one, but for a backup name that it got from a save that was cut short.
+bool can_be_replaced(const Job& job, const struct stat& status) {
+    if (is_symbolic_link(job.path)) return false;
+    return status.st_nlink == 1 ||
+           (status.st_nlink == 2 && job.keep_backup && is_same_file(job.path, job.backup));
 }
 
-// The name of the file itself that a path leads to, through links to a file that is still
-// to be made too. Empty: there cannot be one.
-std::string real_name(const std::string& path) {
-    constexpr int kMostLinks = 40;
-    std::error_code unknown;
-    std::filesystem::path real = std::filesystem::weakly_canonical(path, unknown);
-    for (int links = 0; !unknown && is_symbolic_link(real.string()); ++links) {
-        if (links == kMostLinks) return {};
-        const std::filesystem::path next = std::filesystem::read_symlink(real, unknown);
-        if (!unknown) real = std::filesystem::weakly_canonical(real.parent_path() / next, unknown);
-    }
-    return unknown ? std::string() : real.string();
-}
-
-bool can_be_replaced(const std::string& path, const struct stat& status) {
-    return status.st_nlink == 1 && !is_symbolic_link(path);
-}
-
-}  // namespace
-
-bool write_safely(const std::string& path, bool keep_backup, const WriteText& write) {
-    // Lets writes fail that would otherwise end the program.
-    HeldSignal size_limit(SIGXFSZ), no_reader(SIGPIPE);
-    Job job{path, path + ".bak", keep_backup, write};
-    if (Descriptor output = own_output(path)) return write_stream(job, std::move(output));
-    struct stat status;
-    if (stat(path.c_str(), &status) != 0) return errno == ENOENT && create_file(job);
-    if (!S_ISREG(status.st_mode)) return write_stream(job, open_stream(path, status));
+// To a regular file, or one that is still to be made.
+bool write_regular(Job& job, const struct stat* status) {
+    if (!status) return create_file(job);
     // A protected file is replaced only where its text stays as a backup.
-    if (!keep_backup && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) return false;
-
-    std::optional<FileTraits> old = traits_of(path);
+    if (!job.keep_backup && faccessat(AT_FDCWD, job.path.c_str(), W_OK, AT_EACCESS) != 0) {
+        return false;
+    }
+    std::optional<FileTraits> old = traits_of(job.path);
     if (!old) return false;
-    if (can_be_replaced(path, status)) {
+    if (can_be_replaced(job, *status)) {
         Outcome outcome = replace_file(job, *old);
         if (outcome != Outcome::not_replaceable) return outcome == Outcome::saved;
     }
     return rewrite_file(job, *old);
+}
+
+// The name of what `path` leads to; its own where that cannot be told.
+std::string name_behind(const std::string& path, bool exists) {
+    if (!is_symbolic_link(path)) return path;
+    std::string real = real_name(path);
+    return exists && !is_same_file(real, path) ? path : real;
+}
+
+bool write_anything(Job& job) {
+    if (Descriptor output = own_output(job.path)) return write_stream(job, std::move(output));
+    struct stat status;
+    const bool exists = stat(job.path.c_str(), &status) == 0;
+    if (!exists && errno != ENOENT) return false;
+    if (exists && !S_ISREG(status.st_mode)) {
+        return write_stream(job, open_stream(job.path, status));
+    }
+    job.path = name_behind(job.path, exists);
+    return !job.path.empty() && write_regular(job, exists ? &status : nullptr);
+}
+
+}  // namespace
+
+bool write_safely(const std::string& path, bool keep_backup, const WriteText& write,
+                  std::string& note) {
+    // Lets writes fail that would otherwise end the program.
+    HeldSignal size_limit(SIGXFSZ), no_reader(SIGPIPE);
+    Job job{path, name_beside(path, "", ".bak"), keep_backup, write, {}};
+    errno = 0;
+    const bool written = write_anything(job);
+    note = written || errno == 0 ? job.note : std::strerror(errno) + job.note;
+    return written;
 }
 
 bool write_at_once(const std::string& path, const WriteText& write) {
@@ -193,15 +218,11 @@ bool write_at_once(const std::string& path, const WriteText& write) {
         (!S_ISREG(status.st_mode) || faccessat(AT_FDCWD, real.c_str(), W_OK, AT_EACCESS) != 0)) {
         return false;
     }
-    TempFile fresh(real);
+    TempFile fresh(real, exists ? 0600 : 0666);
     if (!fresh || !write(fresh.fd())) return false;
     std::optional<FileTraits> old = exists ? traits_of(real) : std::nullopt;
-    if (old) {
-        set_traits(fresh.fd(), *old);
-    } else if (sys::chmod(fresh.fd(), usual_mode()) != 0) {
-        return false;
-    }
-    return sync_file(fresh.fd()) && fresh.close() && fresh.rename_to(real) && sync_folder_of(real);
+    if (old) set_traits(fresh.fd(), fresh.name(), *old);
+    return sync_file(fresh.fd()) && fresh.rename_to(real) && fresh.close() && sync_folder_of(real);
 }
 
 }  // namespace tpu

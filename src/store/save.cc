@@ -42,6 +42,7 @@ bool write_lines(int fd, const LineStore& lines) {
 }  // namespace
 
 bool Buffer::write_file(const std::string& path) {
+    save_note.clear();
     if (no_write) return false;
     std::string target = path.empty() ? file_name : path;
     // The file may be one that a text still shows.
@@ -53,7 +54,7 @@ bool Buffer::write_file(const std::string& path) {
     // What follows the writing needs no memory.
     LineStore reloaded = as_loaded(lines);
     const bool is_as_known = target == file_name && FileVersion::of(target) == known_version;
-    if (!write_safely(target, backup_on_write, write)) {
+    if (!write_safely(target, backup_on_write, write, save_note)) {
         // What a failed attempt has left is no change that somebody else has made.
         if (is_as_known) known_version = FileVersion::of(target);
         return false;

@@ -9,7 +9,6 @@
 #include "core/system_calls.h"
 #include "editor/recovery.h"
 #include "store/journal.h"
-#include "store/section.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
 
@@ -44,76 +43,11 @@ int for_each_fault(const std::function<void()>& prepare, const std::function<boo
 }
 
 struct Faults : testing::Test {
-    const std::string old_text = "old\ntext", new_text = "new\ntext of\nother size";
-
-    // Saves over a file, with each call failing once.
-    int save(bool backup, bool linked) {
-        std::string path = folder.path("file"), other = folder.path("other");
-        auto prepare = [&] {
-            std::filesystem::remove(path);
-            std::filesystem::remove(path + ".bak");
-            std::filesystem::remove(other);
-            folder.write("file", old_text);
-            if (linked) std::filesystem::create_hard_link(path, other);
-            buffer = std::make_unique<Buffer>("b", path);
-            buffer->lines = LineStore::from_text(new_text);
-            buffer->backup_on_write = backup;
-            buffer->modified = true;
-        };
-        return for_each_fault(
-            prepare, [&] { return buffer->write_file(""); },
-            [&](int, bool written) {
-                EXPECT_EQ(buffer->lines.text(), new_text);
-                EXPECT_EQ(buffer->modified, !written);
-                std::string now = folder.read("file"), kept = folder.read("file.bak");
-                if (written) {
-                    EXPECT_EQ(now, new_text);
-                } else {
-                    // Behind the last renaming the new text is there in whole.
-                    EXPECT_TRUE(now == old_text || kept == old_text || now == new_text)
-                        << now << "\n"
-                        << kept;
-                }
-                if (backup && now != old_text) {
-                    EXPECT_EQ(kept, old_text);
-                }
-                EXPECT_TRUE(buffer->write_file(""));
-                EXPECT_EQ(folder.read("file"), new_text);
-                EXPECT_FALSE(buffer->modified);
-            });
-    }
+    const std::string old_text = "old\ntext";
 
     TempFolder folder;
     std::unique_ptr<Buffer> buffer;
 };
-
-TEST_F(Faults, while_saving_lose_no_text) {
-    EXPECT_GE(save(true, false), 8);
-    EXPECT_GE(save(false, false), 6);
-    EXPECT_GE(save(true, true), 8);
-    EXPECT_GE(save(false, true), 8);
-    EXPECT_LE(folder.files().size(), 4u);
-}
-
-TEST_F(Faults, while_saving_a_new_file_leave_none_or_all_of_it) {
-    std::string path = folder.path("fresh");
-    auto prepare = [&] {
-        std::filesystem::remove(path);
-        buffer = std::make_unique<Buffer>("b", path);
-        buffer->lines = LineStore::from_text(new_text);
-    };
-    int calls = for_each_fault(
-        prepare, [&] { return buffer->write_file(""); },
-        [&](int, bool written) {
-            EXPECT_EQ(buffer->lines.text(), new_text);
-            if (written) {
-                EXPECT_EQ(folder.read("fresh"), new_text);
-            }
-            EXPECT_TRUE(buffer->write_file(""));
-            EXPECT_EQ(folder.read("fresh"), new_text);
-        });
-    EXPECT_GE(calls, 4);
-}
 
 TEST_F(Faults, while_loading_leave_the_text_as_it_was) {
     std::string path = folder.write("file", std::string(3'000'000, 'x') + "\nlast");
@@ -130,24 +64,6 @@ TEST_F(Faults, while_loading_leave_the_text_as_it_was) {
             EXPECT_EQ(buffer->lines.length(0), 3'000'000u);
         });
     EXPECT_GE(calls, 2);
-}
-
-TEST_F(Faults, while_saving_a_section_leave_the_old_or_the_new_one) {
-    Session session;
-    std::string path = folder.path("section"), before;
-    ASSERT_TRUE(tpu_section_save(session.editor, path, "before"));
-    before = folder.read("section");
-    int calls = for_each_fault(
-        [&] { folder.write("section", before); },
-        [&] { return tpu_section_save(session.editor, path, "after"); },
-        [&](int, bool) {
-            std::string now = folder.read("section");
-            EXPECT_TRUE(now == before || now.find("IDENT=after\n") != std::string::npos);
-            EXPECT_TRUE(now.ends_with("#END\n"));
-            EXPECT_TRUE(tpu_section_save(session.editor, path, "after"));
-        });
-    EXPECT_GE(calls, 4);
-    EXPECT_EQ(folder.files(), std::set<std::string>{"section"});
 }
 
 TEST_F(Faults, of_saving_are_told_and_the_next_attempt_works) {

@@ -6,6 +6,9 @@
 #include <thread>
 
 #include "core/buffer.h"
+#include "core/charset.h"
+#include "store/file_traits.h"
+#include "store/temp_file.h"
 #include "unit/store/temp_folder.h"
 #ifdef __linux__
 #include <sys/xattr.h>
@@ -100,17 +103,6 @@ TEST(Save, keeps_the_mode_and_leaves_a_new_file_to_the_umask) {
     EXPECT_EQ(status_of(folder.path("fresh")).st_mode & 07777, 0640u);
 }
 
-TEST(Save, without_a_backup_spares_a_protected_file) {
-    if (geteuid() == 0) GTEST_SKIP() << "nothing is protected from root";
-    TempFolder folder;
-    std::string path = folder.write("file", "old");
-    chmod(path.c_str(), 0444);
-    Text text({"new"});
-    text.backup_on_write = false;
-    expect_failure(text, path);
-    EXPECT_EQ(folder.read("file"), "old");
-}
-
 // Ways in which "file" can be a second name of the file "real".
 struct Alias {
     const char* what;
@@ -137,6 +129,7 @@ TEST(Save, updates_the_file_behind_a_link_and_keeps_the_link) {
             alias.make(folder);
             struct stat before;
             lstat(folder.path("file").c_str(), &before);
+            const ino_t number = status_of(folder.path("real")).st_ino;
             Text text({"new"});
             text.backup_on_write = backup;
             ASSERT_TRUE(text.write_file(folder.path("file")));
@@ -145,6 +138,8 @@ TEST(Save, updates_the_file_behind_a_link_and_keeps_the_link) {
             lstat(folder.path("file").c_str(), &after);
             EXPECT_EQ(after.st_ino, before.st_ino);
             EXPECT_EQ(after.st_nlink, before.st_nlink);
+            // Whoever reads the file behind a symbolic link meanwhile sees all of a text.
+            EXPECT_EQ(status_of(folder.path("real")).st_ino != number, S_ISLNK(after.st_mode));
             Files files = {"file", "real"};
             if (backup) {
                 files.insert("file.bak");
@@ -174,18 +169,74 @@ TEST(Save, creates_the_file_that_a_link_waits_for) {
 }
 
 #ifdef __linux__
-TEST(Save, keeps_extended_attributes) {
+TEST(Save, replaces_a_file_with_extended_attributes_by_one_that_has_them) {
     TempFolder folder;
     std::string path = folder.write("file", "old");
-    if (setxattr(path.c_str(), "user.test", "x", 1, 0) != 0) GTEST_SKIP() << "no attributes here";
+    // User, a user by number, group, mask and others, each with its rights.
+    const std::string list(
+        "\2\0\0\0\1\0\6\0\xff\xff\xff\xff\2\0\4\0\x39\x30\0\0"
+        "\4\0\0\0\xff\xff\xff\xff\x10\0\4\0\xff\xff\xff\xff"
+        "\x20\0\0\0\xff\xff\xff\xff",
+        44);
+    auto set = [&](const char* name, const std::string& value) {
+        return setxattr(path.c_str(), name, value.data(), value.size(), 0) == 0;
+    };
+    if (!set("user.test", "x") || !set("system.posix_acl_access", list)) GTEST_SKIP();
+    const std::optional<FileTraits> before = traits_of(path);
+    const ino_t number = status_of(path).st_ino;
     ASSERT_TRUE(Text({"new"}).write_file(path));
-    char value = 0;
-    EXPECT_EQ(getxattr(path.c_str(), "user.test", &value, 1), 1);
-    EXPECT_EQ(value, 'x');
+    EXPECT_EQ(traits_of(path), before);
+    EXPECT_EQ(before->attributes.size(), 2u);
     EXPECT_EQ(folder.read("file"), "new");
     EXPECT_EQ(folder.read("file.bak"), "old");
+    EXPECT_EQ(status_of(path + ".bak").st_ino, number);
 }
 #endif
+
+TEST(Save, of_a_long_name_shortens_the_names_beside_it) {
+    constexpr std::size_t kLongest = 255;
+    for (std::size_t size = 250; size <= kLongest; ++size) {
+        for (bool linked : {false, true}) {
+            TempFolder folder;
+            std::string name(size % 2, 'x');
+            while (name.size() < size) name += "\xc3\xa4";
+            folder.write(name, "old");
+            if (linked) fs::create_hard_link(folder.path(name), folder.path("other"));
+            for (const char* line : {"new", "newer"}) {
+                ASSERT_TRUE(Text({line}).write_file(folder.path(name))) << size;
+            }
+            Files others = folder.files();
+            others.erase(name);
+            others.erase("other");
+            ASSERT_EQ(others.size(), 1u);
+            const std::string backup = *others.begin();
+            EXPECT_EQ(folder.read(backup), "new");
+            EXPECT_TRUE(backup.ends_with(".bak"));
+            const std::string begin = backup.substr(0, backup.find_first_of("~."));
+            EXPECT_TRUE(name.starts_with(begin));
+            EXPECT_EQ(cut_character(begin), 0u);
+        }
+    }
+}
+
+TEST(Save, clears_what_a_killed_one_has_left_and_nothing_else) {
+    TempFolder folder;
+    const std::string path = folder.write("file", "old");
+    folder.write(".tpu-user", "");
+    folder.write(".file.tpu-12345678", "");
+    auto left = std::make_unique<TempFile>(path);
+    Files files = folder.files();
+    ASSERT_TRUE(Text({"new"}).write_file(path));
+    files.insert("file.bak");
+    EXPECT_EQ(folder.files(), files);  // a session is still writing it
+    const std::string name = left->name();
+    left->keep();
+    left.reset();
+    EXPECT_EQ(folder.files(), files);
+    ASSERT_TRUE(Text({"new"}).write_file(path));
+    files.erase(fs::path(name).filename().string());
+    EXPECT_EQ(folder.files(), files);
+}
 
 TEST(Save, that_fails_half_way_leaves_the_old_text_and_no_other_file) {
     for (const Alias& alias : kAliases) {
@@ -218,6 +269,7 @@ TEST(Save, that_fails_half_way_removes_the_new_file) {
     Text text({std::string(300000, 'y')});
     FileSizeLimit limit(150000);
     expect_failure(text, folder.path("file"));
+    EXPECT_EQ(text.save_note, "File too large");
     expect_failure(text, folder.path("link"));
     EXPECT_EQ(folder.files(), Files{"link"});
 }
@@ -248,6 +300,7 @@ TEST(Save, gives_devices_and_pipes_the_text_and_makes_no_backup) {
     if (access("/dev/full", W_OK) == 0) {
         Text text({"new"});
         expect_failure(text, "/dev/full");
+        EXPECT_EQ(text.save_note, "No space left on device");
     }
     std::string pipe = folder.path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);

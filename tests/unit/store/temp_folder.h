@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -16,7 +17,8 @@ namespace tpu {
 // A folder of its own for a test, gone with all that is in it at the end.
 class TempFolder {
   public:
-    TempFolder() : name_(testing::TempDir() + "/tpu-test-XXXXXX") {
+    explicit TempFolder(const std::string& parent = testing::TempDir())
+        : name_(parent + "/tpu-test-XXXXXX") {
         if (!mkdtemp(name_.data())) ADD_FAILURE() << "no folder " << name_;
     }
     ~TempFolder() { std::filesystem::remove_all(name_); }
@@ -44,6 +46,11 @@ class TempFolder {
   private:
     std::string name_;
 };
+
+// Where there is no disk to wait for, if the system has such a place.
+inline std::string folder_in_memory() {
+    return access("/dev/shm", W_OK | X_OK) == 0 ? "/dev/shm" : testing::TempDir();
+}
 
 inline struct stat status_of(const std::string& path) {
     struct stat status = {};
