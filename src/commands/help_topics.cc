@@ -171,9 +171,10 @@ is the buffer's file from then on. The previous file is kept with .bak behind
 its name, unless SET(BACKUP, OFF) says otherwise. A save that fails leaves the
 file as it was. One that is cut short when the editor is killed leaves the old
 text in whole; where it is not in the file itself, opening the file tells the
-name of its copy, which stays until you remove it. The last line of a file
-gets no line end. Nothing is saved by itself, and nothing is asked when the
-editor ends.
+name of its copy, which stays until you remove it. A file that is yours, but
+that you may not write, is written when you save twice in a row. The last line
+of a file gets no line end. Nothing is saved by itself, and nothing is asked
+when the editor ends.
 
 A file that is there but could not be read is never written over; WRITE name
 saves what was typed elsewhere. When somebody else has written the file since

@@ -55,7 +55,7 @@ class Buffer {
         Range range;
         Attr attr = Attr::none;
     };
-    // A save that was not done, since somebody else has written the file.
+    // A save that was not done, since somebody else has written the file or it is protected.
     struct RefusedSave {
         FileVersion version;  // theirs
         LineStore lines;      // ours
@@ -103,7 +103,7 @@ class Buffer {
     std::optional<FileVersion> known_version;
     int file_trouble = 0;  // the error for which the file could not be read; 0: none
     std::optional<RefusedSave> refused_save;  // the last attempt, if that was one
-    std::string save_note;  // why the last save failed, or what it did without
+    std::string save_note;                    // why the last save failed, or what it did without
     std::vector<VideoRegion> video_regions;
     std::vector<Snapshot> undo_stack;  // oldest first
     std::vector<Snapshot> redo_stack;
@@ -227,12 +227,13 @@ class Buffer {
     // cannot be read, else empty. In any case the buffer has its name.
     std::string edit_file(const std::string& path, Loading how = Loading::at_once,
                           const Interrupted& interrupted = {});
-    std::string finish_loading();  // what there is to tell, or empty
+    std::string finish_loading();              // what there is to tell, or empty
     bool write_file(const std::string& path);  // empty: to file_name
     // Why write_file never writes there; empty: it may.
     std::string write_refusal(const std::string& path) const;
     // Why a person should think twice before it does: somebody else has written the file since
-    // it was read. Not asked about again when the very next save would do the same. Empty: go on.
+    // it was read, or it is protected. Not asked about again when the very next save would do the
+    // same. Empty: go on.
     std::string doubt_about_saving(const std::string& path);
     void note_read(const struct stat& status);
     void note_unread(int error);

@@ -1,5 +1,6 @@
 // Saving from the session, with its messages.
 #include "editor/editor.h"
+#include "store/file_traits.h"
 
 namespace tpu {
 
@@ -12,9 +13,17 @@ void save(TPUEditor& editor, const std::string& file) {
     if (!objection.empty()) {
         return editor.set_message("Write failed: " + file + " (" + objection + ")");
     }
+    // What was protected stays, as a backup.
+    const bool keeps_backup = buffer.backup_on_write;
+    buffer.backup_on_write = keeps_backup || is_read_only(file);
     const bool written = buffer.write_file(file);
+    buffer.backup_on_write = keeps_backup;
     // What was written stays so, even if there is no memory to say it.
-    enough_memory([&] { editor.set_message((written ? "Written " : "Write failed: ") + file); });
+    enough_memory([&] {
+        const std::string note =
+            written && !buffer.save_note.empty() ? " (" + buffer.save_note + ")" : "";
+        editor.set_message((written ? "Written " : "Write failed: ") + file + note);
+    });
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include "core/buffer.h"
 #include "store/file_names.h"
+#include "store/file_traits.h"
 #include "store/input_file.h"
 
 namespace tpu {
@@ -45,14 +46,17 @@ std::string Buffer::write_refusal(const std::string& path) const {
 std::string Buffer::doubt_about_saving(const std::string& path) {
     const std::string& target = path.empty() ? file_name : path;
     const std::optional<FileVersion> now = FileVersion::of(target);
-    if (!known_version || !now || !now->exists() || now == known_version) return {};
-    if (!is_same_file(target, file_name)) return {};
+    if (!now || !now->exists()) return {};
+    std::string doubt;
+    if (known_version && now != known_version && is_same_file(target, file_name)) {
+        doubt = known_version->exists() ? "changed on disk; " : "new on disk; ";
+    }
+    if (is_read_only(target)) doubt += "read only; ";
     const bool is_told =
         refused_save && refused_save->version == *now && refused_save->lines.is_same_version(lines);
-    if (is_told) return {};
+    if (doubt.empty() || is_told) return {};
     refused_save = {*now, lines};
-    return std::string(known_version->exists() ? "changed" : "new") +
-           " on disk; save again to overwrite";
+    return doubt + "save again to overwrite";
 }
 
 }  // namespace tpu

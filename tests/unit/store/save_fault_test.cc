@@ -254,5 +254,50 @@ TEST_F(SaveFaults, are_told_when_the_file_is_opened_again) {
     EXPECT_EQ(greeting(), "");
 }
 
+TEST_F(SaveFaults, in_a_folder_that_takes_no_files_are_few) {
+    folder.write("file", kOld);
+    lock(true);
+    session.buffer->lines = LineStore::from_text(kNew);
+    session.buffer->file_name = path;
+    session.press("<CTRL_S>");
+    EXPECT_EQ(session.editor.message, "Written " + path + " (no .bak: the folder is read-only)");
+    EXPECT_EQ(folder.read("file"), kNew);
+    EXPECT_EQ(folder.files(), std::set<std::string>{"file"});
+    EXPECT_TRUE(fs::is_empty(state.path("texts")));
+    keep_old_texts_in("");
+    session.press("<CTRL_S>");
+    EXPECT_EQ(session.editor.message, "Write failed: " + path);
+    EXPECT_EQ(session.buffer->save_note, "Permission denied");
+    lock(false);
+}
+
+TEST_F(SaveFaults, of_a_protected_file_are_prevented_by_asking_once) {
+    for (bool backup : {true, false}) {
+        prepare({"", [](const TempFolder& f) { f.write("file", kOld); }, backup});
+        chmod(path.c_str(), 0444);
+        const std::string refusal =
+            "Write failed: " + path + " (read only; save again to overwrite)";
+        auto message_of_save = [&] {
+            session.press("<CTRL_S>");
+            return session.editor.message;
+        };
+        session.buffer->file_name = path;
+        session.buffer->known_version.reset();
+        session.buffer->backup_on_write = backup;
+        session.buffer->lines = LineStore::from_text(kNew);
+        EXPECT_EQ(message_of_save(), refusal);
+        session.press("x");
+        EXPECT_EQ(message_of_save(), refusal);
+        EXPECT_EQ(folder.read("file"), kOld);
+        EXPECT_EQ(message_of_save(), "Written " + path);
+        EXPECT_EQ(folder.read("file"), session.buffer->lines.text());
+        EXPECT_EQ(folder.read("file.bak"), kOld);
+        EXPECT_EQ(session.buffer->backup_on_write, backup);
+        EXPECT_EQ(message_of_save(), refusal);
+        // A program is not asked, but must keep the text.
+        EXPECT_EQ(buffer->write_file(""), backup);
+    }
+}
+
 }  // namespace
 }  // namespace tpu
