@@ -12,6 +12,7 @@
 #include "store/file_io.h"
 #include "store/names_beside.h"
 #include "store/recovery_files.h"
+#include "store/trust.h"
 
 namespace tpu {
 
@@ -45,7 +46,8 @@ std::vector<std::string> usable_names(const std::string& path) {
     if (takes_files(path)) return names_in_folder_of(path);
     const int reason = errno;
     std::vector<std::string> names = names_in_own_folder(path);
-    if (!names.empty() && !make_folder(folder())) names.clear();
+    const bool is_ours = !names.empty() && distrust_of_folder(folder()).empty();
+    if (!is_ours || !make_folder(folder())) names.clear();
     errno = reason;
     return names;
 }

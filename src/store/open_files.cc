@@ -4,12 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <functional>
 #include <limits>
 
 #include "store/file_io.h"
 #include "store/file_names.h"
+#include "store/recovery_files.h"
+#include "store/trust.h"
 
 namespace tpu {
 
@@ -64,12 +65,10 @@ std::string OpenFiles::news(const std::string& file) {
 bool OpenFiles::is_ready() {
     if (locks_) return true;
     if (path_.empty()) return false;
-    // For the owner alone.
-    const mode_t before = umask(077);
-    std::error_code unknown;
-    std::filesystem::create_directories(folder_of(path_), unknown);
-    locks_ = open_file(path_, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0600);
-    umask(before);
+    const std::string folder = folder_of(path_);
+    if (distrust_of_folder(folder).empty() && make_folder(folder)) {
+        locks_ = open_file(path_, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0600);
+    }
     if (!locks_) path_.clear();  // once is enough
     return static_cast<bool>(locks_);
 }
