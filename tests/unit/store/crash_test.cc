@@ -1,6 +1,6 @@
-// Editors that are killed while they work: a journal loses at most the statement that
-// was running, and unsaved work nothing of what was kept. TPU_CRASHES is the number of crashes, see
-// script/stress.
+// Editors that are killed while they work: a journal loses at most the statement that was
+// running, and unsaved work nothing of what was kept. TPU_CRASHES is the number of crashes,
+// see script/stress.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -15,6 +15,7 @@
 #include <random>
 #include <thread>
 
+#include "core/system_calls.h"
 #include "editor/recovery.h"
 #include "store/file_io.h"
 #include "store/journal.h"
@@ -112,6 +113,52 @@ TEST(Crashes, lose_at_most_the_statement_that_was_running) {
         for (int n = 0; n < replayed; ++n) expected.editor.parser.compile_text(edits.next());
         EXPECT_EQ(recovered.lines(), expected.lines());
         EXPECT_EQ(recovered.cursor(), expected.cursor());
+    }
+}
+
+int calls_left = 0;
+bool half_a_write = false;
+
+int kill_after_calls(sys::Call call) {
+    if (--calls_left > 0) return 0;
+    if (half_a_write && calls_left == 0) return call == sys::Call::write ? sys::kHalf : 0;
+    raise(SIGKILL);
+    return 0;
+}
+
+TEST(Crashes, at_any_call_leave_a_journal_without_a_hole) {
+    const std::string text = "abcdef";
+    for (bool binary : {false, true}) {
+        for (bool half : {false, true}) {
+            bool finished = false;
+            for (int call = 1; !finished; ++call) {
+                SCOPED_TRACE(call);
+                TempFolder folder;
+                const std::string journal = folder.path("j");
+                const pid_t child = fork();
+                if (child == 0) {
+                    Session s;
+                    calls_left = call;
+                    half_a_write = half;
+                    sys::set_fault(kill_after_calls);
+                    std::string note;
+                    if (!tpu_journal_open(*s.buffer, journal, binary, note)) _exit(1);
+                    for (char c : text) {
+                        s.editor.parser.execute_statement(std::string("COPY_TEXT(\"") + c + "\")");
+                    }
+                    _exit(0);
+                }
+                int status = 0;
+                waitpid(child, &status, 0);
+                finished = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+                Session s;
+                tpu_journal_recover(s.editor.parser, journal);
+                const std::string replayed = s.buffer->lines.text();
+                EXPECT_TRUE(text.starts_with(replayed)) << replayed;
+                EXPECT_TRUE(!finished || replayed == text);
+                ASSERT_LT(call, 1000);
+            }
+        }
     }
 }
 
