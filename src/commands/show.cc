@@ -52,7 +52,7 @@ std::string shortened(std::string text, std::size_t used) {
         text += kDots;
     }
     std::replace_if(
-        text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
+        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
     return text;
 }
 
