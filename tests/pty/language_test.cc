@@ -56,6 +56,18 @@ TEST_F(Language, control_c_ends_waiting_for_a_pipe_as_a_start_up_file) {
     close(writer);
 }
 
+TEST_F(Language, what_others_can_write_does_not_run_at_the_start) {
+    tty.write(".tpurc", "COPY_TEXT(\"home\")");
+    tty.write("s.sect", "#ZKSECT 1\nBEGIN PROCEDURES\nCOPY_TEXT(\"section\")\nEND PROCEDURES\n");
+    for (const char* name : {".tpurc", "s.sect"}) {
+        ASSERT_EQ(chmod((tty.home() + "/" + name).c_str(), 0666), 0);
+    }
+    tty.start({"--section=s.sect"});
+    EXPECT_TRUE(tty.shows(".tpurc is not run: other users can write it")) << tty.screen();
+    EXPECT_TRUE(tty.shows(0, "[End of file]")) << tty.screen();
+    EXPECT_EQ(tty.errors(), "tpu: /SECTION=s.sect failed to load: other users can write it\n");
+}
+
 TEST_F(Language, a_section_file_is_restored_before_start_up_files) {
     tty.write(".tpurc", "greet(\"home\")");
     tty.write("s.sect",

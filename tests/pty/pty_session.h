@@ -49,6 +49,7 @@ class PtySession {
     termios attributes() const;
     std::string terminal_name() const { return terminal_name_; }
 
+    const std::string& home() const { return home_; }
     // Files in the home folder.
     void write(const std::string& name, const std::string& text) const;
     std::string read(const std::string& name) const;
