@@ -47,7 +47,7 @@ int TPU_GetMessage(TPU_Context* context, char* buffer, int size);
  * ignored. */
 void TPU_Cleanup(TPU_Context* context);
 
-/* The same three under the names of the language's tradition. */
+/* The same three under names with a dollar sign. */
 #if defined(__clang__)
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wdollar-in-identifier-extension"
