@@ -5,6 +5,7 @@ class Tpu < Formula
   head "file://#{File.expand_path("..", __dir__)}", using: :git, branch: "main"
 
   depends_on "cmake" => :build
+  depends_on "xxhash" => :build
   depends_on "ncurses"
 
   def install
