@@ -72,8 +72,12 @@ void* __wrap_realloc(void* place, std::size_t size) {
 
 namespace {
 
+void* try_to_allocate(std::size_t size) {
+    return failing::fails(size) ? nullptr : __real_malloc(size ? size : 1);
+}
+
 void* allocate(std::size_t size) {
-    void* place = failing::fails(size) ? nullptr : __real_malloc(size ? size : 1);
+    void* place = try_to_allocate(size);
     if (!place) throw std::bad_alloc();
     return place;
 }
@@ -90,6 +94,12 @@ void* operator new(std::size_t size) {
 }
 void* operator new[](std::size_t size) {
     return allocate(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return try_to_allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return try_to_allocate(size);
 }
 void operator delete(void* place) noexcept {
     std::free(place);
