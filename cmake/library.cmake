@@ -15,6 +15,7 @@ list(FILTER LIBRARY_SOURCES EXCLUDE REGEX
 # for the shared one; with hidden names that costs nothing.
 add_library(libtpu_objects OBJECT ${LIBRARY_SOURCES})
 target_link_libraries(libtpu_objects PRIVATE tpu_flags Threads::Threads)
+target_precompile_headers(libtpu_objects PRIVATE ${TPU_COMMON_HEADERS})
 set_target_properties(libtpu_objects PROPERTIES
                       POSITION_INDEPENDENT_CODE ON
                       CXX_VISIBILITY_PRESET hidden
