@@ -59,7 +59,8 @@ std::string Buffer::finish_loading() {
     const bool damaged = loaded_block->is_damaged();
     std::string told;
     if (damaged) {
-        told = file_name + " shrank while it was read: zeros stand for what is gone, write elsewhere";
+        told =
+            file_name + " shrank while it was read: zeros stand for what is gone, write elsewhere";
         note_unread(EIO);
     }
     std::optional<FileVersion> now = FileVersion::of(file_name);
