@@ -71,6 +71,13 @@ std::string name_of(const std::string& file, std::uint64_t file_time, int attemp
            "." + std::to_string(attempt).append(kSuffix);
 }
 
+// In the folder that `path` names a file in, without filling the disk.
+bool has_room_for(std::uint64_t bytes, const std::string& path) {
+    std::error_code unknown;
+    const auto space = std::filesystem::space(folder_of(path), unknown);
+    return !unknown && bytes <= space.available / 4;
+}
+
 std::string base_path(std::string_view path) {
     return std::string(path.substr(0, path.size() - kSuffix.size())).append(kBaseSuffix);
 }
@@ -190,6 +197,7 @@ bool RecoveryFile::copy_base() {
     constexpr std::uint64_t kPart = std::uint64_t{1} << 20;
     const std::uint64_t size = base_.bytes();
     if (size > kLargestBase || base_copied_ == size) return false;
+    if (base_copied_ == 0 && !has_room_for(size, path_)) return false;
     HeldSignal size_limit(SIGXFSZ);
     if (!base_copy_) {
         base_copy_ =

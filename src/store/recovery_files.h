@@ -27,8 +27,9 @@ namespace tpu {
 
 class RecoveryFile {
   public:
-    // Larger ones are not copied.
-    static constexpr std::uint64_t kLargestBase = std::uint64_t{256} << 20;  // bytes
+    // Larger ones are not copied, nor those that would take more than a quarter of what is
+    // free on the disk.
+    static constexpr std::uint64_t kLargestBase = std::uint64_t{4} << 30;  // bytes
 
     // Makes one, which nobody else may read, in a folder that is made when there is none. An
     // empty `file` stands for a text that has none. Nothing when that fails, for the reason.
