@@ -20,14 +20,6 @@ Buffer* buffer_of_file(TPUEditor& editor, const std::string& file) {
     return nullptr;
 }
 
-std::string unused_name(TPUEditor& editor, const std::string& name) {
-    std::string unused = name;
-    for (int n = 2; editor.find_buffer(unused); ++n) {
-        unused = name + "<" + std::to_string(n) + ">";
-    }
-    return unused;
-}
-
 // Nothing is left of a new buffer whose file cannot be read.
 void get_file(TPUEditor& editor, Line line) {
     std::string file = line.file(1), message = "Got file " + file;
@@ -37,7 +29,7 @@ void get_file(TPUEditor& editor, Line line) {
         trouble = into.edit_file(into.file_name, editor.loading(), editor.interrupted());
     };
     if (!buffer) {
-        auto loaded = std::make_unique<Buffer>(unused_name(editor, file), file);
+        auto loaded = std::make_unique<Buffer>(editor.unused_buffer_name(file), file);
         load(*loaded);
         if (!trouble.empty()) return editor.set_message(trouble);
         if (loaded->file_time == 0) message = "New file " + file;

@@ -22,6 +22,14 @@ Buffer* TPUEditor::find_buffer(const std::string& name) {
     return nullptr;
 }
 
+std::string TPUEditor::unused_buffer_name(const std::string& name) {
+    std::string unused = name;
+    for (int n = 2; find_buffer(unused); ++n) {
+        unused = name + "<" + std::to_string(n) + ">";
+    }
+    return unused;
+}
+
 bool TPUEditor::owns(const Buffer* buffer) const {
     return std::any_of(buffers.begin(), buffers.end(),
                        [&](const auto& owned) { return owned.get() == buffer; });

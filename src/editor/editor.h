@@ -107,7 +107,8 @@ class TPUEditor {
 
     // buffers.cc
     Buffer* create_buffer(const std::string& name, const std::string& file);
-    Buffer* find_buffer(const std::string& name);  // null: none of that exact name
+    Buffer* find_buffer(const std::string& name);             // null: none of that exact name
+    std::string unused_buffer_name(const std::string& name);  // it, or with a number behind it
     bool owns(const Buffer* buffer) const;
     // Tells what a person has to know of the file that a buffer was just given: `trouble` with
     // reading it, unsaved work, or that another session has it open.

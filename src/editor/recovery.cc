@@ -41,14 +41,6 @@ bool wants_keeping(const Buffer& buffer) {
     return buffer.modified && !buffer.system && !buffer.no_write;
 }
 
-std::string unused_name(TPUEditor& editor, const std::string& name) {
-    std::string unused = name;
-    for (int n = 2; editor.find_buffer(unused); ++n) {
-        unused = name + "<" + std::to_string(n) + ">";
-    }
-    return unused;
-}
-
 }  // namespace
 
 // What is kept of a buffer.
@@ -225,7 +217,7 @@ std::string Recovery::recover_elsewhere(const Buffer& buffer, const LeftBehind& 
         }
     }
     const std::string of_what = buffer.file_name.empty() ? buffer.name : buffer.file_name;
-    Buffer* fresh = editor_.create_buffer(unused_name(editor_, "RECOVERED " + of_what), "");
+    Buffer* fresh = editor_.create_buffer(editor_.unused_buffer_name("RECOVERED " + of_what), "");
     fresh->lines = base ? *base : buffer.saved_lines;
     editor_.position(fresh);
     const std::string told = replay(*fresh, work);

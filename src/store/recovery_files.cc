@@ -20,6 +20,7 @@
 #include "core/stable_hash.h"
 #include "core/system_calls.h"
 #include "store/file_io.h"
+#include "store/file_names.h"
 #include "store/journal.h"
 #include "store/journal_reader.h"
 #include "store/trust.h"
@@ -44,11 +45,7 @@ std::string hexadecimal(std::uint64_t number) {
 std::string recovery_prefix(const std::string& file) {
     constexpr std::size_t kLongestHint = 64;
     if (file.empty()) return "unnamed-";
-    std::error_code error;
-    // A bare name of a file that is still to be made would be canonical as it is.
-    const std::filesystem::path whole = std::filesystem::absolute(file, error);
-    std::filesystem::path path = std::filesystem::weakly_canonical(whole, error);
-    if (error) path = whole;
+    const std::filesystem::path path = canonical_name(file);
     std::string hint = path.filename().string().substr(0, kLongestHint);
     std::replace_if(
         hint.begin(), hint.end(),
