@@ -10,7 +10,7 @@
 #include <memory>
 #include <string>
 
-#include "core/buffer.h"
+#include "buffer/buffer.h"
 
 namespace {
 

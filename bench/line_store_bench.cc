@@ -9,7 +9,7 @@
 #include <random>
 #include <string>
 
-#include "core/line_store.h"
+#include "text/line_store.h"
 
 namespace {
 

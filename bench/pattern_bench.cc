@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "core/buffer.h"
+#include "buffer/buffer.h"
 #include "pattern/pattern.h"
 
 namespace {

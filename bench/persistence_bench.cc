@@ -8,8 +8,8 @@
 #include <string>
 
 #include "editor/editor.h"
+#include "editor/section.h"
 #include "store/journal.h"
-#include "store/section.h"
 #include "swallowing_terminal.h"
 
 namespace {

@@ -9,7 +9,7 @@ set(TPU_EXPORTS
 set(LIBRARY_SOURCES ${TPU_SOURCES})
 list(FILTER LIBRARY_SOURCES EXCLUDE REGEX "src/editor/curses/")
 list(FILTER LIBRARY_SOURCES EXCLUDE REGEX
-     "src/app/(main|options|redirect|source_file|startup|test_mode)\\.cc$")
+     "src/app/(main|options|source_file|startup|test_mode)\\.cc$")
 
 # Objects for both kinds of library and for the program. They are position-independent
 # for the shared one; with hidden names that costs nothing.
@@ -21,7 +21,7 @@ set_target_properties(libtpu_objects PROPERTIES
                       CXX_VISIBILITY_PRESET hidden
                       VISIBILITY_INLINES_HIDDEN ON)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # It would join the two words of a Value into one load (see core/value.h).
+  # It would join the two words of a Value into one load (see value/value.h).
   target_compile_options(libtpu_objects PRIVATE -fno-tree-slp-vectorize)
 endif()
 

@@ -8,9 +8,9 @@
 #include <cstdint>
 
 #include "app/no_terminal.h"
-#include "core/array.h"
 #include "editor/editor.h"
 #include "outside.h"
+#include "value/array.h"
 
 namespace tpu::fuzz {
 

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "core/buffer.h"
+#include "buffer/buffer.h"
 #include "pattern/pattern.h"
 #include "pattern/pattern_text.h"
 

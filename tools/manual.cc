@@ -7,8 +7,8 @@
 #include <string>
 
 #include "app/options.h"
-#include "app/version.h"
 #include "editor/editor.h"
+#include "editor/version.h"
 #include "help_blocks.h"
 
 namespace tpu {

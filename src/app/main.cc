@@ -8,15 +8,16 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "app/redirect.h"
 #include "app/startup.h"
-#include "app/terminal_state.h"
 #include "app/test_mode.h"
-#include "app/version.h"
-#include "core/fresh_stack.h"
-#include "core/short_memory.h"
-#include "core/signal_stack.h"
+#include "editor/curses/redirect.h"
 #include "editor/curses/terminal.h"
+#include "editor/version.h"
+#include "os/fresh_stack.h"
+#include "os/short_memory.h"
+#include "os/signal_stack.h"
+#include "os/terminal_state.h"
+#include "text/text_block.h"
 
 namespace {
 
@@ -83,7 +84,7 @@ int run(int argc, char** argv) {
     }
     tpu::zk_redirect_tty();
     tpu::SignalStack for_handlers;
-    tpu::handle_faults();
+    tpu::handle_faults(tpu::TextBlock::mend_fault);
     tpu::Charset charset = charset_of_locale();
     tpu::CursesTerminal terminal;
     tpu::SteadyClock clock;

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "core/ascii.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

@@ -6,11 +6,11 @@
 #include "editor/editor.h"
 #include "editor/glyphs.h"
 #include "editor/recovery.h"
+#include "editor/section.h"
+#include "os/trust.h"
 #include "store/old_text.h"
 #include "store/open_files.h"
 #include "store/read_file.h"
-#include "store/section.h"
-#include "store/trust.h"
 
 namespace tpu {
 

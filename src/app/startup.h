@@ -2,8 +2,8 @@
 #pragma once
 
 #include "app/options.h"
-#include "core/charset.h"
 #include "editor/ports.h"
+#include "text/charset.h"
 
 namespace tpu {
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "core/charset.h"
 #include "editor/ports.h"
+#include "text/charset.h"
 
 namespace tpu {
 

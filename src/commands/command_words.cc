@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <set>
 
-#include "core/ascii.h"
 #include "editor/editor.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

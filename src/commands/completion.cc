@@ -6,8 +6,8 @@
 #include "commands/command_words.h"
 #include "commands/help.h"
 #include "commands/show.h"
-#include "core/ascii.h"
 #include "editor/editor.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "commands/command_words.h"
-#include "core/ascii.h"
 #include "editor/editor.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

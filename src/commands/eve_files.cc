@@ -3,7 +3,7 @@
 
 #include "commands/command_words.h"
 #include "editor/editor.h"
-#include "store/file_names.h"
+#include "os/file_names.h"
 
 namespace tpu::commands {
 

@@ -4,8 +4,8 @@
 
 #include "commands/command_words.h"
 #include "commands/replace.h"
-#include "core/ascii.h"
 #include "editor/editor.h"
+#include "text/ascii.h"
 
 namespace tpu::commands {
 

@@ -1,8 +1,8 @@
 // Running a command line.
 #include "commands/command_words.h"
-#include "core/ascii.h"
 #include "editor/editor.h"
 #include "editor/undo_step.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

@@ -6,15 +6,15 @@
 #include <set>
 #include <vector>
 
+#include "attributes/get_info_table.h"
+#include "attributes/set_table.h"
+#include "builtins/families.h"
 #include "commands/command_words.h"
 #include "commands/show.h"
-#include "core/ascii.h"
+#include "editor/default_keys.h"
 #include "editor/editor.h"
-#include "keys/default_keys.h"
 #include "keys/key_names.h"
-#include "lang/attributes/get_info_table.h"
-#include "lang/attributes/set_table.h"
-#include "lang/builtins/families.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

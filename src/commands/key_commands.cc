@@ -3,9 +3,9 @@
 // Deliberate: bindings are made and taken away in the first map of the current list,
 // but looked up in all of its maps.
 #include "commands/command_words.h"
-#include "core/ascii.h"
 #include "editor/editor.h"
 #include "keys/key_code.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

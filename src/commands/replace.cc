@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "commands/command_words.h"
-#include "core/ascii.h"
 #include "editor/editor.h"
+#include "text/ascii.h"
 
 namespace tpu::commands {
 

@@ -3,11 +3,11 @@
 
 #include <algorithm>
 
-#include "app/version.h"
-#include "core/ascii.h"
 #include "editor/editor.h"
 #include "editor/recovery.h"
+#include "editor/version.h"
 #include "keys/key_names.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

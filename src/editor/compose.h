@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "core/marker.h"
+#include "buffer/marker.h"
 #include "editor/frame.h"
 #include "editor/window.h"
 

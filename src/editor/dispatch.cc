@@ -1,10 +1,10 @@
 // What a key does.
-#include "core/ascii.h"
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
+#include "editor/process.h"
 #include "editor/undo_step.h"
 #include "lang/nesting.h"
-#include "proc/process.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

@@ -1,7 +1,7 @@
 #include "editor/editor.h"
 
+#include "editor/process.h"
 #include "editor/recovery.h"
-#include "proc/process.h"
 #include "store/open_files.h"
 
 namespace tpu {

@@ -13,9 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "core/array.h"
-#include "core/buffer.h"
-#include "core/short_memory.h"
+#include "buffer/buffer.h"
 #include "editor/layout.h"
 #include "editor/line_input.h"
 #include "editor/ports.h"
@@ -23,6 +21,8 @@
 #include "editor/window.h"
 #include "keys/key_map.h"
 #include "lang/parser.h"
+#include "os/short_memory.h"
+#include "value/array.h"
 
 namespace tpu {
 
@@ -194,21 +194,21 @@ class TPUEditor {
     void command_mode();
     void prompt_find();
 
-    // keys/default_keys.cc
+    // editor/default_keys.cc
     // Lists that hold the map that was called so hold the new one afterwards.
     KeyMap* create_key_map(const std::string& name);
     KeyMapList* create_key_map_list(const std::string& name, KeyMap* first);
     static int key_name_to_code(std::string_view name);  // kNoKey: no such key
     void define_default_keys();
 
-    // proc/spawn.cc
+    // editor/spawn.cc
     void def_endwin_then_run(const std::string& command);
 
-    // store/files.cc
+    // editor/files.cc
     void save_current();
     void save_as(const std::string& name);
 
-    // store/paste.cc
+    // editor/paste.cc
     void push_kill_ring(const LineStore& text);
     void cut_selection();
     void copy_selection();

@@ -7,10 +7,10 @@
 // another one through it: every session forgets what goes.
 #include <algorithm>
 
-#include "core/array.h"
 #include "editor/editor.h"
+#include "editor/process.h"
 #include "editor/undo_step.h"
-#include "proc/process.h"
+#include "value/array.h"
 
 namespace tpu {
 

@@ -1,6 +1,6 @@
 #include "editor/frame.h"
 
-#include "core/charset.h"
+#include "text/charset.h"
 
 namespace tpu {
 

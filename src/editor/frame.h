@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/attr.h"
+#include "text/attr.h"
 
 namespace tpu {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/charset.h"
+#include "text/charset.h"
 
 namespace tpu {
 

@@ -2,11 +2,11 @@
 
 #include <exception>
 
-#include "core/ascii.h"
-#include "core/short_memory.h"
 #include "editor/journal_mirror.h"
 #include "editor/undo_step.h"
+#include "os/short_memory.h"
 #include "store/journal.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

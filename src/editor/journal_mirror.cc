@@ -5,12 +5,12 @@
 #include <limits>
 #include <utility>
 
-#include "core/line_diff.h"
-#include "core/short_memory.h"
 #include "editor/copied_text.h"
 #include "editor/editor.h"
 #include "lang/stmt_text.h"
+#include "os/short_memory.h"
 #include "store/journal.h"
+#include "text/line_diff.h"
 
 namespace tpu {
 

@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-#include "core/buffer.h"
+#include "buffer/buffer.h"
 #include "editor/ports.h"
 
 namespace tpu {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/charset.h"
+#include "text/charset.h"
 
 namespace tpu {
 

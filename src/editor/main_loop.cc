@@ -1,11 +1,11 @@
 // The main loop: draw, wait for a key, serve processes and the timer, act.
 #include <algorithm>
 
-#include "app/terminal_state.h"
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
 #include "editor/recovery.h"
 #include "lang/nesting.h"
+#include "os/terminal_state.h"
 #include "store/open_files.h"
 
 namespace tpu {

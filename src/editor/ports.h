@@ -6,9 +6,9 @@
 #include <string>
 #include <thread>
 
-#include "core/descriptor.h"
 #include "editor/frame.h"
 #include "keys/key_code.h"
+#include "os/descriptor.h"
 
 namespace tpu {
 

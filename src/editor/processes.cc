@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "editor/editor.h"
-#include "proc/process.h"
+#include "editor/process.h"
 
 namespace tpu {
 

@@ -4,9 +4,9 @@
 #include <ctime>
 #include <vector>
 
-#include "core/short_memory.h"
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
+#include "os/short_memory.h"
 #include "store/journal.h"
 #include "store/old_text.h"
 #include "store/recovery_files.h"

@@ -1,6 +1,6 @@
 #include "editor/status_line.h"
 
-#include "core/buffer.h"
+#include "buffer/buffer.h"
 
 namespace tpu {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <exception>
 
-#include "core/short_memory.h"
 #include "editor/editor.h"
+#include "os/short_memory.h"
 
 namespace tpu {
 

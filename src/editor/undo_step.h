@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "core/buffer.h"
+#include "buffer/buffer.h"
 
 namespace tpu {
 

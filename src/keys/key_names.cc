@@ -1,7 +1,7 @@
 #include "keys/key_names.h"
 
-#include "core/ascii.h"
 #include "keys/key_code.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "core/ascii.h"
 #include "lang/source.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

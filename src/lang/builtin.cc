@@ -1,8 +1,8 @@
 #include "lang/builtin.h"
 
-#include "core/ascii.h"
 #include "lang/compile.h"
 #include "lang/parser.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/value.h"
 #include "lang/code.h"
+#include "value/value.h"
 
 namespace tpu {
 

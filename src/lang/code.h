@@ -12,8 +12,8 @@
 #include <string_view>
 #include <vector>
 
-#include "core/value.h"
 #include "lang/symbols.h"
+#include "value/value.h"
 
 namespace tpu {
 

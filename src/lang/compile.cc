@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/ascii.h"
-#include "core/fresh_stack.h"
 #include "lang/builtin.h"
 #include "lang/nodes.h"
 #include "lang/source.h"
 #include "lang/words.h"
+#include "os/fresh_stack.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

@@ -1,9 +1,9 @@
 // From the text of a statement to its code.
-#include "core/ascii.h"
 #include "lang/builtin.h"
 #include "lang/compile.h"
 #include "lang/nodes.h"
 #include "lang/source.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

@@ -1,7 +1,6 @@
 // Running statements and blocks of them.
 #include <algorithm>
 
-#include "core/array.h"
 #include "editor/editor.h"
 #include "editor/journal_entry.h"
 #include "editor/undo_step.h"
@@ -10,6 +9,7 @@
 #include "lang/nesting.h"
 #include "lang/nodes.h"
 #include "lang/parser.h"
+#include "value/array.h"
 
 namespace tpu {
 

@@ -1,8 +1,8 @@
 // Running code inside of running code.
 #pragma once
 
-#include "core/fresh_stack.h"
 #include "lang/parser.h"
+#include "os/fresh_stack.h"
 
 namespace tpu {
 

@@ -12,12 +12,12 @@
 #include <string_view>
 #include <vector>
 
-#include "core/value.h"
-#include "core/work.h"
 #include "lang/code_cache.h"
 #include "lang/stmt.h"
 #include "lang/symbols.h"
+#include "os/work.h"
 #include "pattern/pattern.h"
+#include "value/value.h"
 
 namespace tpu {
 

@@ -1,9 +1,9 @@
 // How the interpreter reads source text; the work is done in parts of its own.
-#include "core/ascii.h"
 #include "lang/block_parser.h"
 #include "lang/parser.h"
 #include "lang/source.h"
 #include "pattern/pattern_text.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

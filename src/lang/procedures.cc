@@ -1,7 +1,6 @@
 // Source texts and procedures.
 #include <algorithm>
 
-#include "core/ascii.h"
 #include "lang/block_parser.h"
 #include "lang/compile.h"
 #include "lang/deeper.h"
@@ -9,6 +8,7 @@
 #include "lang/nodes.h"
 #include "lang/parser.h"
 #include "lang/source.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

@@ -2,13 +2,13 @@
 #include <array>
 #include <limits>
 
-#include "core/array.h"
 #include "lang/builtin.h"
 #include "lang/compile.h"
 #include "lang/deeper.h"
 #include "lang/nodes.h"
 #include "lang/parser.h"
 #include "pattern/join.h"
+#include "value/array.h"
 
 namespace tpu {
 

@@ -1,6 +1,6 @@
 #include "lang/source.h"
 
-#include "core/ascii.h"
+#include "text/ascii.h"
 
 namespace tpu::source {
 

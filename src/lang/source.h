@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/call_text.h"
+#include "value/call_text.h"
 
 namespace tpu::source {
 

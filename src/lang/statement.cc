@@ -1,7 +1,6 @@
 // Running one plain statement: an assignment, a declaration, a call.
 #include <algorithm>
 
-#include "core/ascii.h"
 #include "editor/editor.h"
 #include "editor/journal_entry.h"
 #include "editor/undo_step.h"
@@ -10,6 +9,7 @@
 #include "lang/nesting.h"
 #include "lang/parser.h"
 #include "lang/source.h"
+#include "text/ascii.h"
 
 namespace tpu {
 

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/value.h"
+#include "value/value.h"
 
 namespace tpu {
 

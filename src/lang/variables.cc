@@ -1,6 +1,6 @@
 // Variables and recorded errors.
-#include "core/array.h"
 #include "lang/parser.h"
+#include "value/array.h"
 
 namespace tpu {
 

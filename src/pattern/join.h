@@ -1,8 +1,8 @@
 // Patterns out of values: what + and & make of strings and patterns.
 #pragma once
 
-#include "core/value.h"
 #include "pattern/pattern.h"
+#include "value/value.h"
 
 namespace tpu {
 

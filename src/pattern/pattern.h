@@ -13,8 +13,8 @@
 #include <string_view>
 #include <vector>
 
-#include "core/line_store.h"
-#include "core/position.h"
+#include "text/line_store.h"
+#include "text/position.h"
 
 namespace tpu {
 

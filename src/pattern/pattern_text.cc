@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/ascii.h"
-#include "core/call_text.h"
-#include "core/value.h"
+#include "text/ascii.h"
+#include "value/call_text.h"
+#include "value/value.h"
 
 namespace tpu {
 

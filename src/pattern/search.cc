@@ -1,7 +1,7 @@
 // The searches of a buffer.
 #include <algorithm>
 
-#include "core/buffer.h"
+#include "buffer/buffer.h"
 #include "pattern/match_buffer.h"
 #include "pattern/match_line.h"
 

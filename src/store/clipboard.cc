@@ -9,9 +9,9 @@
 #include <cerrno>
 #include <thread>
 
-#include "core/held_signal.h"
-#include "proc/child.h"
-#include "store/file_io.h"
+#include "os/child.h"
+#include "os/file_io.h"
+#include "os/held_signal.h"
 
 namespace tpu {
 

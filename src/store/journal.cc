@@ -9,11 +9,11 @@
 #include <cstring>
 #include <utility>
 
-#include "core/buffer.h"
-#include "core/held_signal.h"
-#include "core/system_calls.h"
+#include "buffer/buffer.h"
 #include "lang/stmt_text.h"
-#include "store/file_io.h"
+#include "os/file_io.h"
+#include "os/held_signal.h"
+#include "os/system_calls.h"
 #include "store/journal_reader.h"
 
 namespace tpu {

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "store/file_io.h"
+#include "os/file_io.h"
 #include "store/journal.h"
 
 namespace tpu {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/descriptor.h"
+#include "os/descriptor.h"
 
 namespace tpu {
 

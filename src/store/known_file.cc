@@ -1,10 +1,10 @@
 // What a buffer knows of its file, so that no save destroys what it never held.
 #include <cerrno>
 
-#include "core/buffer.h"
-#include "store/file_names.h"
-#include "store/file_traits.h"
-#include "store/input_file.h"
+#include "buffer/buffer.h"
+#include "os/file_names.h"
+#include "os/file_traits.h"
+#include "os/input_file.h"
 
 namespace tpu {
 

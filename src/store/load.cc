@@ -2,8 +2,8 @@
 #include <cerrno>
 #include <utility>
 
-#include "core/buffer.h"
-#include "store/input_file.h"
+#include "buffer/buffer.h"
+#include "os/input_file.h"
 #include "store/read_file.h"
 
 namespace tpu {

@@ -6,9 +6,9 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "core/charset.h"
-#include "core/stable_hash.h"
-#include "store/file_io.h"
+#include "os/file_io.h"
+#include "text/charset.h"
+#include "text/stable_hash.h"
 
 namespace tpu {
 

@@ -8,11 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "core/system_calls.h"
-#include "store/file_io.h"
+#include "os/file_io.h"
+#include "os/system_calls.h"
+#include "os/trust.h"
 #include "store/names_beside.h"
 #include "store/recovery_files.h"
-#include "store/trust.h"
 
 namespace tpu {
 

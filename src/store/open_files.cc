@@ -7,10 +7,10 @@
 #include <functional>
 #include <limits>
 
-#include "store/file_io.h"
-#include "store/file_names.h"
+#include "os/file_io.h"
+#include "os/file_names.h"
+#include "os/trust.h"
 #include "store/recovery_files.h"
-#include "store/trust.h"
 
 namespace tpu {
 

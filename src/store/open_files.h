@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "core/buffer.h"
-#include "core/descriptor.h"
+#include "buffer/buffer.h"
+#include "os/descriptor.h"
 
 namespace tpu {
 

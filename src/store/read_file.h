@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "core/line_store.h"
-#include "store/input_file.h"
+#include "os/input_file.h"
+#include "text/line_store.h"
 
 namespace tpu {
 

@@ -14,16 +14,16 @@
 #include <filesystem>
 #include <utility>
 
-#include "core/ascii.h"
-#include "core/buffer.h"
-#include "core/held_signal.h"
-#include "core/stable_hash.h"
-#include "core/system_calls.h"
-#include "store/file_io.h"
-#include "store/file_names.h"
+#include "buffer/buffer.h"
+#include "os/file_io.h"
+#include "os/file_names.h"
+#include "os/held_signal.h"
+#include "os/system_calls.h"
+#include "os/trust.h"
 #include "store/journal.h"
 #include "store/journal_reader.h"
-#include "store/trust.h"
+#include "text/ascii.h"
+#include "text/stable_hash.h"
 
 namespace tpu {
 

@@ -19,9 +19,9 @@
 #include <string_view>
 #include <vector>
 
-#include "core/descriptor.h"
-#include "core/line_store.h"
+#include "os/descriptor.h"
 #include "store/saved_text.h"
+#include "text/line_store.h"
 
 namespace tpu {
 

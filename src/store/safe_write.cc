@@ -10,11 +10,11 @@
 #include <optional>
 #include <utility>
 
-#include "core/held_signal.h"
-#include "core/system_calls.h"
-#include "store/file_io.h"
-#include "store/file_names.h"
-#include "store/file_traits.h"
+#include "os/file_io.h"
+#include "os/file_names.h"
+#include "os/file_traits.h"
+#include "os/held_signal.h"
+#include "os/system_calls.h"
 #include "store/names_beside.h"
 #include "store/old_text.h"
 #include "store/temp_file.h"

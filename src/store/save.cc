@@ -3,9 +3,9 @@
 #include <functional>
 #include <utility>
 
-#include "core/buffer.h"
-#include "core/short_memory.h"
-#include "store/file_io.h"
+#include "buffer/buffer.h"
+#include "os/file_io.h"
+#include "os/short_memory.h"
 #include "store/safe_write.h"
 #include "store/saved_text.h"
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "core/line_store.h"
+#include "text/line_store.h"
 
 namespace tpu {
 

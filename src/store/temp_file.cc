@@ -10,9 +10,9 @@
 #include <filesystem>
 #include <utility>
 
-#include "core/stable_hash.h"
-#include "core/system_calls.h"
+#include "os/system_calls.h"
 #include "store/names_beside.h"
+#include "text/stable_hash.h"
 
 namespace tpu {
 

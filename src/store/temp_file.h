@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "store/file_io.h"
+#include "os/file_io.h"
 
 namespace tpu {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "core/line_diff.h"
 #include "lang/stmt_text.h"
+#include "text/line_diff.h"
 
 namespace tpu {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/line_store.h"
+#include "text/line_store.h"
 
 namespace tpu {
 

@@ -15,7 +15,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "core/charset.h"
+#include "text/charset.h"
 
 namespace tpu {
 

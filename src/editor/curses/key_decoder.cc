@@ -5,7 +5,7 @@
 #include <new>
 #include <utility>
 
-#include "core/short_memory.h"
+#include "os/short_memory.h"
 
 namespace tpu {
 

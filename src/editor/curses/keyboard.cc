@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "app/terminal_state.h"
+#include "os/terminal_state.h"
 
 namespace tpu {
 

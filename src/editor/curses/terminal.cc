@@ -12,8 +12,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/terminal_state.h"
 #include "editor/curses/key_table.h"
+#include "os/terminal_state.h"
 
 namespace tpu {
 

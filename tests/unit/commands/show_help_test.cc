@@ -5,15 +5,15 @@
 #include <set>
 #include <sstream>
 
-#include "app/version.h"
+#include "attributes/get_info_table.h"
+#include "attributes/set_table.h"
 #include "commands/command_words.h"
 #include "commands/help.h"
-#include "core/ascii.h"
+#include "editor/version.h"
 #include "keys/key_names.h"
-#include "lang/attributes/get_info_table.h"
-#include "lang/attributes/set_table.h"
 #include "lang/builtin.h"
 #include "support/session.h"
+#include "text/ascii.h"
 
 namespace tpu {
 namespace {

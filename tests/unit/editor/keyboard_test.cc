@@ -5,7 +5,7 @@
 #include <sys/select.h>
 #include <unistd.h>
 
-#include "proc/child.h"
+#include "os/child.h"
 
 namespace tpu {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <chrono>
 
+#include "editor/process.h"
 #include "keys/key_names.h"
-#include "proc/process.h"
 #include "support/session.h"
 
 namespace tpu {

@@ -6,7 +6,7 @@
 
 #include <random>
 
-#include "core/buffer.h"
+#include "buffer/buffer.h"
 
 namespace tpu {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "core/value.h"
 #include "pattern/join.h"
+#include "value/value.h"
 
 namespace tpu {
 namespace {

@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <optional>
 
-#include "core/buffer.h"
-#include "proc/child.h"
-#include "proc/process.h"
+#include "buffer/buffer.h"
+#include "editor/process.h"
+#include "os/child.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
 

@@ -15,9 +15,9 @@
 #include <random>
 #include <thread>
 
-#include "core/system_calls.h"
 #include "editor/recovery.h"
-#include "store/file_io.h"
+#include "os/file_io.h"
+#include "os/system_calls.h"
 #include "store/journal.h"
 #include "store/saved_text.h"
 #include "support/session.h"

@@ -5,9 +5,9 @@
 #include <cerrno>
 #include <functional>
 
-#include "core/buffer.h"
-#include "core/system_calls.h"
+#include "buffer/buffer.h"
 #include "editor/recovery.h"
+#include "os/system_calls.h"
 #include "store/journal.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"

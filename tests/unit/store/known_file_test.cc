@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "core/system_calls.h"
+#include "os/system_calls.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
 

@@ -8,10 +8,11 @@
 #include <fstream>
 #include <thread>
 
-#include "app/terminal_state.h"
-#include "core/buffer.h"
-#include "store/file_io.h"
+#include "buffer/buffer.h"
+#include "os/file_io.h"
+#include "os/terminal_state.h"
 #include "store/read_file.h"
+#include "text/text_block.h"
 #include "unit/store/temp_folder.h"
 
 namespace tpu {
@@ -169,7 +170,7 @@ TEST(Load, in_steps_has_zeros_for_what_the_file_has_lost_meanwhile) {
     Buffer buffer("B", "");
     ASSERT_TRUE(buffer.load_file(path, Buffer::Loading::in_steps));
     ASSERT_GT(buffer.loading_size, 0u);
-    handle_faults();
+    handle_faults(TextBlock::mend_fault);
     std::filesystem::resize_file(path, 100'000);
     EXPECT_EQ(buffer.lines.find("none of that", 0), std::nullopt);
     settle();

@@ -7,11 +7,11 @@
 
 #include <cerrno>
 
-#include "core/buffer.h"
-#include "core/system_calls.h"
+#include "buffer/buffer.h"
 #include "editor/recovery.h"
+#include "editor/section.h"
+#include "os/system_calls.h"
 #include "store/old_text.h"
-#include "store/section.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
 

@@ -5,10 +5,10 @@
 #include <random>
 #include <thread>
 
-#include "core/buffer.h"
-#include "core/charset.h"
-#include "store/file_traits.h"
+#include "buffer/buffer.h"
+#include "os/file_traits.h"
 #include "store/temp_file.h"
+#include "text/charset.h"
 #include "unit/store/temp_folder.h"
 #ifdef __linux__
 #include <sys/xattr.h>

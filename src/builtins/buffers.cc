@@ -1,0 +1,141 @@
+// Buffers and files, and deleting whatever there is.
+#include <algorithm>
+
+#include "builtins/common.h"
+#include "builtins/families.h"
+#include "editor/editor.h"
+#include "editor/process.h"
+#include "value/array.h"
+
+namespace tpu::builtins {
+
+namespace {
+
+using Type = Value::Type;
+
+Value get_buffer(Call& call) {
+    Buffer* buffer = call.editor.find_buffer(call.args.text(0));
+    return buffer ? Value::make_buffer(buffer) : tpu_unspecified();
+}
+
+// The file is loaded when there is one; in any case the buffer has its name.
+Value create_buffer(Call& call) {
+    std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
+    if (name.empty()) name = "untitled";
+    if (Buffer* buffer = call.editor.find_buffer(name)) return Value::make_buffer(buffer);
+    Buffer* buffer = call.editor.create_buffer(name, "");
+    if (call.args.count() > 1) {
+        std::string trouble = buffer->edit_file(call.args.text(1), Buffer::Loading::at_once,
+                                                call.editor.interrupted());
+        call.editor.tell_of_file(*buffer, trouble);
+    }
+    return Value::make_buffer(buffer);
+}
+
+void read_file(Call& call) {
+    std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
+    Buffer file("", "");
+    if (!file.load_file(name, Buffer::Loading::at_once, call.editor.interrupted())) {
+        return call.editor.set_message("READ_FILE: cannot open " + name);
+    }
+    call.buffer().copy_lines(file.lines, call.editor.charset);
+}
+
+bool write_range(const Range& range, const std::string& name) {
+    Buffer part("", name);
+    part.backup_on_write = range.buffer()->backup_on_write;
+    part.lines = range.buffer()->lines_of_range(range);
+    return part.write_file(name);
+}
+
+// WRITE_FILE(buffer or range [, name])
+void write_file(Call& call) {
+    const Value& what = call.args.value(0);
+    std::string name = call.args.count() > 1 ? call.args.text(1) : std::string();
+    std::string refusal;
+    bool written = false;
+    if (what.is(Type::range) && buffer_of(what)) {
+        if (name.empty()) name = "tpu_range_out.txt";
+        written = write_range(*what.range(), name);
+    } else {
+        Buffer* buffer = call.args.count() == 0 ? &call.buffer() : what.buffer();
+        if (!buffer) {
+            wrong_type(call, "a buffer or a range");
+            return;
+        }
+        if (name.empty()) name = buffer->file_name;
+        refusal = buffer->write_refusal(name);
+        written = buffer->write_file(name);
+    }
+    if (!refusal.empty()) refusal = ": " + name + " (" + refusal + ")";
+    call.editor.set_message(written ? "Wrote " + name : "Write failed" + refusal);
+}
+
+// After this no variable refers to the object that the value shares.
+template <class T>
+void forget_shared(Call& call, const std::shared_ptr<T>& object,
+                   std::shared_ptr<T> (Value::*share)() const) {
+    call.editor.forget_values([&](const Value& value) { return (value.*share)() == object; });
+}
+
+void delete_process(Call& call, const std::shared_ptr<TPUProcess>& process) {
+    call.editor.dismiss_process(process);
+    forget_shared(call, process, &Value::process);
+}
+
+void delete_array(Call& call, const std::shared_ptr<TPUArray>& array) {
+    forget_shared(call, array, &Value::array);
+    array->deleted = true;
+}
+
+void delete_buffer(Call& call, Buffer* buffer) {
+    if (!buffer) return;
+    if (buffer->permanent) return call.editor.set_message("A permanent buffer cannot be deleted");
+    std::string name = buffer->name;
+    bool done = call.editor.delete_buffer(buffer);
+    call.editor.set_message(done ? "Deleted buffer " + name : "The last buffer cannot be deleted");
+}
+
+// Without an argument: what the command of that name does.
+void delete_object(Call& call) {
+    if (call.args.count() == 0) return call.editor.execute_command("DELETE");
+    const Value value = call.args.value(0);
+    switch (value.type()) {
+        case Type::buffer: return delete_buffer(call, value.buffer());
+        case Type::window: return call.editor.delete_window(value.window());
+        case Type::array: return delete_array(call, value.array());
+        case Type::process: return delete_process(call, value.process());
+        case Type::marker:
+            forget_shared(call, value.marker(), &Value::marker);
+            *value.marker() = Marker();
+            break;
+        case Type::range:
+            forget_shared(call, value.range(), &Value::range);
+            *value.range() = Range();
+            break;
+        default: wrong_type(call, "a buffer, window, array, marker, range or process");
+    }
+}
+
+// clang-format off
+constexpr Builtin kRows[] = {
+    {.name = "GET_BUFFER", .statement = shown<get_buffer>, .function = get_buffer, .least = 1, .most = 1, .form = "GET_BUFFER(name)",
+     .help = "The buffer of that name; unspecified without one."},
+    {.name = "CREATE_BUFFER", .function = create_buffer, .most = 2, .form = "CREATE_BUFFER(name [, file])",
+     .help = "The buffer of that name, which is made, and loaded from the file, when there is none."},
+    {.name = "READ_FILE", .statement = read_file, .least = 1, .most = 1, .form = "READ_FILE(file)",
+     .help = "Insert the text of a file at the cursor."},
+    {.name = "WRITE_FILE", .statement = write_file, .most = 2, .form = "WRITE_FILE(buffer or range [, file])",
+     .help = "Write a text to a file, a buffer's own without one."},
+    {.name = "DELETE", .statement = delete_object, .most = 1, .form = "DELETE[(object)]",
+     .help = "Delete a buffer, window, array, marker, range or process; without one, the selection or the character at the cursor."},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const Builtin> buffers() {
+    return kRows;
+}
+
+}  // namespace tpu::builtins

@@ -1,0 +1,49 @@
+// The system's clipboard.
+#include "store/clipboard.h"
+
+#include "builtins/families.h"
+#include "editor/editor.h"
+
+namespace tpu::builtins {
+
+namespace {
+
+void write_clipboard(Call& call) {
+    std::string text = call.args.count() > 0 ? call.args.text(0) : call.buffer().paste_text.text();
+    // Deliberate: a failure is not reported.
+    (void)clipboard_write_system(text);
+}
+
+void read_clipboard(Call& call) {
+    std::string text;
+    if (!clipboard_read_system(text)) {
+        call.editor.set_message("Clipboard read failed (install pbpaste/xclip/wl-paste)");
+        return;
+    }
+    call.buffer().paste_text = LineStore::from_text(text);
+    call.editor.set_message("Read " + std::to_string(text.size()) + " chars from clipboard");
+}
+
+Value clipboard_text(Call&) {
+    std::string text;
+    return clipboard_read_system(text) ? Value::make_str(text) : tpu_unspecified();
+}
+
+// clang-format off
+constexpr Builtin kRows[] = {
+    {.name = "WRITE_CLIPBOARD", .statement = write_clipboard, .most = 1, .form = "WRITE_CLIPBOARD[(text)]",
+     .help = "Put a text on the system's clipboard; without one, what was last cut or copied in the buffer."},
+    {.name = "READ_CLIPBOARD", .statement = read_clipboard, .function = clipboard_text, .bare = true,
+     .form = "READ_CLIPBOARD", .help = "The text on the system's clipboard; as a statement, the buffer's next paste."},
+    {.name = "GET_CLIPBOARD", .statement = read_clipboard, .function = clipboard_text,
+     .form = "GET_CLIPBOARD()", .help = "The text on the system's clipboard; as a statement, the buffer's next paste."},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const Builtin> clipboard() {
+    return kRows;
+}
+
+}  // namespace tpu::builtins

@@ -1,0 +1,45 @@
+// What handlers of several families share.
+#pragma once
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+#include "lang/builtin.h"
+#include "os/work.h"
+#include "pattern/pattern.h"
+
+namespace tpu::builtins {
+
+// A count for the buffer's motions, which take an int: what is larger goes as far as
+// that does.
+inline int bounded(long long n) {
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(std::clamp<long long>(n, -Limits::max(), Limits::max()));
+}
+
+// Records that an argument has a type that the built-in cannot use, and shows it when
+// the call is a statement; gives the unspecified value.
+Value wrong_type(Call& call, std::string_view wanted);
+
+// Records, and shows when the call is a statement, that a piece of work would have made a
+// text too large; Ctrl-C has been told of already.
+void tell_of_end(Call& call, const Work& work);
+
+// The statement form of a function: its value as a message.
+void show_value(Call& call, const Value& value);
+
+template <Value (*function)(Call&)>
+void shown(Call& call) {
+    show_value(call, function(call));
+}
+
+// The buffer that a value names: a buffer, or the one of a window, marker or range;
+// null for any other value.
+Buffer* buffer_of(const Value& value);
+
+// The pattern that an argument is: a pattern, a text to be found as it stands, or,
+// for anything else, what the argument's own text says.
+TPUPattern pattern_argument(Args& args, std::size_t i, std::string_view written);
+
+}  // namespace tpu::builtins

@@ -1,0 +1,227 @@
+// Changing text: lines, characters, case, selections and what was cut.
+#include <algorithm>
+
+#include "builtins/common.h"
+#include "builtins/families.h"
+#include "editor/editor.h"
+#include "editor/undo_step.h"
+#include "text/ascii.h"
+
+namespace tpu::builtins {
+
+namespace {
+
+// The buffer of a value, which is to be changed: a step that fails puts it back.
+Buffer* buffer_to_change(Call& call, const Value& value) {
+    Buffer* buffer = buffer_of(value);
+    if (buffer && call.editor.undo_step) call.editor.undo_step->protect(*buffer);
+    return buffer;
+}
+
+void erase_character(Call& call) {
+    call.buffer().erase_n_characters(bounded(call.args.number(0)));
+}
+
+void shift(Call& call) {
+    Args& args = call.args;
+    Buffer* target = &call.buffer();
+    if (args.count() >= 2) {
+        const Value& where = args.value(0);
+        bool names_one = where.is(Value::Type::window) || where.is(Value::Type::buffer);
+        if (names_one && buffer_of(where)) target = buffer_to_change(call, where);
+    }
+    Work work = call.parser.interruptible();
+    target->shift_columns(args.count() > 0 ? bounded(args.number(args.count() - 1)) : 0, &work);
+    tell_of_end(call, work);
+}
+
+void fill(Call& call) {
+    Buffer& buffer = call.buffer();
+    std::optional<Range> selection = buffer.select_range();
+    if (!selection) return call.editor.set_message("FILL needs a range");
+    Work work = call.parser.interruptible();
+    buffer.fill_range(*selection, buffer.left_margin, buffer.right_margin, &work);
+    tell_of_end(call, work);
+}
+
+Buffer::Case case_mode(Args& args) {
+    std::string word = ascii::upper(args.text(1));
+    if (word == "UPPER") return Buffer::Case::upper;
+    return word == "LOWER" ? Buffer::Case::lower : Buffer::Case::invert;
+}
+
+void change_case(Call& call) {
+    const Value& target = call.args.value(0);
+    Buffer* buffer = buffer_to_change(call, target);
+    if (!buffer) return;
+    Work work = call.parser.interruptible();
+    if (target.is(Value::Type::range)) {
+        buffer->change_case_range(*target.range(), case_mode(call.args), &work);
+    } else if (target.is(Value::Type::buffer)) {
+        buffer->change_case_buffer(case_mode(call.args), &work);
+    }
+}
+
+void translate(Call& call) {
+    const Value& target = call.args.value(0);
+    Buffer* buffer = buffer_to_change(call, target);
+    if (!buffer) return;
+    std::string from = call.args.text(1), to = call.args.text(2);
+    Work work = call.parser.interruptible();
+    if (target.is(Value::Type::range)) {
+        buffer->translate_range(*target.range(), from, to, &work);
+    } else if (target.is(Value::Type::buffer)) {
+        buffer->translate(from, to, &work);
+    }
+}
+
+void erase(Call& call) {
+    const Value& what = call.args.value(0);
+    if (!what.is(Value::Type::range)) return;
+    if (Buffer* buffer = buffer_to_change(call, what)) buffer->erase_range(*what.range());
+}
+
+// REPLACE_TEXT(offset, count, text); negative numbers count as 0.
+void replace_text(Call& call) {
+    auto bytes = [&](std::size_t i) {
+        return static_cast<std::uint64_t>(std::max(0LL, call.args.number(i)));
+    };
+    const std::uint64_t offset = bytes(0), count = bytes(1);
+    call.buffer().replace_text(offset, count, LineStore::from_text(call.args.text(2)));
+}
+
+Range insert(Call& call, std::string_view text) {
+    Work work = call.parser.interruptible();
+    Range inserted = call.buffer().copy_text(text, call.editor.charset, &work);
+    tell_of_end(call, work);
+    return inserted;
+}
+
+// The inserted text as a range.
+Value copy_text_range(Call& call) {
+    return Value::make_range(insert(call, call.args.text(0)));
+}
+
+void copy_text(Call& call) {
+    if (call.args.count() == 0) return;
+    if (ascii::upper(call.args.whole()) == "SELECT_RANGE") return call.editor.copy_selection();
+    const Value& text = call.args.value(0);
+    if (text.is(Value::Type::string)) {
+        insert(call, text.text());
+    } else {
+        insert(call, text.as_string());
+    }
+}
+
+void show_selection(Call& call) {
+    bool active = call.buffer().select_range().has_value();
+    call.editor.set_message(active ? "SELECT_RANGE active" : "No SELECT active");
+}
+
+Value select_range(Call& call) {
+    std::optional<Range> selection = call.buffer().select_range();
+    return selection ? Value::make_range(*selection) : tpu_unspecified();
+}
+
+void set_mark(Call& call) {
+    call.buffer().select();
+    call.editor.set_message(call.buffer().free_cursor ? "MARK (FREE_CURSOR) set" : "MARK set");
+}
+
+Value mark(Call& call) {
+    bool free = ascii::upper(call.args.text(0)) == "FREE_CURSOR";
+    return Value::make_marker(call.buffer().mark(free));
+}
+
+void undo(Call& call) {
+    call.editor.set_message(tpu::undo(call.editor) ? "Undone" : "Nothing to undo");
+}
+
+void redo(Call& call) {
+    call.editor.set_message(tpu::redo(call.editor) ? "Redone" : "Nothing to redo");
+}
+
+void store_paste(Call& call) {
+    if (call.args.count() == 0) return call.editor.set_message("STORE_PASTE(name)");
+    call.editor.store_named_paste(call.args.text(0));
+}
+
+void recall_paste(Call& call) {
+    if (call.args.count() == 0) return call.editor.set_message("RECALL_PASTE(name)");
+    call.editor.recall_named_paste(call.args.text(0), true);
+}
+
+// The text that is kept under a name.
+Value named_paste(Call& call) {
+    auto found = call.editor.named_pastes.find(ascii::upper(call.args.text(0)));
+    if (found == call.editor.named_pastes.end()) return tpu_unspecified();
+    return Value::make_str(found->second.text());
+}
+
+Value store_paste_value(Call& call) {
+    store_paste(call);
+    return named_paste(call);
+}
+
+// clang-format off
+constexpr Builtin kRows[] = {
+    {.name = "SHIFT", .statement = shift, .least = 1, .most = 2,
+     .form = "SHIFT([window or buffer,] columns)",
+     .help = "Shift the lines of the buffer right, or left by a negative number."},
+    {.name = "SPLIT_LINE", .statement = [](Call& c) { c.buffer().split_line(); },
+     .form = "SPLIT_LINE", .help = "Split the line at the cursor."},
+    {.name = "APPEND_LINE", .statement = [](Call& c) { c.buffer().append_line(); },
+     .form = "APPEND_LINE", .help = "Append the cursor line to the line above."},
+    {.name = "ERASE_LINE", .statement = [](Call& c) { c.buffer().erase_line(); },
+     .form = "ERASE_LINE", .help = "Remove the cursor line."},
+    {.name = "ERASE_CHARACTER", .statement = erase_character, .least = 1, .most = 1,
+     .form = "ERASE_CHARACTER(n)", .help = "Erase characters at the cursor, or to the left of it for a negative number."},
+    {.name = "FILL", .statement = fill, .most = Builtin::kAny,
+     .form = "FILL", .help = "Fill the selected lines between the margins."},
+    {.name = "CHANGE_CASE", .statement = change_case, .least = 1, .most = 2,
+     .form = "CHANGE_CASE(buffer or range [, UPPER or LOWER or INVERT])",
+     .help = "Change the case of letters; without a word, each to the other case."},
+    {.name = "TRANSLATE", .statement = translate, .least = 3, .most = 3,
+     .form = "TRANSLATE(buffer or range, from, to)",
+     .help = "Replace each character of one text by the one at the same place of the other."},
+    {.name = "SELECT", .statement = [](Call& c) { c.buffer().select(); },
+     .form = "SELECT", .help = "Begin a selection at the cursor."},
+    {.name = "SELECT_RANGE", .statement = show_selection, .function = select_range, .bare = true,
+     .form = "SELECT_RANGE", .help = "Tell whether there is a selection; as a function, its range."},
+    {.name = "MOVE_TEXT", .statement = [](Call& c) { c.editor.cut_selection(); }, .most = Builtin::kAny,
+     .form = "MOVE_TEXT", .help = "Move the selection to the paste register."},
+    {.name = "COPY_TEXT", .statement = copy_text, .function = copy_text_range, .most = 1,
+     .form = "COPY_TEXT(text or SELECT_RANGE)",
+     .help = "Insert the text at the cursor, or copy the selection to the paste register."},
+    {.name = "REPLACE_TEXT", .statement = replace_text, .least = 3, .most = 3,
+     .form = "REPLACE_TEXT(offset, count, text)",
+     .help = "Put a text in the place of so many bytes behind so many others, whatever the modes are; the cursor goes behind it."},
+    {.name = "ERASE", .statement = erase, .least = 1, .most = 1,
+     .form = "ERASE(range)", .help = "Erase the text of a range."},
+    {.name = "LINE_BEGIN", .statement = [](Call& c) { c.buffer().cursor_column = 0; },
+     .function = [](Call&) { return Value::make_pattern({{{TPUPatternToken::kLineBegin, "", 0, 0}}, false}); },
+     .bare = true, .form = "LINE_BEGIN",
+     .help = "Go to the beginning of the line; as a function, the pattern that matches there."},
+    {.name = "LINE_END", .statement = [](Call& c) { c.buffer().cursor_column = c.buffer().line_length(); },
+     .function = [](Call&) { return Value::make_pattern({{{TPUPatternToken::kLineEnd, "", 0, 0}}, false}); },
+     .bare = true, .form = "LINE_END",
+     .help = "Go to the end of the line; as a function, the pattern that matches there."},
+    {.name = "STORE_PASTE", .statement = store_paste, .function = store_paste_value, .least = 1, .most = 1,
+     .form = "STORE_PASTE(name)", .help = "Keep the text that was cut or copied last under a name."},
+    {.name = "RECALL_PASTE", .statement = recall_paste, .function = named_paste, .least = 1, .most = 1,
+     .form = "RECALL_PASTE(name)", .help = "Insert the text kept under a name; as a function, that text."},
+    {.name = "MARK", .statement = set_mark, .function = mark, .bare = true, .most = 1,
+     .form = "MARK[(FREE_CURSOR)]",
+     .help = "Begin a selection at the cursor; as a function, the marker of the cursor's place."},
+    {.name = "UNDO", .statement = undo, .form = "UNDO", .help = "Undo what the running statement has changed, or else the last step."},
+    {.name = "REDO", .statement = redo, .form = "REDO", .help = "Do again what was undone last."},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const Builtin> editing() {
+    return kRows;
+}
+
+}  // namespace tpu::builtins

@@ -1,0 +1,94 @@
+// Journals: keeping one, and running one after a crash.
+#include "store/journal.h"
+
+#include <filesystem>
+
+#include "builtins/families.h"
+#include "editor/editor.h"
+#include "editor/journal_mirror.h"
+#include "editor/recovery.h"
+#include "os/trust.h"
+#include "store/text_changes.h"
+#include "text/ascii.h"
+
+namespace tpu::builtins {
+
+namespace {
+
+bool is_empty_journal(const std::string& path) {
+    std::error_code unknown;
+    return std::filesystem::file_size(path, unknown) <= kJournalHeader;
+}
+
+// Whoever replays the journal of a saved text has what loading its file gives, and the
+// cursor at its begin.
+void record_start(JournalMirror& mirror, const Buffer& buffer) {
+    if (buffer.modified || buffer.file_name.empty()) return;
+    const std::vector<std::string> changes = text_changes(buffer.saved_lines, buffer.lines);
+    for (const std::string& statement : changes) mirror.record(statement);
+    const std::uint64_t place = buffer.current_offset_in_line();
+    if (place > 0 || !changes.empty()) mirror.record(text_place(place));
+}
+
+// JOURNAL_OPEN(file [, "TEXT" or "BINARY"])
+void journal_open(Call& call) {
+    // A replay makes no journals behind the user's back.
+    if (!call.parser.replayed_journals.empty()) return;
+    std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
+    std::string format = call.args.count() > 1 ? ascii::upper(call.args.text(1)) : "BINARY";
+    if (format != "TEXT" && format != "BINARY") {
+        return call.editor.set_message("JOURNAL_OPEN: the format is TEXT or BINARY");
+    }
+    bool binary = format == "BINARY";
+    std::string note;
+    bool opened = call.args.count() > 0 && tpu_journal_open(call.buffer(), name, binary, note);
+    if (!note.empty()) call.editor.set_message(note);
+    if (!opened) return call.editor.set_message("JOURNAL_OPEN: cannot write " + name);
+    JournalMirror& mirror = mirror_of(call.buffer());  // what else the statement does counts too
+    if (is_empty_journal(name)) record_start(mirror, call.buffer());
+    call.editor.set_message((binary ? "Journaling (binary TPJB) to " : "Journaling (text) to ") +
+                            name);
+}
+
+void journal_close(Call& call) {
+    tpu_journal_close(call.buffer());
+}
+
+// Without a name: the work that a session which came to no good end has left behind.
+void recover_buffer(Call& call) {
+    if (call.args.count() == 0) {
+        return call.editor.set_message(call.editor.recovery
+                                           ? call.editor.recovery->recover(call.buffer())
+                                           : "RECOVER_BUFFER(file)");
+    }
+    std::string name = call.args.text(0);
+    const std::string distrust = distrust_of_file(name);
+    if (!distrust.empty()) {
+        return call.editor.set_message("RECOVER_BUFFER: cannot open " + name + ": " + distrust);
+    }
+    std::string trouble;
+    bool opened = tpu_journal_recover(call.parser, name, &trouble);
+    if (!trouble.empty()) return call.editor.set_message("RECOVER_BUFFER: " + trouble);
+    call.editor.set_message((opened ? "RECOVER_BUFFER replayed " : "RECOVER_BUFFER: cannot open ") +
+                            name);
+}
+
+// clang-format off
+constexpr Builtin kRows[] = {
+    {.name = "JOURNAL_OPEN", .statement = journal_open, .least = 1, .most = 2,
+     .form = "JOURNAL_OPEN(file [, \"TEXT\" or \"BINARY\"])",
+     .help = "Record what runs in the buffer in a file, behind what is there, for RECOVER_BUFFER."},
+    {.name = "JOURNAL_CLOSE", .statement = journal_close, .form = "JOURNAL_CLOSE",
+     .help = "End the recording of the buffer; the file stays."},
+    {.name = "RECOVER_BUFFER", .statement = recover_buffer, .most = 1, .form = "RECOVER_BUFFER[(file)]",
+     .help = "Run again what a journal holds, on the text that there was when it began; without one, bring back unsaved work on the buffer's file."},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const Builtin> journal() {
+    return kRows;
+}
+
+}  // namespace tpu::builtins

@@ -1,0 +1,69 @@
+// Learn sequences: statements recorded as they run, to be run again.
+#include "builtins/common.h"
+#include "builtins/families.h"
+#include "editor/editor.h"
+
+namespace tpu::builtins {
+
+namespace {
+
+void learn_begin(Call& call) {
+    TPUEditor& editor = call.editor;
+    // Nor while one is replayed: nobody would end what it begins.
+    if (editor.learning || call.parser.is_replaying()) {
+        call.parser.record_error("TPU$_ONELEARN", editor.learning
+                                                      ? "A learn sequence is being recorded already"
+                                                      : "A learn sequence cannot begin another");
+        return editor.set_message(call.parser.error_text);
+    }
+    editor.learning = true;
+    editor.learn_keys = std::make_shared<std::vector<std::string>>();
+    editor.set_message("Learning... call LEARN_END or LEARN_ABORT");
+}
+
+Value learn_end(Call& call) {
+    TPUEditor& editor = call.editor;
+    editor.learning = false;
+    editor.set_message("LEARN_END");
+    if (!editor.learn_keys) return tpu_unspecified();
+    return Value::make_learn(editor.learn_keys);
+}
+
+void learn_abort(Call& call) {
+    call.editor.learning = false;
+    call.editor.learn_keys.reset();
+    call.editor.set_message("LEARN_ABORT");
+}
+
+// The statements, each on a line of its own.
+Value expand_learn(Call& call) {
+    std::shared_ptr<Value::Learn> learned = call.args.value(0).learn();
+    if (!learned) return wrong_type(call, "a learn sequence");
+    std::string text;
+    for (const std::string& statement : *learned) {
+        if (!text.empty()) text += '\n';
+        text += statement;
+    }
+    return Value::make_str(text);
+}
+
+// clang-format off
+constexpr Builtin kRows[] = {
+    {.name = "LEARN_BEGIN", .statement = learn_begin, .most = Builtin::kAny, .form = "LEARN_BEGIN",
+     .help = "Record the statements that follow."},
+    {.name = "LEARN_END", .function = learn_end, .bare = true, .form = "LEARN_END",
+     .help = "End recording; as a function, the learn sequence."},
+    {.name = "LEARN_ABORT", .statement = learn_abort, .form = "LEARN_ABORT",
+     .help = "End recording and forget what was recorded."},
+    {.name = "EXPAND_LEARN", .statement = shown<expand_learn>, .function = expand_learn, .least = 1, .most = 1, .form = "EXPAND_LEARN(sequence)",
+     .help = "The statements of a learn sequence as text, each on a line."},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const Builtin> learn() {
+    return kRows;
+}
+
+}  // namespace tpu::builtins

@@ -1,0 +1,80 @@
+// Subprocesses and commands of the shell.
+#include "builtins/families.h"
+#include "editor/editor.h"
+#include "editor/process.h"
+
+namespace tpu::builtins {
+
+namespace {
+
+using Process = std::shared_ptr<TPUProcess>;
+
+// The process that an argument is, or the one that was started last; null without any.
+Process target(Call& call, std::size_t i) {
+    const Value& value = call.args.value(i);
+    if (value.is(Value::Type::process)) return value.process();
+    return call.editor.processes.empty() ? nullptr : call.editor.processes.back();
+}
+
+void spawn(Call& call) {
+    call.editor.def_endwin_then_run(call.args.count() > 0 ? call.args.text(0) : std::string());
+}
+
+Value create_process(Call& call) {
+    TPUEditor& editor = call.editor;
+    if (call.args.count() == 0) {
+        editor.set_message("CREATE_PROCESS needs a command");
+        return tpu_unspecified();
+    }
+    std::string command = call.args.text(0);
+    Buffer* given = call.args.value(1).buffer();
+    auto process = std::make_shared<TPUProcess>();
+    if (!process->start(command, given ? given : &call.buffer(), editor.charset)) {
+        editor.set_message("CREATE_PROCESS failed");
+        return tpu_unspecified();
+    }
+    editor.processes.push_back(process);
+    editor.set_message("Process started (pid " + std::to_string(process->pid()) + ")");
+    return Value::make_process(std::move(process));
+}
+
+void send(Call& call) {
+    if (call.args.count() == 0) return;
+    std::string text = call.args.text(0) + "\n";
+    Process process = target(call, 1);
+    if (process) call.editor.send_text(*process, text);
+}
+
+void send_eof(Call& call) {
+    if (Process process = target(call, 0)) process->send_eof();
+}
+
+void attach(Call& call) {
+    Process process = target(call, 0);
+    if (!process) return call.editor.set_message("ATTACH: no process");
+    call.editor.attached_process = process;
+    call.editor.set_message("ATTACHED \u2014 type to process; Ctrl-Z detach, Ctrl-D EOF");
+}
+
+// clang-format off
+constexpr Builtin kRows[] = {
+    {.name = "SPAWN", .statement = spawn, .most = 1, .form = "SPAWN(command)",
+     .help = "Run a command of the shell on the whole screen."},
+    {.name = "CREATE_PROCESS", .function = create_process, .least = 1, .most = 2, .form = "CREATE_PROCESS(command [, buffer])",
+     .help = "Start a command of the shell whose output goes into a buffer, at its cursor."},
+    {.name = "SEND", .statement = send, .least = 1, .most = 2, .form = "SEND(text [, process])",
+     .help = "Give a process a line of input; without one, the process that was started last."},
+    {.name = "SEND_EOF", .statement = send_eof, .most = 1, .form = "SEND_EOF[(process)]",
+     .help = "End the input of a process."},
+    {.name = "ATTACH", .statement = attach, .most = 1, .form = "ATTACH[(process)]",
+     .help = "Send what is typed to a process until Ctrl-Z."},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const Builtin> processes() {
+    return kRows;
+}
+
+}  // namespace tpu::builtins

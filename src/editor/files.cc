@@ -1,0 +1,42 @@
+// Saving from the session, with its messages.
+#include "editor/editor.h"
+#include "os/file_traits.h"
+
+namespace tpu {
+
+namespace {
+
+void save(TPUEditor& editor, const std::string& file) {
+    Buffer& buffer = *editor.current_buffer;
+    std::string objection = buffer.no_write ? "" : buffer.write_refusal(file);
+    if (objection.empty() && !buffer.no_write) objection = buffer.doubt_about_saving(file);
+    if (!objection.empty()) {
+        return editor.set_message("Write failed: " + file + " (" + objection + ")");
+    }
+    // What was protected stays, as a backup.
+    const bool keeps_backup = buffer.backup_on_write;
+    buffer.backup_on_write = keeps_backup || is_read_only(file);
+    const bool written = buffer.write_file(file);
+    buffer.backup_on_write = keeps_backup;
+    // What was written stays so, even if there is no memory to say it.
+    enough_memory([&] {
+        const std::string note =
+            written && !buffer.save_note.empty() ? " (" + buffer.save_note + ")" : "";
+        editor.set_message((written ? "Written " : "Write failed: ") + file + note);
+    });
+}
+
+}  // namespace
+
+void TPUEditor::save_current() {
+    if (!current_buffer) return;
+    const std::string file = current_buffer->file_name;
+    file.empty() ? save_as(read_command_line("Write file: ")) : save(*this, file);
+}
+
+void TPUEditor::save_as(const std::string& name) {
+    if (!current_buffer) return;
+    name.empty() ? set_message("No file specified") : save(*this, name);
+}
+
+}  // namespace tpu

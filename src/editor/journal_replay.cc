@@ -1,0 +1,243 @@
+// Running a journal.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <tuple>
+
+#include "editor/editor.h"
+#include "editor/undo_step.h"
+#include "lang/nesting.h"
+#include "lang/parser.h"
+#include "os/file_io.h"
+#include "os/trust.h"
+#include "store/journal.h"
+#include "store/journal_reader.h"
+#include "text/ascii.h"
+
+namespace tpu {
+
+namespace {
+
+// Keeps variables as they are at its begin, to give them back at its end.
+template <class... T>
+class Kept {
+  public:
+    explicit Kept(T&... variables) : variables_(variables...), before_(variables...) {}
+    ~Kept() { variables_ = std::move(before_); }
+    Kept(const Kept&) = delete;
+    Kept& operator=(const Kept&) = delete;
+
+  private:
+    std::tuple<T&...> variables_;
+    std::tuple<T...> before_;
+};
+
+// The steps of undo of a buffer, laid aside: a replay begins without any, since it knows
+// only of those that it makes, and leaves none of its own behind.
+class StepsAside {
+  public:
+    explicit StepsAside(Buffer& buffer)
+        : buffer_(&buffer),
+          kept_(buffer.undo_stack, buffer.redo_stack, buffer.history_moves, buffer.last_restored) {
+        buffer.undo_stack.clear();
+        buffer.redo_stack.clear();
+    }
+    const Buffer* of() const { return buffer_; }  // which may be gone
+
+  private:
+    const Buffer* buffer_;
+    Kept<std::vector<Buffer::Snapshot>, std::vector<Buffer::Snapshot>, std::uint64_t,
+         Buffer::Snapshot>
+        kept_;
+};
+
+// The statements run as they once did: each an outermost one and a step of undo for those
+// that follow; all of them together are one step. What they say about journals, learning
+// and leaving the editor does not concern the session that replays them.
+class Replay {
+  public:
+    Replay(MiniTPUParser& run, JournalReader& reader)
+        : run_(run), editor_(run.editor), reader_(reader), step_(editor_) {
+        for (const auto& buffer : editor_.buffers) {
+            if (buffer->system) continue;
+            editor_.undo_step->watch(*buffer);
+            steps_aside_.push_back(std::make_unique<StepsAside>(*buffer));
+        }
+        step_under_way_ = std::exchange(editor_.undo_step, nullptr);
+    }
+    ~Replay() {
+        editor_.undo_step = step_under_way_;
+        for (const auto& steps : steps_aside_) {
+            if (!editor_.owns(steps->of())) step_under_way_->forget(steps->of());
+        }
+        // What the replay has made begins with its first step.
+        for (const auto& buffer : editor_.buffers) {
+            if (!step_under_way_->watches(*buffer) && buffer->undo_stack.size() > 1) {
+                buffer->undo_stack.resize(1);
+            }
+        }
+    }
+    Replay(const Replay&) = delete;
+    Replay& operator=(const Replay&) = delete;
+
+    void run_all() {
+        Kept session(editor_.running, editor_.exit_status, editor_.learning, editor_.learn_keys);
+        Kept code(run_.statement_depth, run_.unrecorded, run_.current_line);
+        editor_.learning = false;
+        run_.statement_depth = run_.unrecorded = run_.current_line = 0;
+        for (std::string statement; !run_.interrupted && reader_.next(statement); ++count_) {
+            run_one(statement);
+        }
+    }
+
+    void report() const {
+        editor_.set_message(std::to_string(count_) + (count_ == 1 ? " statement" : " statements") +
+                            " replayed; " + where_it_stopped());
+    }
+
+  private:
+    void run_one(const std::string& statement) {
+        UndoStep step(editor_);
+        run_.look_for_interrupt();
+        if (run_.interrupted) return;
+        run_.execute_whole(statement);
+        if (!run_.interrupted) run_.control_signal = Signal::none;
+    }
+
+    std::string where_it_stopped() const {
+        std::string byte = "byte " + std::to_string(reader_.record_start());
+        switch (reader_.end()) {
+            case JournalReader::End::none: return "interrupted at " + byte;
+            case JournalReader::End::of_file: return "the end of the journal was reached";
+            case JournalReader::End::cut_short: return "the record at " + byte + " is cut short";
+            case JournalReader::End::zero_length: return "the record at " + byte + " is empty";
+            case JournalReader::End::too_long: return "the record at " + byte + " is too long";
+            case JournalReader::End::unknown_version: return std::string(kUnknownJournalVersion);
+            case JournalReader::End::unreadable: break;
+        }
+        return "the journal cannot be read from " + byte + " on";
+    }
+
+    MiniTPUParser& run_;
+    TPUEditor& editor_;
+    JournalReader& reader_;
+    UndoStep step_;
+    UndoStep* step_under_way_ = nullptr;
+    std::vector<std::unique_ptr<StepsAside>> steps_aside_;
+    std::uint64_t count_ = 0;
+};
+
+// How it ended.
+JournalReader::End replay(MiniTPUParser& run, Descriptor file) {
+    Nesting nesting(run);
+    JournalReader reader(std::move(file));
+    Replay replay(run, reader);
+    Buffer* buffer = run.editor.current_buffer;
+    if (buffer) {
+        Kept journal(buffer->journaling, buffer->binary_journal, buffer->journal_file,
+                     buffer->journal_mirror);
+        replay.run_all();
+    } else {
+        replay.run_all();
+    }
+    replay.report();
+    return reader.end();
+}
+
+// What records of unsaved work consist of besides numbers and strings.
+bool is_word_of_editing(std::string_view word) {
+    constexpr std::string_view kWords[] = {
+        "REPLACE_TEXT",
+        "COPY_TEXT",
+        "SPLIT_LINE",
+        "ERASE_CHARACTER",
+        "TRANSLATE",
+        "FAO",
+        "MOVE_VERTICAL",
+        "MOVE_HORIZONTAL",
+        "SELECT",
+        "MOVE_TEXT",
+        "SET",
+        "INSERT",
+        "OVERSTRIKE",
+        "WRAP",
+        "NO_WRAP",
+        "REVERSE",
+        "FORWARD",
+        "FREE_CURSOR",
+        "ON",
+        "OFF",
+        "LEFT_MARGIN",
+        "RIGHT_MARGIN",
+    };
+    return std::find(std::begin(kWords), std::end(kWords), word) != std::end(kWords);
+}
+
+// True when nothing but such words, numbers and strings are in it, so that whatever it
+// says, it changes only text and cursor.
+bool only_edits(std::string_view statement) {
+    if (statement.starts_with('!')) return true;
+    std::string word;
+    auto word_is_known = [&] {
+        return word.empty() || ascii::is_digit(word[0]) || is_word_of_editing(word);
+    };
+    for (std::size_t at = 0; at < statement.size(); ++at) {
+        const char c = statement[at];
+        if (ascii::is_letter(c) || ascii::is_digit(c) || c == '_') {
+            word += c;
+            continue;
+        }
+        if (!word_is_known()) return false;
+        word.clear();
+        if (c == '"') {
+            at = statement.find('"', at + 1);
+            if (at == std::string_view::npos) return false;
+        } else if (std::string_view("(), -").find(c) == std::string_view::npos) {
+            return false;
+        }
+    }
+    return word_is_known();
+}
+
+// Leaves the file as it found it.
+bool only_edits(int fd) {
+    JournalReader reader{Descriptor(dup(fd))};
+    std::size_t count = 0;
+    for (std::string statement; reader.next(statement); ++count) {
+        if (!only_edits(statement)) return false;
+    }
+    return reader.is_binary() && count > 0 && lseek(fd, 0, SEEK_SET) == 0;
+}
+
+}  // namespace
+
+Replayed tpu_journal_bring_back(MiniTPUParser& parser, const std::string& path) {
+    Descriptor file = open_file(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+    if (!file || !distrust_of_file(file.get()).empty() || !only_edits(file.get())) {
+        return Replayed::nothing;
+    }
+    bool whole = replay(parser, std::move(file)) == JournalReader::End::of_file;
+    return whole ? Replayed::all : Replayed::part;
+}
+
+bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path, std::string* trouble) {
+    constexpr std::size_t kDeepest = 100;
+    Descriptor file = open_file(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    struct stat status;
+    if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    auto& open = parser.replayed_journals;
+    MiniTPUParser::FileId id{static_cast<std::uint64_t>(status.st_dev),
+                             static_cast<std::uint64_t>(status.st_ino)};
+    if (open.size() == kDeepest || std::find(open.begin(), open.end(), id) != open.end()) {
+        return true;
+    }
+    open.push_back(id);
+    bool known = replay(parser, std::move(file)) != JournalReader::End::unknown_version;
+    open.pop_back();
+    if (!known && trouble) *trouble = path + ": " + std::string(kUnknownJournalVersion);
+    return known;
+}
+
+}  // namespace tpu

@@ -1,0 +1,70 @@
+#include "os/fresh_stack.h"
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <exception>
+
+#include "os/signal_stack.h"
+
+namespace tpu::fresh_stack {
+
+namespace {
+
+constexpr std::size_t kStackSize = kFrameFactor * (std::size_t{64} << 20);
+// What is left when a stack counts as nearly used up: enough for the deepest run of
+// calls between two looks at the limit, with room for the frames of sanitizers.
+constexpr std::size_t kReserve = std::size_t{2} << 20;
+
+std::size_t first_share = std::size_t{192} << 10;
+
+struct Errand {
+    void (*work)(void*, const char*);
+    void* argument;
+    sigset_t signals;  // that are held back
+    std::exception_ptr failure;
+};
+
+void* run_errand(void* pointer) {
+    auto* errand = static_cast<Errand*>(pointer);
+    SignalStack for_handlers;
+    pthread_sigmask(SIG_SETMASK, &errand->signals, nullptr);
+    // What is thrown has to be caught where it is waited for.
+    try {
+        errand->work(errand->argument, here() - (kStackSize - kReserve));
+    } catch (...) {
+        errand->failure = std::current_exception();
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+void set_first_share(std::size_t bytes) {
+    first_share = bytes;
+}
+
+const char* first_limit() {
+    return here() - first_share;
+}
+
+// A thread is the portable way to a stack. The one that asks waits, so that there is
+// still just one that runs. It is that one whose waiting a signal is to end.
+bool run(void (*work)(void*, const char*), void* argument) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, kStackSize);
+    Errand errand{work, argument, {}, nullptr};
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &errand.signals);
+    pthread_t thread;
+    bool started = pthread_create(&thread, &attributes, run_errand, &errand) == 0;
+    pthread_attr_destroy(&attributes);
+    if (started) pthread_join(thread, nullptr);
+    pthread_sigmask(SIG_SETMASK, &errand.signals, nullptr);
+    if (errand.failure) std::rethrow_exception(errand.failure);
+    return started;
+}
+
+}  // namespace tpu::fresh_stack

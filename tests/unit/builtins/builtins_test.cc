@@ -1,0 +1,78 @@
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "lang/builtin.h"
+#include "lang/words.h"
+#include "text/ascii.h"
+
+namespace tpu {
+namespace {
+
+TEST(Builtins, every_row_says_how_it_is_written_and_what_it_does) {
+    for (std::span<const Builtin> family : builtin_families()) {
+        for (const Builtin& row : family) {
+            EXPECT_EQ(row.name, ascii::upper(row.name));
+            EXPECT_TRUE(row.form.starts_with(row.name)) << row.name;
+            EXPECT_TRUE(row.help.ends_with('.')) << row.name;
+            bool runs = row.statement || row.function || row.declares != Declares::nothing;
+            EXPECT_TRUE(runs) << row.name;
+            EXPECT_TRUE(row.least <= row.most) << row.name;
+        }
+    }
+}
+
+TEST(Builtins, no_name_means_two_things) {
+    std::set<std::string_view> names;
+    for (std::span<const Builtin> family : builtin_families()) {
+        for (const Builtin& row : family) EXPECT_TRUE(names.insert(row.name).second) << row.name;
+    }
+    // A word that always stands for its value would hide a built-in without arguments.
+    for (std::string_view word : constant_words()) {
+        const Builtin* row = find_builtin(word);
+        EXPECT_FALSE(row && row->bare) << word;
+    }
+}
+
+// What may stand in an expression without parentheses; all else is a variable there.
+TEST(Builtins, only_some_stand_bare) {
+    const std::set<std::string_view> expected = {
+        "ANCHOR",
+        "UNANCHOR",
+        "REMAIN",
+        "PAGE_BREAK",
+        "LINE_BEGIN",
+        "LINE_END",
+        "CREATE_ARRAY",
+        "MARK",
+        "CURRENT_LINE",
+        "CURRENT_COLUMN",
+        "CURRENT_ROW",
+        "CURRENT_OFFSET",
+        "CURRENT_BUFFER",
+        "CURRENT_CHARACTER",
+        "CURRENT_DIRECTION",
+        "CURRENT_WINDOW",
+        "SELECT_RANGE",
+        "LAST_KEY",
+        "ERROR",
+        "ERROR_LINE",
+        "ERROR_TEXT",
+        "LEARN_END",
+        "READ_LINE",
+        "PROMPT",
+        "READ_CHAR",
+        "READ_CLIPBOARD",
+    };
+    std::set<std::string_view> bare;
+    for (std::span<const Builtin> family : builtin_families()) {
+        for (const Builtin& row : family) {
+            if (row.bare) bare.insert(row.name);
+        }
+    }
+    bare.insert("READ_CLIPBOARD");
+    EXPECT_EQ(bare, expected);
+}
+
+}  // namespace
+}  // namespace tpu
