@@ -11,6 +11,7 @@
 #include <string>
 
 #include "buffer/buffer.h"
+#include "store/buffer_file.h"
 
 namespace {
 
@@ -57,7 +58,7 @@ void load(benchmark::State& state) {
     const Sample& file = sample(state.range(0));
     for (auto _ : state) {
         tpu::Buffer buffer("B", "");
-        if (!buffer.load_file(file.path())) state.SkipWithError("cannot load");
+        if (!load_file(buffer, file.path())) state.SkipWithError("cannot load");
     }
     state.SetBytesProcessed(file.size() * static_cast<std::int64_t>(state.iterations()));
 }
@@ -68,7 +69,7 @@ void load_in_steps(benchmark::State& state) {
     const Sample& file = sample(state.range(0));
     for (auto _ : state) {
         tpu::Buffer buffer("B", "");
-        if (!buffer.load_file(file.path(), tpu::Buffer::Loading::in_steps)) {
+        if (!load_file(buffer, file.path(), tpu::Loading::in_steps)) {
             state.SkipWithError("cannot load");
         }
     }
@@ -95,9 +96,9 @@ BENCHMARK(read_into_memory)->Apply(sizes);
 void save_with_backup(benchmark::State& state) {
     const Sample& file = sample(state.range(0));
     tpu::Buffer buffer("B", "");
-    if (!buffer.load_file(file.path())) state.SkipWithError("cannot load");
+    if (!load_file(buffer, file.path())) state.SkipWithError("cannot load");
     for (auto _ : state) {
-        if (!buffer.write_file("")) state.SkipWithError("cannot save");
+        if (!write_file(buffer, "")) state.SkipWithError("cannot save");
     }
 }
 BENCHMARK(save_with_backup)->Unit(benchmark::kMillisecond)->ArgName("MB")->Arg(100)->UseRealTime();

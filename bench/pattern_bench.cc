@@ -6,6 +6,7 @@
 
 #include "buffer/buffer.h"
 #include "pattern/pattern.h"
+#include "pattern/search.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ void search(benchmark::State& state, const TPUPattern& pattern) {
     Buffer& buffer = sample();
     for (auto _ : state) {
         buffer.beginning_of_buffer();
-        benchmark::DoNotOptimize(buffer.search_pattern_forward(pattern, false, false));
+        benchmark::DoNotOptimize(search_pattern_forward(buffer, pattern, false, false));
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * buffer.lines.bytes()));
 }

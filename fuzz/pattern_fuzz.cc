@@ -11,6 +11,7 @@
 #include "buffer/buffer.h"
 #include "pattern/pattern.h"
 #include "pattern/pattern_text.h"
+#include "pattern/search.h"
 
 namespace tpu::fuzz {
 
@@ -40,9 +41,9 @@ class Case {
         for (std::uint64_t row = 0; row < buffer_.lines.size(); ++row) {
             buffer_.cursor_row = row;
             buffer_.cursor_column = buffer_.lines.length(row) / 2;
-            const Match forward = buffer_.search_pattern_forward(pattern_, false, true);
+            const Match forward = search_pattern_forward(buffer_, pattern_, false, true);
             assert(same(forward, plain_forward()));
-            const Match backward = buffer_.search_pattern_backward(pattern_, false);
+            const Match backward = search_pattern_backward(buffer_, pattern_, false);
             assert(same(backward, plain_backward()));
         }
     }

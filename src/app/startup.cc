@@ -8,6 +8,7 @@
 #include "editor/recovery.h"
 #include "editor/section.h"
 #include "os/trust.h"
+#include "store/buffer_file.h"
 #include "store/old_text.h"
 #include "store/open_files.h"
 #include "store/read_file.h"
@@ -78,7 +79,7 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     std::string trouble;
     if (!options.file.empty()) {
         main->name = options.file;
-        trouble = main->edit_file(options.file, editor.loading());
+        trouble = edit_file(*main, options.file, editor.loading());
     }
     go_to_line(*main, options.line);
     editor.init_screen();

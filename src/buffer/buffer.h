@@ -8,7 +8,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -26,7 +25,6 @@
 namespace tpu {
 
 class JournalMirror;
-struct TPUPattern;
 
 class Buffer {
   public:
@@ -59,7 +57,6 @@ class Buffer {
     };
     enum class Case { upper = 0, lower = 1, invert = 2 };
     static constexpr std::uint64_t kTabInterval = 8;
-    enum class Loading { at_once, in_steps };
 
     Buffer(std::string buffer_name, std::string file)
         : name(std::move(buffer_name)), file_name(std::move(file)) {}
@@ -203,39 +200,6 @@ class Buffer {
     void erase_character_left(Charset charset);
     void erase_character_at_cursor(Charset charset);
     void type_character(std::string_view character, Charset charset);  // as copy_text(char)
-
-    // pattern/search.cc
-    std::optional<Range> search_pattern_forward(const TPUPattern& pattern, bool move_cursor,
-                                                bool wrap, Work* work = nullptr);
-    std::optional<Range> search_pattern_backward(const TPUPattern& pattern, bool move_cursor,
-                                                 Work* work = nullptr);
-    bool search_forward(std::string_view text);  // from just past the cursor; moves it
-    bool search_from_top(std::string_view text);
-    bool search_round(std::string_view text);  // the one, then the other, each byte once
-
-    // store/load.cc, store/save.cc, store/known_file.cc
-    // False: unreadable, text unchanged; what is there is not written over then. Waiting for
-    // what a pipe has to say can be interrupted. A large file loaded in steps is there at once
-    // but shows the file itself until TextBlock::settle_some has copied all of it;
-    // then finish_loading() has to follow.
-    bool load_file(const std::string& path, Loading how = Loading::at_once,
-                   const Interrupted& interrupted = {});
-    // The same for a file that need not be there yet: what to tell about one that is but
-    // cannot be read, else empty. In any case the buffer has its name.
-    std::string edit_file(const std::string& path, Loading how = Loading::at_once,
-                          const Interrupted& interrupted = {});
-    std::string finish_loading();              // what there is to tell, or empty
-    bool write_file(const std::string& path);  // empty: to file_name
-    // Why write_file never writes there; empty: it may.
-    std::string write_refusal(const std::string& path) const;
-    // Why a person should think twice before it does: somebody else has written the file since
-    // it was read, or it is protected. Not asked about again when the very next save would do the
-    // same. Empty: go on.
-    std::string doubt_about_saving(const std::string& path);
-    void note_read(const struct stat& status);
-    void note_unread(int error);
-    void note_written();
-    static std::uint64_t file_mtime_ms(const std::string& path);  // 0: unknown
 };
 
 }  // namespace tpu

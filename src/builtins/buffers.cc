@@ -5,6 +5,7 @@
 #include "builtins/families.h"
 #include "editor/editor.h"
 #include "editor/process.h"
+#include "store/buffer_file.h"
 #include "value/array.h"
 
 namespace tpu::builtins {
@@ -25,8 +26,8 @@ Value create_buffer(Call& call) {
     if (Buffer* buffer = call.editor.find_buffer(name)) return Value::make_buffer(buffer);
     Buffer* buffer = call.editor.create_buffer(name, "");
     if (call.args.count() > 1) {
-        std::string trouble = buffer->edit_file(call.args.text(1), Buffer::Loading::at_once,
-                                                call.editor.interrupted());
+        std::string trouble =
+            edit_file(*buffer, call.args.text(1), Loading::at_once, call.editor.interrupted());
         call.editor.tell_of_file(*buffer, trouble);
     }
     return Value::make_buffer(buffer);
@@ -35,7 +36,7 @@ Value create_buffer(Call& call) {
 void read_file(Call& call) {
     std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
     Buffer file("", "");
-    if (!file.load_file(name, Buffer::Loading::at_once, call.editor.interrupted())) {
+    if (!load_file(file, name, Loading::at_once, call.editor.interrupted())) {
         return call.editor.set_message("READ_FILE: cannot open " + name);
     }
     call.buffer().copy_lines(file.lines, call.editor.charset);
@@ -45,7 +46,7 @@ bool write_range(const Range& range, const std::string& name) {
     Buffer part("", name);
     part.backup_on_write = range.buffer()->backup_on_write;
     part.lines = range.buffer()->lines_of_range(range);
-    return part.write_file(name);
+    return write_file(part, name);
 }
 
 // WRITE_FILE(buffer or range [, name])
@@ -64,8 +65,8 @@ void write_file(Call& call) {
             return;
         }
         if (name.empty()) name = buffer->file_name;
-        refusal = buffer->write_refusal(name);
-        written = buffer->write_file(name);
+        refusal = write_refusal(*buffer, name);
+        written = write_file(*buffer, name);
     }
     if (!refusal.empty()) refusal = ": " + name + " (" + refusal + ")";
     call.editor.set_message(written ? "Wrote " + name : "Write failed" + refusal);

@@ -1,4 +1,6 @@
 // Searching and matching.
+#include "pattern/search.h"
+
 #include "builtins/common.h"
 #include "builtins/families.h"
 #include "editor/editor.h"
@@ -23,8 +25,8 @@ std::optional<Range> find(Call& call, bool move_cursor) {
     Buffer& buffer = call.buffer();
     Work work = call.parser.interruptible();
     std::optional<Range> found =
-        goes_backward(call) ? buffer.search_pattern_backward(pattern, move_cursor, &work)
-                            : buffer.search_pattern_forward(pattern, move_cursor, false, &work);
+        goes_backward(call) ? search_pattern_backward(buffer, pattern, move_cursor, &work)
+                            : search_pattern_forward(buffer, pattern, move_cursor, false, &work);
     call.editor.search_succeeded = found.has_value();
     if (!found && work.end == Work::End::done)
         call.parser.record_error("TPU$_STRNOTFOUND", "String not found");

@@ -3,6 +3,7 @@
 
 #include "commands/command_words.h"
 #include "editor/editor.h"
+#include "pattern/search.h"
 #include "text/ascii.h"
 
 namespace tpu {
@@ -59,9 +60,9 @@ std::string unquoted(const std::string& text) {
 bool search(TPUEditor& editor, Line line, Work& work) {
     std::string text(line.from_word(1));
     Buffer& buffer = *editor.current_buffer;
-    if (!is_pattern(text)) return buffer.search_forward(unquoted(text));
+    if (!is_pattern(text)) return search_forward(buffer, unquoted(text));
     TPUPattern pattern = MiniTPUParser::parse_pattern_expression(text);
-    return buffer.search_pattern_forward(pattern, true, false, &work).has_value();
+    return search_pattern_forward(buffer, pattern, true, false, &work).has_value();
 }
 
 void find(TPUEditor& editor, Line line) {

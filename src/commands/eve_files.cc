@@ -4,6 +4,7 @@
 #include "commands/command_words.h"
 #include "editor/editor.h"
 #include "os/file_names.h"
+#include "store/buffer_file.h"
 
 namespace tpu::commands {
 
@@ -26,7 +27,7 @@ void get_file(TPUEditor& editor, Line line) {
     Buffer* buffer = buffer_of_file(editor, file);
     std::string trouble;
     auto load = [&](Buffer& into) {
-        trouble = into.edit_file(into.file_name, editor.loading(), editor.interrupted());
+        trouble = edit_file(into, into.file_name, editor.loading(), editor.interrupted());
     };
     if (!buffer) {
         auto loaded = std::make_unique<Buffer>(editor.unused_buffer_name(file), file);
@@ -47,7 +48,7 @@ void get_file(TPUEditor& editor, Line line) {
 void include_file(TPUEditor& editor, Line line) {
     std::string file = line.file(1);
     Buffer included("", "");
-    if (!included.load_file(file, Buffer::Loading::at_once, editor.interrupted())) {
+    if (!load_file(included, file, Loading::at_once, editor.interrupted())) {
         return editor.set_message("Cannot include " + file);
     }
     editor.current_buffer->copy_lines(included.lines, editor.charset);
@@ -66,7 +67,7 @@ void reload(TPUEditor& editor, Line) {
     }
     if (file.empty()) return editor.set_message("No file to reload");
     Buffer::Snapshot before = buffer.snap();
-    if (!buffer.load_file(file, editor.loading(), editor.interrupted())) {
+    if (!load_file(buffer, file, editor.loading(), editor.interrupted())) {
         return editor.set_message("Reload failed");
     }
     buffer.cursor_row = before.cursor_row;
@@ -80,7 +81,7 @@ void check_disk(TPUEditor& editor, Line) {
     const Buffer& buffer = *editor.current_buffer;
     const std::string& file = buffer.file_name;
     if (file.empty()) return editor.set_message("No file");
-    std::uint64_t on_disk = Buffer::file_mtime_ms(file);
+    std::uint64_t on_disk = file_mtime_ms(file);
     if (on_disk == 0) return editor.set_message("Cannot stat " + file);
     editor.set_message(on_disk == buffer.file_time
                            ? "File unchanged on disk"

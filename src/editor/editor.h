@@ -22,6 +22,7 @@
 #include "keys/key_map.h"
 #include "lang/parser.h"
 #include "os/short_memory.h"
+#include "store/buffer_file.h"
 #include "value/array.h"
 
 namespace tpu {
@@ -155,9 +156,7 @@ class TPUEditor {
     // main_loop.cc
     void run();
     // Steps are done while the main loop waits for keys.
-    Buffer::Loading loading() const {
-        return headless ? Buffer::Loading::at_once : Buffer::Loading::in_steps;
-    }
+    Loading loading() const { return headless ? Loading::at_once : Loading::in_steps; }
     // For those who may wait long: true once Ctrl-C is pressed, which ends running code too.
     Interrupted interrupted();
     void hang_up();      // the terminal is gone: the session ends

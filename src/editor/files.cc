@@ -1,6 +1,7 @@
 // Saving from the session, with its messages.
 #include "editor/editor.h"
 #include "os/file_traits.h"
+#include "store/buffer_file.h"
 
 namespace tpu {
 
@@ -8,15 +9,15 @@ namespace {
 
 void save(TPUEditor& editor, const std::string& file) {
     Buffer& buffer = *editor.current_buffer;
-    std::string objection = buffer.no_write ? "" : buffer.write_refusal(file);
-    if (objection.empty() && !buffer.no_write) objection = buffer.doubt_about_saving(file);
+    std::string objection = buffer.no_write ? "" : write_refusal(buffer, file);
+    if (objection.empty() && !buffer.no_write) objection = doubt_about_saving(buffer, file);
     if (!objection.empty()) {
         return editor.set_message("Write failed: " + file + " (" + objection + ")");
     }
     // What was protected stays, as a backup.
     const bool keeps_backup = buffer.backup_on_write;
     buffer.backup_on_write = keeps_backup || is_read_only(file);
-    const bool written = buffer.write_file(file);
+    const bool written = write_file(buffer, file);
     buffer.backup_on_write = keeps_backup;
     // What was written stays so, even if there is no memory to say it.
     enough_memory([&] {

@@ -1,6 +1,7 @@
 #include "editor/find_session.h"
 
 #include "keys/key_code.h"
+#include "pattern/search.h"
 
 namespace tpu {
 
@@ -14,7 +15,7 @@ void FindSession::go_to_start() {
 
 std::string FindSession::search() {
     go_to_start();
-    found_ = !query_.empty() && buffer_.search_round(query_);
+    found_ = !query_.empty() && search_round(buffer_, query_);
     std::string message = "I-find: " + query_;
     if (!found_ && !query_.empty()) message += "  (not found)";
     return message;

@@ -6,6 +6,7 @@
 #include "editor/recovery.h"
 #include "lang/nesting.h"
 #include "os/terminal_state.h"
+#include "store/buffer_file.h"
 #include "store/open_files.h"
 
 namespace tpu {
@@ -86,7 +87,7 @@ void settle_files(TPUEditor& editor) {
         if (editor.key_waiting()) return;
     }
     for (const auto& buffer : editor.buffers) {
-        std::string trouble = buffer->finish_loading();
+        std::string trouble = finish_loading(*buffer);
         if (trouble.empty()) continue;
         editor.set_message(trouble);
         editor.draw();

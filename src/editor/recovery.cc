@@ -7,6 +7,7 @@
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
 #include "os/short_memory.h"
+#include "store/buffer_file.h"
 #include "store/journal.h"
 #include "store/old_text.h"
 #include "store/recovery_files.h"
@@ -211,7 +212,7 @@ std::string Recovery::recover_elsewhere(const Buffer& buffer, const LeftBehind& 
         Buffer backup("", "");
         if (identity_of(buffer.saved_lines) == *work.base) {
             base = buffer.saved_lines;
-        } else if (backup.load_file(buffer.file_name + ".bak") &&
+        } else if (load_file(backup, buffer.file_name + ".bak") &&
                    identity_of(backup.lines) == *work.base) {
             base = backup.lines;
         }

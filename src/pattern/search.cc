@@ -1,7 +1,7 @@
-// The searches of a buffer.
+#include "pattern/search.h"
+
 #include <algorithm>
 
-#include "buffer/buffer.h"
 #include "pattern/match_buffer.h"
 #include "pattern/match_line.h"
 
@@ -118,47 +118,50 @@ class ForwardSearch {
 
 }  // namespace
 
-std::optional<Range> Buffer::search_pattern_forward(const TPUPattern& pattern, bool move_cursor,
-                                                    bool wrap, Work* work) {
+std::optional<Range> search_pattern_forward(Buffer& buffer, const TPUPattern& pattern,
+                                            bool move_cursor, bool wrap, Work* work) {
     Work unwatched, &watched = work ? *work : unwatched;
-    clamp_cursor();
-    std::uint64_t column = std::min(cursor_column, lines.length(cursor_row));
-    auto match = ForwardSearch(pattern, lines, watched)
-                     .run(lines.offset({cursor_row, column}), lines.bytes());
-    if (!match && wrap && cursor_row > 0) {
-        match = ForwardSearch(pattern, lines, watched).run(0, lines.row_start(cursor_row) - 1);
+    buffer.clamp_cursor();
+    std::uint64_t column = std::min(buffer.cursor_column, buffer.lines.length(buffer.cursor_row));
+    auto match = ForwardSearch(pattern, buffer.lines, watched)
+                     .run(buffer.lines.offset({buffer.cursor_row, column}), buffer.lines.bytes());
+    if (!match && wrap && buffer.cursor_row > 0) {
+        match = ForwardSearch(pattern, buffer.lines, watched)
+                    .run(0, buffer.lines.row_start(buffer.cursor_row) - 1);
     }
     if (!match) return std::nullopt;
-    Position start = lines.position(match->start), end = text_position(lines, match->end);
+    Position start = buffer.lines.position(match->start),
+             end = text_position(buffer.lines, match->end);
     if (move_cursor) {
-        cursor_row = start.row;
-        cursor_column = start.column;
+        buffer.cursor_row = start.row;
+        buffer.cursor_column = start.column;
     }
-    return Range({this, start.row, start.column}, {this, end.row, end.column});
+    return Range({&buffer, start.row, start.column}, {&buffer, end.row, end.column});
 }
 
-std::optional<Range> Buffer::search_pattern_backward(const TPUPattern& pattern, bool move_cursor,
-                                                     Work* work) {
-    clamp_cursor();
-    std::uint64_t before = std::min(cursor_column, lines.length(cursor_row) + 1);
-    std::uint64_t start = lines.row_start(cursor_row),
-                  end_of_row = start + lines.length(cursor_row);
-    for (std::uint64_t row = cursor_row;;) {
-        std::string line = lines.text(start, end_of_row);
+std::optional<Range> search_pattern_backward(Buffer& buffer, const TPUPattern& pattern,
+                                             bool move_cursor, Work* work) {
+    buffer.clamp_cursor();
+    std::uint64_t before =
+        std::min(buffer.cursor_column, buffer.lines.length(buffer.cursor_row) + 1);
+    std::uint64_t start = buffer.lines.row_start(buffer.cursor_row),
+                  end_of_row = start + buffer.lines.length(buffer.cursor_row);
+    for (std::uint64_t row = buffer.cursor_row;;) {
+        std::string line = buffer.lines.text(start, end_of_row);
         LineMatcher<RememberedRuns> matcher(pattern, line, RememberedRuns(pattern));
         for (std::uint64_t column = before; column-- > 0;) {
             if (work && !work->goes_on()) return std::nullopt;
             std::size_t end = 0;
             if (!matcher.match(column, end)) continue;
             if (move_cursor) {
-                cursor_row = row;
-                cursor_column = column;
+                buffer.cursor_row = row;
+                buffer.cursor_column = column;
             }
-            return Range({this, row, column}, {this, row, end});
+            return Range({&buffer, row, column}, {&buffer, row, end});
         }
         if (row == 0) return std::nullopt;
         end_of_row = start - 1;
-        start = lines.row_start(--row);
+        start = buffer.lines.row_start(--row);
         before = end_of_row - start;
     }
 }
@@ -183,18 +186,18 @@ std::uint64_t past_cursor(const Buffer& buffer) {
 
 }  // namespace
 
-bool Buffer::search_forward(std::string_view text) {
-    return find_text(*this, text, past_cursor(*this), lines.bytes());
+bool search_forward(Buffer& buffer, std::string_view text) {
+    return find_text(buffer, text, past_cursor(buffer), buffer.lines.bytes());
 }
 
-bool Buffer::search_from_top(std::string_view text) {
-    return find_text(*this, text, 0, lines.bytes());
+bool search_from_top(Buffer& buffer, std::string_view text) {
+    return find_text(buffer, text, 0, buffer.lines.bytes());
 }
 
-bool Buffer::search_round(std::string_view text) {
-    std::uint64_t start = past_cursor(*this);
-    return find_text(*this, text, start, lines.bytes()) ||
-           find_text(*this, text, 0, start + text.size());
+bool search_round(Buffer& buffer, std::string_view text) {
+    std::uint64_t start = past_cursor(buffer);
+    return find_text(buffer, text, start, buffer.lines.bytes()) ||
+           find_text(buffer, text, 0, start + text.size());
 }
 
 }  // namespace tpu

@@ -20,6 +20,7 @@
 #include "os/held_signal.h"
 #include "os/system_calls.h"
 #include "os/trust.h"
+#include "store/buffer_file.h"
 #include "store/journal.h"
 #include "store/journal_reader.h"
 #include "text/ascii.h"
@@ -258,7 +259,7 @@ std::vector<LeftBehind> left_behind(const std::string& folder, const std::string
         bool holds_work = reader.next(statement);
         const std::optional<TextIdentity> base = base_in(statement);
         if (base) holds_work = reader.next(statement);
-        if (holds_work) found.push_back({path, *file_time, Buffer::file_mtime_ms(path), base});
+        if (holds_work) found.push_back({path, *file_time, file_mtime_ms(path), base});
     }
     std::sort(found.begin(), found.end(),
               [](const LeftBehind& a, const LeftBehind& b) { return a.time > b.time; });

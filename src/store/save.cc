@@ -3,9 +3,9 @@
 #include <functional>
 #include <utility>
 
-#include "buffer/buffer.h"
 #include "os/file_io.h"
 #include "os/short_memory.h"
+#include "store/buffer_file.h"
 #include "store/safe_write.h"
 #include "store/saved_text.h"
 
@@ -41,28 +41,29 @@ bool write_lines(int fd, const LineStore& lines) {
 
 }  // namespace
 
-bool Buffer::write_file(const std::string& path) {
-    save_note.clear();
-    if (no_write) return false;
-    std::string target = path.empty() ? file_name : path;
+bool write_file(Buffer& buffer, const std::string& path) {
+    buffer.save_note.clear();
+    if (buffer.no_write) return false;
+    std::string target = path.empty() ? buffer.file_name : path;
     // The file may be one that a text still shows.
     while (!TextBlock::settle_some()) {
     }
-    if (loaded_block && loaded_block->is_damaged()) note_unread(EIO);
-    if (target.empty() || !write_refusal(target).empty()) return false;
-    auto write = [this](int fd) { return write_lines(fd, lines); };
+    if (buffer.loaded_block && buffer.loaded_block->is_damaged()) note_unread(buffer, EIO);
+    if (target.empty() || !write_refusal(buffer, target).empty()) return false;
+    auto write = [&buffer](int fd) { return write_lines(fd, buffer.lines); };
     // What follows the writing needs no memory.
-    LineStore reloaded = as_loaded(lines);
-    const bool is_as_known = target == file_name && FileVersion::of(target) == known_version;
-    if (!write_safely(target, backup_on_write, write, save_note)) {
+    LineStore reloaded = as_loaded(buffer.lines);
+    const bool is_as_known =
+        target == buffer.file_name && FileVersion::of(target) == buffer.known_version;
+    if (!write_safely(target, buffer.backup_on_write, write, buffer.save_note)) {
         // What a failed attempt has left is no change that somebody else has made.
-        if (is_as_known) known_version = FileVersion::of(target);
+        if (is_as_known) buffer.known_version = FileVersion::of(target);
         return false;
     }
-    file_name = std::move(target);
-    modified = false;
-    saved_lines = std::move(reloaded);
-    note_written();
+    buffer.file_name = std::move(target);
+    buffer.modified = false;
+    buffer.saved_lines = std::move(reloaded);
+    note_written(buffer);
     return true;
 }
 

@@ -9,6 +9,7 @@
 #include "editor/curses/key_decoder.h"
 #include "editor/recovery.h"
 #include "memory/failing_allocations.h"
+#include "store/buffer_file.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
 
@@ -118,7 +119,7 @@ struct Work {
             typist.editor = &editor;
             editor.charset = Charset::utf8;
             Buffer* main = editor.create_buffer("MAIN", "");
-            if (!main->edit_file(file).empty()) throw std::bad_alloc();
+            if (!edit_file(*main, file).empty()) throw std::bad_alloc();
             editor.init_screen();
             editor.recovery = std::make_unique<Recovery>(editor, state);
             editor.run();
@@ -139,7 +140,7 @@ struct Work {
     static std::string recovered(const std::string& state, const std::string& file) {
         Session next;
         next.editor.recovery = std::make_unique<Recovery>(next.editor, state);
-        EXPECT_EQ(next.buffer->edit_file(file), "");
+        EXPECT_EQ(edit_file(*next.buffer, file), "");
         next.editor.execute_command("RECOVER_BUFFER");
         return next.buffer->lines.text();
     }

@@ -12,6 +12,7 @@
 #include "editor/version.h"
 #include "keys/key_names.h"
 #include "lang/builtin.h"
+#include "store/buffer_file.h"
 #include "support/session.h"
 #include "text/ascii.h"
 
@@ -71,7 +72,7 @@ TEST_F(ShowHelp, show_buffers_are_filled_anew_and_never_written) {
     EXPECT_EQ(shown->cursor_row, 0u);
     EXPECT_FALSE(shown->modified || shown->select_anchor);
     EXPECT_EQ(message_of("WRITE /dev/null/x"), "Write failed: /dev/null/x");
-    EXPECT_FALSE(shown->write_file(testing::TempDir() + "show_help_test"));
+    EXPECT_FALSE(write_file(*shown, testing::TempDir() + "show_help_test"));
     session.editor.open_show_buffer("$SHOW_VERSION", "");
     EXPECT_EQ(shown->lines.size(), 1u);
     session.editor.previous_buffer();

@@ -11,6 +11,7 @@
 #include <set>
 
 #include "editor/journal_mirror.h"
+#include "store/buffer_file.h"
 #include "store/recovery_files.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
@@ -23,7 +24,7 @@ struct RecoveryTest : testing::Test {
     struct Worker : Session {
         Worker(const std::string& folder, const std::string& file) {
             editor.recovery = std::make_unique<Recovery>(editor, folder);
-            EXPECT_EQ(buffer->edit_file(file), "");
+            EXPECT_EQ(edit_file(*buffer, file), "");
         }
         // What the main loop does in somewhat more than a second.
         void idle() {

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "buffer/buffer.h"
+#include "pattern/search.h"
 
 namespace tpu {
 namespace {
@@ -165,7 +166,7 @@ TEST_P(RandomPatterns, are_found_where_a_plain_reading_of_the_rules_finds_them) 
         if (!expected && wrap) expected = search_rows(lines, pattern, {0, 0}, row);
         buffer.cursor_row = row;
         buffer.cursor_column = column;
-        ASSERT_EQ(span(buffer.search_pattern_forward(pattern, true, wrap)), expected);
+        ASSERT_EQ(span(search_pattern_forward(buffer, pattern, true, wrap)), expected);
         Position cursor{buffer.cursor_row, buffer.cursor_column}, here{row, column};
         ASSERT_EQ(cursor, expected ? expected->first : here);
     }
@@ -194,7 +195,7 @@ TEST_P(RandomPatterns, are_found_backward_from_line_to_line) {
         Position from{buffer.cursor_row, buffer.cursor_column};
         Span expected = plain_backward(lines, pattern, from);
         bool move = below(2) == 0;
-        ASSERT_EQ(span(buffer.search_pattern_backward(pattern, move)), expected);
+        ASSERT_EQ(span(search_pattern_backward(buffer, pattern, move)), expected);
         Position cursor{buffer.cursor_row, buffer.cursor_column};
         ASSERT_EQ(cursor, move && expected ? expected->first : from);
     }
@@ -247,18 +248,18 @@ TEST(Pattern, matches_from_a_column_past_the_end_of_a_line) {
 TEST(Search, skips_the_occurrence_under_the_cursor_and_does_not_wrap) {
     Buffer buffer("B", "");
     buffer.lines = LineStore(Lines{"ab ab", "xab"});
-    EXPECT_TRUE(buffer.search_forward("ab"));
+    EXPECT_TRUE(search_forward(buffer, "ab"));
     EXPECT_EQ(buffer.cursor_column, 3u);
-    EXPECT_TRUE(buffer.search_forward("ab"));
+    EXPECT_TRUE(search_forward(buffer, "ab"));
     EXPECT_EQ((Position{buffer.cursor_row, buffer.cursor_column}), (Position{1, 1}));
-    EXPECT_FALSE(buffer.search_forward("ab"));
+    EXPECT_FALSE(search_forward(buffer, "ab"));
     EXPECT_EQ(buffer.cursor_row, 1u);
-    EXPECT_TRUE(buffer.search_from_top("ab"));
+    EXPECT_TRUE(search_from_top(buffer, "ab"));
     EXPECT_EQ(buffer.cursor_row, 0u);
-    EXPECT_FALSE(buffer.search_forward(""));
-    EXPECT_FALSE(buffer.search_forward("ab\nx"));
+    EXPECT_FALSE(search_forward(buffer, ""));
+    EXPECT_FALSE(search_forward(buffer, "ab\nx"));
     buffer.lines.insert(buffer.lines.bytes(), "\n");  // a line feed that ends no line
-    EXPECT_TRUE(buffer.search_forward("\n"));
+    EXPECT_TRUE(search_forward(buffer, "\n"));
     EXPECT_EQ(buffer.cursor_row, 1u);
 }
 
@@ -280,9 +281,9 @@ TEST(Search, is_linear_for_patterns_that_never_match) {
     };
     for (const TPUPattern& pattern : hopeless) {
         buffer.beginning_of_buffer();
-        EXPECT_FALSE(buffer.search_pattern_forward(pattern, false, false));
+        EXPECT_FALSE(search_pattern_forward(buffer, pattern, false, false));
         buffer.end_of_buffer();
-        EXPECT_FALSE(buffer.search_pattern_backward(pattern, false));
+        EXPECT_FALSE(search_pattern_backward(buffer, pattern, false));
     }
 }
 

@@ -8,6 +8,7 @@
 #include "buffer/buffer.h"
 #include "editor/recovery.h"
 #include "os/system_calls.h"
+#include "store/buffer_file.h"
 #include "store/journal.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
@@ -56,11 +57,11 @@ TEST_F(Faults, while_loading_leave_the_text_as_it_was) {
         buffer->lines = LineStore::from_text(old_text);
     };
     int calls = for_each_fault(
-        prepare, [&] { return buffer->load_file(path); },
+        prepare, [&] { return load_file(*buffer, path); },
         [&](int, bool loaded) {
             EXPECT_EQ(buffer->lines.size(), 2u);
             EXPECT_EQ(buffer->lines[1], loaded ? "last" : "text");
-            EXPECT_TRUE(buffer->load_file(path));
+            EXPECT_TRUE(load_file(*buffer, path));
             EXPECT_EQ(buffer->lines.length(0), 3'000'000u);
         });
     EXPECT_GE(calls, 2);
@@ -144,7 +145,7 @@ TEST_F(Faults, while_unsaved_work_is_kept_are_told_and_lose_nothing) {
     auto begin = [&] {
         session = std::make_unique<Session>();
         session->editor.recovery = std::make_unique<Recovery>(session->editor, state);
-        ASSERT_TRUE(session->buffer->load_file(path));
+        ASSERT_TRUE(load_file(*session->buffer, path));
     };
     int calls = for_each_fault(
         [&] {

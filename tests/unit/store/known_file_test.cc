@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "os/system_calls.h"
+#include "store/buffer_file.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
 
@@ -43,7 +44,7 @@ TEST_F(KnownFiles, never_write_over_a_file_that_could_not_be_read) {
         error_of_reading = error;
         sys::set_fault(fail_to_read);
         const std::string reason = std::string(": ") + std::strerror(error);
-        EXPECT_EQ(s.buffer->edit_file(file), "Cannot read " + file + reason);
+        EXPECT_EQ(edit_file(*s.buffer, file), "Cannot read " + file + reason);
         sys::set_fault(nullptr);
         s.press("typed");
         for (const std::string& keys : saving_doors(file)) {
@@ -71,7 +72,7 @@ TEST_F(KnownFiles, save_again_to_a_name_that_can_be_read_or_is_free_by_now) {
         s.editor.execute_command(line);
         return s.editor.message;
     };
-    EXPECT_EQ(s.buffer->edit_file(file), "Cannot read " + file + ": Is a directory");
+    EXPECT_EQ(edit_file(*s.buffer, file), "Cannot read " + file + ": Is a directory");
     EXPECT_EQ(run("GET " + file), "Cannot read " + file + ": Is a directory");
     std::filesystem::remove(file);
     folder.write("name", "text");
@@ -84,7 +85,7 @@ TEST_F(KnownFiles, save_again_to_a_name_that_can_be_read_or_is_free_by_now) {
     EXPECT_EQ(run("RELOAD"), "Reload failed");
     sys::set_fault(nullptr);
     EXPECT_EQ(run("WRITE"), "Written " + file);
-    ASSERT_FALSE(s.buffer->load_file(folder.path("none")));
+    ASSERT_FALSE(load_file(*s.buffer, folder.path("none")));
     EXPECT_EQ(run("WRITE"), "Written " + folder.path("none"));
 }
 
@@ -104,7 +105,7 @@ TEST_F(KnownFiles, save_over_what_somebody_else_has_written_only_when_asked_agai
             s.press(keys);
             return s.editor.message;
         };
-        ASSERT_EQ(s.buffer->edit_file(c.name), "");
+        ASSERT_EQ(edit_file(*s.buffer, c.name), "");
         s.press("typed ");
         theirs("theirs");
         EXPECT_EQ(save("<CTRL_S>"), refused);

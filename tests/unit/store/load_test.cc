@@ -11,6 +11,7 @@
 #include "buffer/buffer.h"
 #include "os/file_io.h"
 #include "os/terminal_state.h"
+#include "store/buffer_file.h"
 #include "store/read_file.h"
 #include "text/text_block.h"
 #include "unit/store/temp_folder.h"
@@ -59,7 +60,7 @@ TEST(Load, splits_at_line_feeds_and_drops_one_cr_at_a_line_end) {
     TempFolder folder;
     for (std::string text : {std::string("a\0b\n\xff\xc3\n", 7), std::string("\n\rc\r\n")}) {
         Buffer buffer("B", "");
-        ASSERT_TRUE(buffer.load_file(folder.write("file", text)));
+        ASSERT_TRUE(load_file(buffer, folder.write("file", text)));
         EXPECT_EQ(buffer.lines.lines(), split(text)) << testing::PrintToString(text);
     }
 }
@@ -79,7 +80,7 @@ TEST(Load, of_every_short_text_gives_its_lines_whichever_way_it_is_read) {
         SCOPED_TRACE(testing::PrintToString(text));
         std::string path = folder.write("file", text);
         Buffer buffer("B", "");
-        ASSERT_TRUE(buffer.load_file(path));
+        ASSERT_TRUE(load_file(buffer, path));
         EXPECT_EQ(buffer.lines.lines(), split(text));
         Descriptor file = open_file(path, O_RDONLY);
         Ref<TextBlock> block;
@@ -92,7 +93,7 @@ TEST(Load, of_every_short_text_gives_its_lines_whichever_way_it_is_read) {
         ASSERT_EQ(pipe2(ends, O_DIRECT), 0);
         for (char c : text) EXPECT_EQ(write(ends[1], &c, 1), 1);
         close(ends[1]);
-        ASSERT_TRUE(buffer.load_file("/dev/fd/" + std::to_string(ends[0])));
+        ASSERT_TRUE(load_file(buffer, "/dev/fd/" + std::to_string(ends[0])));
         EXPECT_EQ(buffer.lines.lines(), split(text));
         close(ends[0]);
 #endif
@@ -104,7 +105,7 @@ TEST(Load, finds_pairs_wherever_the_parts_of_a_large_file_meet) {
     for (const char* mark : {"\r\n", "\r\r\n", "\rx"}) {
         std::string text = text_with_borders(mark);
         Buffer buffer("B", "");
-        ASSERT_TRUE(buffer.load_file(folder.write("file", text)));
+        ASSERT_TRUE(load_file(buffer, folder.write("file", text)));
         SCOPED_TRACE(testing::PrintToString(mark));
         expect_lines(buffer.lines, split(text));
     }
@@ -128,12 +129,12 @@ TEST(Load, in_steps_gives_the_same_lines_and_owns_them_once_settled) {
         std::string text = text_with_borders(mark) + (*mark == '\n' ? "x\n" : "x");
         std::string path = folder.write("file", text);
         Buffer buffer("B", "");
-        ASSERT_TRUE(buffer.load_file(path, Buffer::Loading::in_steps));
+        ASSERT_TRUE(load_file(buffer, path, Loading::in_steps));
         EXPECT_EQ(buffer.loading_size > 0, *mark == '\n' || mark[1] == 'x');
         expect_lines(buffer.lines, split(text));
         settle();
         std::filesystem::resize_file(path, 3);
-        buffer.finish_loading();
+        finish_loading(buffer);
         EXPECT_EQ(buffer.loading_size, 0u);
         expect_lines(buffer.lines, split(text));
     }
@@ -144,7 +145,7 @@ TEST(Load, in_steps_stays_sound_when_the_file_is_changed_meanwhile) {
     std::string text = text_with_borders("x") + "x";
     std::string path = folder.write("file", text);
     Buffer buffer("B", "");
-    ASSERT_TRUE(buffer.load_file(path, Buffer::Loading::in_steps));
+    ASSERT_TRUE(load_file(buffer, path, Loading::in_steps));
     ASSERT_GT(buffer.loading_size, 0u);
     buffer.push_undo(true);
     buffer.copy_text("typed");
@@ -154,7 +155,7 @@ TEST(Load, in_steps_stays_sound_when_the_file_is_changed_meanwhile) {
         file << "\n\n\nnew\n";
     }
     settle();
-    buffer.finish_loading();
+    finish_loading(buffer);
     buffer.lines.check_invariants();
     EXPECT_NE(buffer.lines.find("new", 0), std::nullopt);
     EXPECT_TRUE(buffer.undo());
@@ -168,21 +169,21 @@ TEST(Load, in_steps_has_zeros_for_what_the_file_has_lost_meanwhile) {
     std::string text = text_with_borders("x") + "x";
     std::string path = folder.write("file", text);
     Buffer buffer("B", "");
-    ASSERT_TRUE(buffer.load_file(path, Buffer::Loading::in_steps));
+    ASSERT_TRUE(load_file(buffer, path, Loading::in_steps));
     ASSERT_GT(buffer.loading_size, 0u);
     handle_faults(TextBlock::mend_fault);
     std::filesystem::resize_file(path, 100'000);
     EXPECT_EQ(buffer.lines.find("none of that", 0), std::nullopt);
     settle();
-    EXPECT_TRUE(buffer.finish_loading().starts_with(path + " shrank while it was read"));
+    EXPECT_TRUE(finish_loading(buffer).starts_with(path + " shrank while it was read"));
     buffer.lines.check_invariants();
     EXPECT_EQ(buffer.lines.bytes(), text.size());
     EXPECT_EQ(buffer.lines.text(0, 100'000), text.substr(0, 100'000));
     EXPECT_EQ(buffer.lines.text(1'000'000, 1'000'002), std::string(2, '\0'));
-    EXPECT_FALSE(buffer.write_file("")) << "what is left is given up for zeros";
+    EXPECT_FALSE(write_file(buffer, "")) << "what is left is given up for zeros";
     EXPECT_EQ(std::filesystem::file_size(path), 100'000u);
-    EXPECT_TRUE(buffer.write_file(folder.path("elsewhere")));
-    EXPECT_TRUE(buffer.write_file("")) << "it is another file now";
+    EXPECT_TRUE(write_file(buffer, folder.path("elsewhere")));
+    EXPECT_TRUE(write_file(buffer, "")) << "it is another file now";
 }
 #endif
 
@@ -191,7 +192,7 @@ TEST(Load, drops_a_final_line_feed_that_fills_up_a_piece) {
     for (std::size_t size = 16; size <= std::size_t{1} << 20; size *= 2) {
         std::string line(size - 1, 'x');
         Buffer buffer("B", "");
-        ASSERT_TRUE(buffer.load_file(folder.write("file", line + "\n")));
+        ASSERT_TRUE(load_file(buffer, folder.write("file", line + "\n")));
         expect_lines(buffer.lines, {line});
     }
 }
@@ -202,7 +203,7 @@ TEST(Load, reads_a_pipe_of_unknown_size) {
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << text; });
     Buffer buffer("B", "");
-    EXPECT_TRUE(buffer.load_file(pipe));
+    EXPECT_TRUE(load_file(buffer, pipe));
     writer.join();
     expect_lines(buffer.lines, split(text));
 }
@@ -235,12 +236,12 @@ TEST(Load, begins_at_the_top_unmodified_and_keeps_the_undo_stack) {
     buffer.copy_text("old text");
     buffer.push_undo(true);
     buffer.view_line = 3;
-    ASSERT_TRUE(buffer.load_file(path));
+    ASSERT_TRUE(load_file(buffer, path));
     EXPECT_EQ(buffer.cursor_row + buffer.cursor_column + buffer.view_line, 0u);
     EXPECT_FALSE(buffer.modified);
     EXPECT_EQ(buffer.file_time, 1234567891u);
-    EXPECT_EQ(Buffer::file_mtime_ms(path), 1234567891u);
-    EXPECT_EQ(Buffer::file_mtime_ms(folder.path("nothing")), 0u);
+    EXPECT_EQ(file_mtime_ms(path), 1234567891u);
+    EXPECT_EQ(file_mtime_ms(folder.path("nothing")), 0u);
     ASSERT_TRUE(buffer.undo());
     EXPECT_EQ(buffer.lines.lines(), Lines{"old text"});
 }
@@ -254,7 +255,7 @@ TEST(Load, takes_the_name_but_not_the_text_of_what_cannot_be_read) {
     for (const std::string& name : names) {
         Buffer buffer("B", "before");
         buffer.copy_text("text");
-        EXPECT_FALSE(buffer.load_file(name)) << name;
+        EXPECT_FALSE(load_file(buffer, name)) << name;
         EXPECT_EQ(buffer.file_name, name);
         EXPECT_EQ(buffer.lines.lines(), Lines{"text"});
         EXPECT_TRUE(buffer.modified);

@@ -11,6 +11,7 @@
 #include "editor/recovery.h"
 #include "editor/section.h"
 #include "os/system_calls.h"
+#include "store/buffer_file.h"
 #include "store/old_text.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
@@ -131,7 +132,7 @@ struct SaveFaults : testing::Test {
     }
     bool save(const Kind& kind) {
         return kind.section ? tpu_section_save(session.editor, path, "after")
-                            : buffer->write_file("");
+                            : write_file(*buffer, "");
     }
     // True when the call was reached; `done` becomes whether the save succeeded.
     bool save_disturbed(const Kind& kind, int call, bool& done) {
@@ -247,7 +248,7 @@ TEST_F(SaveFaults, are_told_when_the_file_is_opened_again) {
     }
     // Nobody else's text is overwritten by the next save that is cut short.
     folder.write("file", "torn");
-    EXPECT_TRUE(buffer->write_file(""));
+    EXPECT_TRUE(write_file(*buffer, ""));
     EXPECT_EQ(folder.read(".file.tpu-old"), kOld);
     EXPECT_EQ(greeting(), told);
     fs::copy_file(former, path, fs::copy_options::overwrite_existing);
@@ -295,7 +296,7 @@ TEST_F(SaveFaults, of_a_protected_file_are_prevented_by_asking_once) {
         EXPECT_EQ(session.buffer->backup_on_write, backup);
         EXPECT_EQ(message_of_save(), refusal);
         // A program is not asked, but must keep the text.
-        EXPECT_EQ(buffer->write_file(""), backup);
+        EXPECT_EQ(write_file(*buffer, ""), backup);
     }
 }
 

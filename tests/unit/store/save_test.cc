@@ -7,6 +7,7 @@
 
 #include "buffer/buffer.h"
 #include "os/file_traits.h"
+#include "store/buffer_file.h"
 #include "store/temp_file.h"
 #include "text/charset.h"
 #include "unit/store/temp_folder.h"
@@ -32,8 +33,13 @@ struct Text : Buffer {
     bool is_unsaved() const { return modified && file_name == "none" && file_time == 7; }
 };
 
+bool write_text(const Lines& lines, const std::string& path) {
+    Text text(lines);
+    return write_file(text, path);
+}
+
 void expect_failure(Text& text, const std::string& path) {
-    EXPECT_FALSE(text.write_file(path)) << path;
+    EXPECT_FALSE(write_file(text, path)) << path;
     EXPECT_TRUE(text.is_unsaved()) << path;
 }
 
@@ -43,15 +49,15 @@ TEST(Save, writes_lines_with_line_feeds_between_them) {
          {Lines{""}, {"a", "b"}, {"", ""}, {std::string("\0\r\xff", 3), "a\nb", ""}}) {
         Text text(lines);
         std::string bytes = text.lines.text(0, text.lines.bytes());
-        ASSERT_TRUE(text.write_file(folder.path("file")));
+        ASSERT_TRUE(write_file(text, folder.path("file")));
         EXPECT_EQ(folder.read("file"), bytes);
         EXPECT_FALSE(text.modified);
         EXPECT_EQ(text.file_name, folder.path("file"));
-        EXPECT_EQ(text.file_time, Buffer::file_mtime_ms(folder.path("file")));
+        EXPECT_EQ(text.file_time, file_mtime_ms(folder.path("file")));
     }
     Text text({"by its own name"});
     text.file_name = folder.path("file");
-    EXPECT_TRUE(text.write_file(""));
+    EXPECT_TRUE(write_file(text, ""));
     EXPECT_EQ(folder.read("file"), "by its own name");
 }
 
@@ -67,23 +73,23 @@ TEST(Save, writes_long_runs_and_scattered_changes_in_order) {
         text.lines.insert(at, "<changed>");
         bytes.insert(at, "<changed>");
     }
-    ASSERT_TRUE(text.write_file(folder.path("file")));
+    ASSERT_TRUE(write_file(text, folder.path("file")));
     EXPECT_TRUE(folder.read("file") == bytes);
 }
 
 TEST(Save, keeps_one_backup_of_the_text_before) {
     TempFolder folder;
     Text text({"1"});
-    ASSERT_TRUE(text.write_file(folder.path("file")));
+    ASSERT_TRUE(write_file(text, folder.path("file")));
     EXPECT_EQ(folder.files(), Files{"file"});
     for (const char* line : {"2", "3"}) {
         text.lines = LineStore({line});
-        ASSERT_TRUE(text.write_file(""));
+        ASSERT_TRUE(write_file(text, ""));
     }
     EXPECT_EQ(folder.read("file"), "3");
     EXPECT_EQ(folder.read("file.bak"), "2");
     text.backup_on_write = false;
-    ASSERT_TRUE(text.write_file(folder.write("other", "before")));
+    ASSERT_TRUE(write_file(text, folder.write("other", "before")));
     EXPECT_EQ(folder.read("other"), "3");
     EXPECT_EQ(folder.files(), (Files{"file", "file.bak", "other"}));
 }
@@ -93,12 +99,12 @@ TEST(Save, keeps_the_mode_and_leaves_a_new_file_to_the_umask) {
     std::string path = folder.write("file", "old");
     for (mode_t mode : {0640u, 0444u, 0606u}) {
         chmod(path.c_str(), mode);
-        ASSERT_TRUE(Text({"new"}).write_file(path));
+        ASSERT_TRUE(write_text({"new"}, path));
         EXPECT_EQ(status_of(path).st_mode & 07777, mode);
         EXPECT_EQ(status_of(path + ".bak").st_mode & 07777, mode);
     }
     mode_t before = umask(027);
-    ASSERT_TRUE(Text({"new"}).write_file(folder.path("fresh")));
+    ASSERT_TRUE(write_text({"new"}, folder.path("fresh")));
     umask(before);
     EXPECT_EQ(status_of(folder.path("fresh")).st_mode & 07777, 0640u);
 }
@@ -132,7 +138,7 @@ TEST(Save, updates_the_file_behind_a_link_and_keeps_the_link) {
             const ino_t number = status_of(folder.path("real")).st_ino;
             Text text({"new"});
             text.backup_on_write = backup;
-            ASSERT_TRUE(text.write_file(folder.path("file")));
+            ASSERT_TRUE(write_file(text, folder.path("file")));
             EXPECT_EQ(folder.read("real"), "new");
             struct stat after;
             lstat(folder.path("file").c_str(), &after);
@@ -155,7 +161,7 @@ TEST(Save, does_not_write_through_a_backup_that_is_linked_to_the_file) {
     TempFolder folder;
     folder.write("file", "old");
     fs::create_hard_link(folder.path("file"), folder.path("file.bak"));
-    ASSERT_TRUE(Text({"new"}).write_file(folder.path("file")));
+    ASSERT_TRUE(write_text({"new"}, folder.path("file")));
     EXPECT_EQ(folder.read("file"), "new");
     EXPECT_EQ(folder.read("file.bak"), "old");
 }
@@ -163,7 +169,7 @@ TEST(Save, does_not_write_through_a_backup_that_is_linked_to_the_file) {
 TEST(Save, creates_the_file_that_a_link_waits_for) {
     TempFolder folder;
     fs::create_symlink("real", folder.path("file"));
-    ASSERT_TRUE(Text({"new"}).write_file(folder.path("file")));
+    ASSERT_TRUE(write_text({"new"}, folder.path("file")));
     EXPECT_EQ(folder.read("real"), "new");
     EXPECT_EQ(folder.files(), (Files{"file", "real"}));
 }
@@ -184,7 +190,7 @@ TEST(Save, replaces_a_file_with_extended_attributes_by_one_that_has_them) {
     if (!set("user.test", "x") || !set("system.posix_acl_access", list)) GTEST_SKIP();
     const std::optional<FileTraits> before = traits_of(path);
     const ino_t number = status_of(path).st_ino;
-    ASSERT_TRUE(Text({"new"}).write_file(path));
+    ASSERT_TRUE(write_text({"new"}, path));
     EXPECT_EQ(traits_of(path), before);
     EXPECT_EQ(before->attributes.size(), 2u);
     EXPECT_EQ(folder.read("file"), "new");
@@ -203,7 +209,7 @@ TEST(Save, of_a_long_name_shortens_the_names_beside_it) {
             folder.write(name, "old");
             if (linked) fs::create_hard_link(folder.path(name), folder.path("other"));
             for (const char* line : {"new", "newer"}) {
-                ASSERT_TRUE(Text({line}).write_file(folder.path(name))) << size;
+                ASSERT_TRUE(write_text({line}, folder.path(name))) << size;
             }
             Files others = folder.files();
             others.erase(name);
@@ -226,14 +232,14 @@ TEST(Save, clears_what_a_killed_one_has_left_and_nothing_else) {
     folder.write(".file.tpu-12345678", "");
     auto left = std::make_unique<TempFile>(path);
     Files files = folder.files();
-    ASSERT_TRUE(Text({"new"}).write_file(path));
+    ASSERT_TRUE(write_text({"new"}, path));
     files.insert("file.bak");
     EXPECT_EQ(folder.files(), files);  // a session is still writing it
     const std::string name = left->name();
     left->keep();
     left.reset();
     EXPECT_EQ(folder.files(), files);
-    ASSERT_TRUE(Text({"new"}).write_file(path));
+    ASSERT_TRUE(write_text({"new"}, path));
     files.erase(fs::path(name).filename().string());
     EXPECT_EQ(folder.files(), files);
 }
@@ -281,7 +287,7 @@ TEST(Save, fails_where_no_file_or_no_backup_can_be_made) {
     expect_failure(text, folder.path("nothing/file"));
     expect_failure(text, folder.write("file", "old") + "/below");
     text.file_name.clear();
-    EXPECT_FALSE(text.write_file(""));
+    EXPECT_FALSE(write_file(text, ""));
     text.file_name = "none";
 
     mkdir(folder.path("file.bak").c_str(), 0700);
@@ -295,7 +301,7 @@ TEST(Save, fails_where_no_file_or_no_backup_can_be_made) {
 
 TEST(Save, gives_devices_and_pipes_the_text_and_makes_no_backup) {
     TempFolder folder;
-    EXPECT_TRUE(Text({"new"}).write_file("/dev/null"));
+    EXPECT_TRUE(write_text({"new"}, "/dev/null"));
     EXPECT_NE(access("/dev/null.bak", F_OK), 0);
     if (access("/dev/full", W_OK) == 0) {
         Text text({"new"});
@@ -307,7 +313,7 @@ TEST(Save, gives_devices_and_pipes_the_text_and_makes_no_backup) {
     Text unread({"new"});
     expect_failure(unread, pipe);
     int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
-    EXPECT_TRUE(Text({"new"}).write_file(pipe));
+    EXPECT_TRUE(write_text({"new"}, pipe));
     char got[4] = {};
     EXPECT_EQ(read(reader, got, 4), 3);
     EXPECT_STREQ(got, "new");
@@ -322,7 +328,7 @@ TEST(Save, to_standard_output_adds_to_what_it_was_redirected_to) {
     int saved = dup(STDOUT_FILENO), out = open(path.c_str(), O_WRONLY);
     lseek(out, 0, SEEK_END);
     dup2(out, STDOUT_FILENO);
-    bool written = Text({"new"}).write_file("/dev/stdout");
+    bool written = write_text({"new"}, "/dev/stdout");
     dup2(saved, STDOUT_FILENO);
     close(saved);
     close(out);
