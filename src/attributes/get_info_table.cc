@@ -82,7 +82,7 @@ Value buffer_end(const Subject& s) {
 Value whose_buffer(const Subject& s) {
     Buffer* buffer = &s.buffer;
     switch (s.object.type()) {
-        case Type::process: buffer = s.object.process()->output; break;
+        case Type::process: buffer = process_of(s.object)->output; break;
         case Type::window:
         case Type::marker:
         case Type::range: buffer = builtins::buffer_of(s.object); break;
@@ -195,7 +195,7 @@ Value walk_buffers(const Subject& s) {
 Value walk_windows(const Subject& s) {
     TPUEditor& editor = s.editor;
     auto* window = step(editor.windows, editor.walked_window, editor.current_window, s.item);
-    return window ? Value::make_window(const_cast<TPUWindow*>(window)) : number(0);
+    return window ? window_value(const_cast<TPUWindow*>(window)) : number(0);
 }
 
 // clang-format off
@@ -320,7 +320,7 @@ bool has_part(const Subject& s, Of of) {
 
 Marker place_of(const Value& object, Buffer& buffer) {
     if (object.is(Type::marker)) return *object.marker();
-    Buffer* shown = object.is(Type::window) ? object.window()->buffer : &buffer;
+    Buffer* shown = object.is(Type::window) ? window_of(object)->buffer : &buffer;
     return shown ? shown->mark(shown->free_cursor) : Marker();
 }
 
@@ -350,7 +350,7 @@ std::span<const InfoItem> info_items() {
 
 Value get_info(TPUEditor& editor, const Value& object, std::string_view item) {
     Buffer& buffer = object.buffer() ? *object.buffer() : *editor.current_buffer;
-    Subject subject{editor, object, item, buffer, place_of(object, buffer), object.window()};
+    Subject subject{editor, object, item, buffer, place_of(object, buffer), window_of(object)};
     if (!subject.window) subject.window = window_that_shows(editor, subject.place.buffer);
     for (const InfoItem& row : kItems) {
         bool named = std::find(row.names.begin(), row.names.end(), item) != row.names.end();

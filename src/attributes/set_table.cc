@@ -122,7 +122,7 @@ void put_shift_key(SetCall& call) {
 }
 
 void put_status_line(SetCall& call) {
-    TPUWindow* window = call.value(0).window();
+    TPUWindow* window = window_of(call.value(0));
     if (!window) return;
     std::string word = call.word(1);
     if (word == "ON" || word == "TEXT") {

@@ -1,5 +1,6 @@
 // Buffers and files, and deleting whatever there is.
 #include <algorithm>
+#include <functional>
 
 #include "builtins/common.h"
 #include "builtins/families.h"
@@ -72,16 +73,16 @@ void write_file(Call& call) {
     call.editor.set_message(written ? "Wrote " + name : "Write failed" + refusal);
 }
 
-// After this no variable refers to the object that the value shares.
-template <class T>
-void forget_shared(Call& call, const std::shared_ptr<T>& object,
-                   std::shared_ptr<T> (Value::*share)() const) {
-    call.editor.forget_values([&](const Value& value) { return (value.*share)() == object; });
+// After this no variable refers to the object, which `share` takes out of a value.
+template <class T, class Share>
+void forget_shared(Call& call, const std::shared_ptr<T>& object, Share share) {
+    call.editor.forget_values(
+        [&](const Value& value) { return std::invoke(share, value) == object; });
 }
 
 void delete_process(Call& call, const std::shared_ptr<TPUProcess>& process) {
     call.editor.dismiss_process(process);
-    forget_shared(call, process, &Value::process);
+    forget_shared(call, process, process_of);
 }
 
 void delete_array(Call& call, const std::shared_ptr<TPUArray>& array) {
@@ -103,9 +104,9 @@ void delete_object(Call& call) {
     const Value value = call.args.value(0);
     switch (value.type()) {
         case Type::buffer: return delete_buffer(call, value.buffer());
-        case Type::window: return call.editor.delete_window(value.window());
+        case Type::window: return call.editor.delete_window(window_of(value));
         case Type::array: return delete_array(call, value.array());
-        case Type::process: return delete_process(call, value.process());
+        case Type::process: return delete_process(call, process_of(value));
         case Type::marker:
             forget_shared(call, value.marker(), &Value::marker);
             *value.marker() = Marker();

@@ -34,7 +34,7 @@ void show_value(Call& call, const Value& value) {
 Buffer* buffer_of(const Value& value) {
     switch (value.type()) {
         case Value::Type::buffer: return value.buffer();
-        case Value::Type::window: return value.window() ? value.window()->buffer : nullptr;
+        case Value::Type::window: return value.window() ? window_of(value)->buffer : nullptr;
         case Value::Type::marker: return value.marker() ? value.marker()->buffer : nullptr;
         case Value::Type::range: return value.range() ? value.range()->buffer() : nullptr;
         default: return nullptr;

@@ -23,8 +23,8 @@ bool is_source(const Value& value) {
 void execute(Call& call) {
     const Value value = call.args.value(0);
     using Type = Value::Type;
-    if (value.is(Type::learn)) return call.parser.replay(value.learn());
-    if (value.is(Type::program)) return call.parser.execute_program(value.program());
+    if (value.is(Type::learn)) return call.parser.replay(learned_of(value));
+    if (value.is(Type::program)) return call.parser.execute_program(program_of(value));
     if (value.is(Type::buffer) || value.is(Type::range)) {
         return call.parser.compile_text(source_text(value));
     }
@@ -48,9 +48,7 @@ Value execute_value(Call& call) {
 Value compile(Call& call) {
     const Value& source = call.args.value(0);
     if (!is_source(source)) return wrong_type(call, "a string, a buffer or a range");
-    auto program =
-        std::make_shared<Value::Program>(call.parser.compile_program(source_text(source)));
-    return Value::make_program(std::move(program));
+    return program_value(call.parser.compile_program(source_text(source)));
 }
 
 void abort_statement(Call& call) {

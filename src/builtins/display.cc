@@ -77,7 +77,7 @@ Value current_direction(Call& call) {
 
 Value current_window(Call& call) {
     TPUWindow* window = call.editor.current_window;
-    return window ? Value::make_window(window) : tpu_unspecified();
+    return window ? window_value(window) : tpu_unspecified();
 }
 
 // clang-format off

@@ -5,6 +5,7 @@
 #include "builtins/families.h"
 #include "editor/editor.h"
 #include "editor/undo_step.h"
+#include "pattern/join.h"
 #include "text/ascii.h"
 
 namespace tpu::builtins {
@@ -199,11 +200,11 @@ constexpr Builtin kRows[] = {
     {.name = "ERASE", .statement = erase, .least = 1, .most = 1,
      .form = "ERASE(range)", .help = "Erase the text of a range."},
     {.name = "LINE_BEGIN", .statement = [](Call& c) { c.buffer().cursor_column = 0; },
-     .function = [](Call&) { return Value::make_pattern({{{TPUPatternToken::kLineBegin, "", 0, 0}}, false}); },
+     .function = [](Call&) { return pattern_value({{{TPUPatternToken::kLineBegin, "", 0, 0}}, false}); },
      .bare = true, .form = "LINE_BEGIN",
      .help = "Go to the beginning of the line; as a function, the pattern that matches there."},
     {.name = "LINE_END", .statement = [](Call& c) { c.buffer().cursor_column = c.buffer().line_length(); },
-     .function = [](Call&) { return Value::make_pattern({{{TPUPatternToken::kLineEnd, "", 0, 0}}, false}); },
+     .function = [](Call&) { return pattern_value({{{TPUPatternToken::kLineEnd, "", 0, 0}}, false}); },
      .bare = true, .form = "LINE_END",
      .help = "Go to the end of the line; as a function, the pattern that matches there."},
     {.name = "STORE_PASTE", .statement = store_paste, .function = store_paste_value, .least = 1, .most = 1,

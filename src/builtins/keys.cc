@@ -72,11 +72,11 @@ std::optional<KeyBinding> binding_of(Call& call, const Value& what) {
     KeyBinding binding;
     TPUEditor* editor = &call.editor;
     if (what.is(Type::program)) {
-        binding.action = [editor, program = what.program()] {
+        binding.action = [editor, program = program_of(what)] {
             editor->parser.execute_program(program);
         };
     } else if (what.is(Type::learn)) {
-        binding.action = [editor, learned = what.learn()] { editor->parser.replay(learned); };
+        binding.action = [editor, learned = learned_of(what)] { editor->parser.replay(learned); };
     } else if ((what.is(Type::string) || what.is(Type::keyword)) &&
                !tpu_value_is_unspecified(what)) {
         binding.text = what.text();

@@ -8,39 +8,36 @@ namespace tpu::builtins {
 namespace {
 
 void learn_begin(Call& call) {
-    TPUEditor& editor = call.editor;
+    Learning& learning = call.parser.learning;
     // Nor while one is replayed: nobody would end what it begins.
-    if (editor.learning || call.parser.is_replaying()) {
-        call.parser.record_error("TPU$_ONELEARN", editor.learning
+    if (learning.is_on() || learning.is_replaying()) {
+        call.parser.record_error("TPU$_ONELEARN", learning.is_on()
                                                       ? "A learn sequence is being recorded already"
                                                       : "A learn sequence cannot begin another");
-        return editor.set_message(call.parser.error_text);
+        return call.editor.set_message(call.parser.error_text);
     }
-    editor.learning = true;
-    editor.learn_keys = std::make_shared<std::vector<std::string>>();
-    editor.set_message("Learning... call LEARN_END or LEARN_ABORT");
+    learning.begin();
+    call.editor.set_message("Learning... call LEARN_END or LEARN_ABORT");
 }
 
 Value learn_end(Call& call) {
-    TPUEditor& editor = call.editor;
-    editor.learning = false;
-    editor.set_message("LEARN_END");
-    if (!editor.learn_keys) return tpu_unspecified();
-    return Value::make_learn(editor.learn_keys);
+    Learning& learning = call.parser.learning;
+    learning.end();
+    call.editor.set_message("LEARN_END");
+    return learning.sequence() ? learn_value(learning.sequence()) : tpu_unspecified();
 }
 
 void learn_abort(Call& call) {
-    call.editor.learning = false;
-    call.editor.learn_keys.reset();
+    call.parser.learning.abort();
     call.editor.set_message("LEARN_ABORT");
 }
 
 // The statements, each on a line of its own.
 Value expand_learn(Call& call) {
-    std::shared_ptr<Value::Learn> learned = call.args.value(0).learn();
+    std::shared_ptr<LearnSequence> learned = learned_of(call.args.value(0));
     if (!learned) return wrong_type(call, "a learn sequence");
     std::string text;
-    for (const std::string& statement : *learned) {
+    for (const std::string& statement : learned->statements) {
         if (!text.empty()) text += '\n';
         text += statement;
     }

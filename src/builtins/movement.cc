@@ -125,8 +125,8 @@ void position(Call& call) {
         go_to(call, target.range()->start);
     } else if (target.is(Type::buffer)) {
         call.editor.position(target.buffer());
-    } else if (target.is(Type::window) && target.window()) {
-        call.editor.enter_window(target.window());
+    } else if (window_of(target)) {
+        call.editor.enter_window(window_of(target));
     } else if (target.is(Type::keyword)) {
         for (const Place& place : kPlaces) {
             if (target.text() == place.word) return place.go(call);

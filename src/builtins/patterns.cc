@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "builtins/families.h"
+#include "pattern/join.h"
 #include "pattern/pattern.h"
 
 namespace tpu::builtins {
@@ -13,7 +14,7 @@ using Token = TPUPatternToken;
 Value token(Token::Kind kind, std::string text = {}, std::uint64_t count = 0) {
     TPUPattern pattern;
     pattern.tokens.push_back({kind, std::move(text), count, 0});
-    return Value::make_pattern(std::move(pattern));
+    return pattern_value(std::move(pattern));
 }
 
 template <Token::Kind kind>
@@ -30,7 +31,7 @@ Value set(Call& call) {
 Value anchor(Call&) {
     TPUPattern pattern;
     pattern.anchored = true;
-    return Value::make_pattern(std::move(pattern));
+    return pattern_value(std::move(pattern));
 }
 
 Value arb(Call& call) {

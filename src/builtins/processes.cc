@@ -12,7 +12,7 @@ using Process = std::shared_ptr<TPUProcess>;
 // The process that an argument is, or the one that was started last; null without any.
 Process target(Call& call, std::size_t i) {
     const Value& value = call.args.value(i);
-    if (value.is(Value::Type::process)) return value.process();
+    if (value.is(Value::Type::process)) return process_of(value);
     return call.editor.processes.empty() ? nullptr : call.editor.processes.back();
 }
 
@@ -35,7 +35,7 @@ Value create_process(Call& call) {
     }
     editor.processes.push_back(process);
     editor.set_message("Process started (pid " + std::to_string(process->pid()) + ")");
-    return Value::make_process(std::move(process));
+    return process_value(std::move(process));
 }
 
 void send(Call& call) {

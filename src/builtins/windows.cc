@@ -12,7 +12,7 @@ using Type = Value::Type;
 // The window that an argument is, else null with an error recorded.
 TPUWindow* window_argument(Call& call, std::size_t i) {
     const Value& value = call.args.value(i);
-    if (value.is(Type::window) && value.window()) return value.window();
+    if (TPUWindow* window = window_of(value)) return window;
     wrong_type(call, "a window");
     return nullptr;
 }
@@ -27,7 +27,7 @@ int rows_argument(Call& call, std::size_t i) {
 Value create_window(Call& call) {
     if (call.args.count() < 2) return wrong_type(call, "a top row and a height");
     int top = rows_argument(call, 0), height = rows_argument(call, 1);
-    return Value::make_window(call.editor.create_window(top, height, call.args.on(2, true)));
+    return window_value(call.editor.create_window(top, height, call.args.on(2, true)));
 }
 
 void map(Call& call) {

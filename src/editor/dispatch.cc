@@ -64,7 +64,7 @@ bool follow_mouse(TPUEditor& editor, int key) {
 
 // Procedures are run from a copy, since they may change their own setting.
 void run_procedure(TPUEditor& editor, std::string text) {
-    Unrecorded automatic(editor.parser);
+    Unrecorded automatic(editor.parser.learning);
     if (!text.empty()) editor.parser.execute_text(text);
 }
 
@@ -162,16 +162,16 @@ std::string TPUEditor::read_character(int first) {
 }
 
 void TPUEditor::run_key_text(const std::string& text) {
-    bool recorded = parser.record_begin(text);
+    bool recorded = parser.learning.record_begin(text);
     {
-        Unrecorded parts(parser);
+        Unrecorded parts(parser.learning);
         if (!parser.knows(text) && is_command(text)) {
             execute_command(text);
         } else {
             parser.execute_text(text);
         }
     }
-    if (recorded) parser.record_end();
+    if (recorded) parser.learning.record_end();
 }
 
 void TPUEditor::insert_paste(const std::string& text) {

@@ -84,8 +84,6 @@ class TPUEditor {
     int shift_key = 0;  // 0: none
     int mouse_row = -1;
     int mouse_column = -1;
-    bool learning = false;
-    std::shared_ptr<std::vector<std::string>> learn_keys;
     std::vector<LineStore> kill_ring;  // oldest first
     std::uint64_t kill_ring_index = 0;
     std::map<std::string, LineStore> named_pastes;  // by upper-case name

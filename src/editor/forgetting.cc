@@ -72,7 +72,7 @@ void leave_buffer(TPUEditor& editor, const Buffer* buffer) {
 void forget_buffer(TPUEditor& owner, const Buffer* buffer) {
     for (TPUEditor* editor : sessions()) leave_buffer(*editor, buffer);
     owner.forget_values([buffer](const Value& value) {
-        std::shared_ptr<TPUProcess> process = value.process();
+        std::shared_ptr<TPUProcess> process = process_of(value);
         if (process && process->output == buffer) process->output = nullptr;
         return speaks_of(value, buffer);
     });

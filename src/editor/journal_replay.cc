@@ -83,10 +83,10 @@ class Replay {
     Replay& operator=(const Replay&) = delete;
 
     void run_all() {
-        Kept session(editor_.running, editor_.exit_status, editor_.learning, editor_.learn_keys);
-        Kept code(run_.statement_depth, run_.unrecorded, run_.current_line);
-        editor_.learning = false;
-        run_.statement_depth = run_.unrecorded = run_.current_line = 0;
+        Kept session(editor_.running, editor_.exit_status);
+        Kept code(run_.statement_depth, run_.current_line, run_.learning);
+        run_.learning.pause();
+        run_.statement_depth = run_.current_line = 0;
         for (std::string statement; !run_.interrupted && reader_.next(statement); ++count_) {
             run_one(statement);
         }

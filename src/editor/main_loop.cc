@@ -58,7 +58,7 @@ void run_timer(TPUEditor& editor) {
     if (editor.timer_interval <= 0 || editor.timer_action.empty()) return;
     Clock::time_point now = editor.ports.clock.now();
     if (now - editor.timer_start < std::chrono::milliseconds(editor.timer_interval)) return;
-    Unrecorded automatic(editor.parser);
+    Unrecorded automatic(editor.parser.learning);
     editor.parser.execute_text(std::string(editor.timer_action));
     // From its end on, so that one that takes longer than its period leaves time for keys.
     editor.timer_start = editor.ports.clock.now();

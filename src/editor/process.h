@@ -14,12 +14,11 @@
 
 #include "os/descriptor.h"
 #include "text/charset.h"
+#include "value/value.h"
 
 namespace tpu {
 
-class Buffer;
-
-class TPUProcess {
+class TPUProcess : public Object {
   public:
     std::string command;       // as started
     Buffer* output = nullptr;  // takes what the child writes; not owned; null: it is dropped
@@ -28,7 +27,7 @@ class TPUProcess {
     TPUProcess(const TPUProcess&) = delete;
     TPUProcess& operator=(const TPUProcess&) = delete;
     // Ends a child that still runs, without waiting until it has.
-    ~TPUProcess();
+    ~TPUProcess() override;
 
     // Runs a command line in the shell. Once per object. False: no pipe or child
     // could be made. A command that the shell cannot run is no failure; the shell's
@@ -89,5 +88,13 @@ class TPUProcess {
     std::string undelivered_;  // most often the begin of a character that is still to arrive
     bool talking_ = false;
 };
+
+inline Value process_value(std::shared_ptr<TPUProcess> process) {
+    return Value::make_object(Value::Type::process, std::move(process));
+}
+// Null for a value of another type.
+inline std::shared_ptr<TPUProcess> process_of(const Value& value) {
+    return value.object<TPUProcess>(Value::Type::process);
+}
 
 }  // namespace tpu

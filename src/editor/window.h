@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <string>
 
+#include "value/value.h"
+
 namespace tpu {
 
-class Buffer;
-
-struct TPUWindow {
+struct TPUWindow : Object {
     int top = 0;     // first screen row
     int height = 1;  // rows, the window's own status row included
     int left = 0;    // first screen column
@@ -29,6 +29,16 @@ struct TPUWindow {
         int count = has_status ? height - 1 : height;
         return count > 1 ? count : 1;
     }
+
+    std::string text() const override;
 };
+
+inline Value window_value(TPUWindow* window) {
+    return Value::make_window(window);
+}
+// Null for a value of another type.
+inline TPUWindow* window_of(const Value& value) {
+    return static_cast<TPUWindow*>(value.window());
+}
 
 }  // namespace tpu

@@ -6,6 +6,10 @@
 
 namespace tpu {
 
+std::string TPUWindow::text() const {
+    return buffer ? "<window:" + buffer->name + ">" : "<window>";
+}
+
 namespace {
 
 auto find_window(std::vector<std::unique_ptr<TPUWindow>>& windows, const TPUWindow* window) {

@@ -62,7 +62,7 @@ inline void run_one(MiniTPUParser& run, const Stmt& stmt) {
     switch (stmt.kind) {
         case Stmt::kPlain: run.run_statement(code, stmt.text); break;
         case Stmt::kAssignment:
-            run.editor.learning ? run.record_assignment(stmt) : run.run_assignment(code);
+            run.learning.is_on() ? run.record_assignment(stmt) : run.run_assignment(code);
             break;
         case Stmt::kIf:
             run_nested(run, is_true(run, code.expression) ? stmt.body : stmt.else_body);
@@ -210,9 +210,9 @@ void MiniTPUParser::run_assignment(const StmtCode& code) {
 
 void MiniTPUParser::record_assignment(const Stmt& stmt) {
     bool outermost = statement_depth == 0 && symbols.depth() == 0;
-    bool recorded = outermost && record_begin(stmt.text + " := " + stmt.expression);
+    bool recorded = outermost && learning.record_begin(stmt.text + " := " + stmt.expression);
     run_assignment(*stmt.code);
-    if (recorded) record_end();
+    if (recorded) learning.record_end();
 }
 
 void MiniTPUParser::interrupt() {
@@ -236,7 +236,7 @@ void MiniTPUParser::recover() {
     symbols.leave_all();
     statement_depth = 0;
     program_depth = 0;
-    replaying_.clear();
+    learning.leave_all();
     replayed_journals.clear();
     returned = nullptr;
     stopped = false;

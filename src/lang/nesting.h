@@ -25,17 +25,4 @@ class Nesting {
     MiniTPUParser& run_;
 };
 
-// What runs meanwhile was not asked for by a statement of its own, and is no part of
-// the learn sequence that is being recorded.
-class Unrecorded {
-  public:
-    explicit Unrecorded(MiniTPUParser& run) : run_(run) { ++run_.unrecorded; }
-    ~Unrecorded() { --run_.unrecorded; }
-    Unrecorded(const Unrecorded&) = delete;
-    Unrecorded& operator=(const Unrecorded&) = delete;
-
-  private:
-    MiniTPUParser& run_;
-};
-
 }  // namespace tpu

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "lang/code_cache.h"
+#include "lang/learning.h"
 #include "lang/stmt.h"
 #include "lang/symbols.h"
 #include "os/work.h"
@@ -76,7 +77,6 @@ class MiniTPUParser {
     std::shared_ptr<const std::vector<Stmt>> returned_from;  // its code, if nobody else keeps it
     bool was_interrupted = false;  // the outermost statement that ended last
     bool interrupted = false;      // everything is to end, the outermost statement too
-    int unrecorded = 0;            // see Unrecorded
     int block_depth = 0;           // blocks and statements under way
     int program_depth = 0;         // programs and texts among them
     struct FileId {
@@ -86,6 +86,7 @@ class MiniTPUParser {
     std::vector<FileId> replayed_journals;  // innermost last
     const char* stack_limit = nullptr;      // where the running stack is nearly used up
     CodeCache code_cache;
+    Learning learning;
 
     // Passes after which a loop ends, a guard against those that never end; 0: none.
     std::uint64_t loop_limit = 100'000;
@@ -158,13 +159,8 @@ class MiniTPUParser {
     void run_statement(const StmtCode& code, const std::string& text);
     void run_assignment(const StmtCode& code);
     void record_assignment(const Stmt& stmt);  // the same while a learn sequence is recorded
-    // Keeps a statement in the learn sequence that is being recorded, before it runs;
-    // false when none is. What ended the recording is taken out of it again.
-    bool record_begin(const std::string& text);
-    void record_end();
     // Runs a learn sequence; one that comes to run itself ends with a recorded error.
-    void replay(const std::shared_ptr<std::vector<std::string>>& learned);
-    bool is_replaying() const { return !replaying_.empty(); }
+    void replay(const std::shared_ptr<LearnSequence>& learned);
     bool can_run(const Builtin& builtin) const;  // most need a current buffer
     void run_builtin(const Builtin& builtin, const CallSite& site);
 
@@ -215,7 +211,6 @@ class MiniTPUParser {
     void report_unknown(const std::string& text);
 
     std::vector<std::unique_ptr<Procedure>> retired_;  // redefined while they may have run
-    std::vector<const void*> replaying_;               // the learn sequences that run
     std::vector<const Stmt*> ended_loops_;             // those that have said so
     unsigned steps_ = 0;
     std::chrono::steady_clock::time_point last_look_;  // at the keyboard

@@ -89,42 +89,27 @@ void MiniTPUParser::execute_text(const std::string& text) {
     }
 }
 
-void MiniTPUParser::replay(const std::shared_ptr<std::vector<std::string>>& learned) {
-    constexpr std::size_t kDeepest = 100;
-    bool runs_itself =
-        std::find(replaying_.begin(), replaying_.end(), learned.get()) != replaying_.end();
-    if (runs_itself || replaying_.size() == kDeepest ||
-        (editor.learning && learned == editor.learn_keys)) {
+void MiniTPUParser::replay(const std::shared_ptr<LearnSequence>& learned) {
+    if (!learning.enter(*learned)) {
         record_error("TPU$_RECURLEARN", "A learn sequence cannot run itself");
         editor.set_message(error_text);
         return;
     }
     Nesting nesting(*this);
-    replaying_.push_back(learned.get());
-    Unrecorded unrecorded_replay(*this);
-    for (const std::string& statement : *learned) {
+    Unrecorded unrecorded_replay(learning);
+    for (const std::string& statement : learned->statements) {
         look_for_interrupt();
         if (control_signal != Signal::none) break;
         editor.run_key_text(statement);
     }
-    replaying_.pop_back();
+    learning.leave();
 }
 
 void MiniTPUParser::run_statement(const StmtCode& code, const std::string& text) {
-    bool recorded = ++statement_depth == 1 && symbols.depth() == 0 && record_begin(text);
+    bool recorded = ++statement_depth == 1 && symbols.depth() == 0 && learning.record_begin(text);
     run_plain(code, text);
-    if (recorded) record_end();
+    if (recorded) learning.record_end();
     --statement_depth;
-}
-
-bool MiniTPUParser::record_begin(const std::string& text) {
-    if (!editor.learning || !editor.learn_keys || unrecorded > 0) return false;
-    editor.learn_keys->push_back(text);
-    return true;
-}
-
-void MiniTPUParser::record_end() {
-    if (!editor.learning && editor.learn_keys) editor.learn_keys->pop_back();
 }
 
 void MiniTPUParser::run_plain(const StmtCode& code, const std::string& text) {

@@ -31,4 +31,16 @@ Stmt::~Stmt() {
     }
 }
 
+Value program_value(std::vector<Stmt> statements) {
+    auto program = std::make_shared<Program>();
+    program->statements = std::move(statements);
+    return Value::make_object(Value::Type::program, std::move(program));
+}
+
+std::shared_ptr<const std::vector<Stmt>> program_of(const Value& value) {
+    auto program = value.object<Program>(Value::Type::program);
+    if (!program) return nullptr;
+    return {program, &program->statements};
+}
+
 }  // namespace tpu

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "value/value.h"
+
 namespace tpu {
 
 struct StmtCode;
@@ -31,6 +33,17 @@ struct Stmt {
     // that ran it.
     mutable std::shared_ptr<const StmtCode> code;
 };
+
+struct Program : Object {
+    bool truth() const override { return !statements.empty(); }
+
+    std::vector<Stmt> statements;
+};
+
+// A value that is executed later.
+Value program_value(std::vector<Stmt> statements);
+// Null for a value of another type.
+std::shared_ptr<const std::vector<Stmt>> program_of(const Value& value);
 
 struct Procedure {
     std::string name;                     // as in the header

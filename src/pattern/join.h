@@ -6,6 +6,10 @@
 
 namespace tpu {
 
+Value pattern_value(TPUPattern pattern);
+// Null for a value of another type.
+const TPUPattern* pattern_of(const Value& value);
+
 // A copy of a pattern value's pattern, one literal for a string value (the empty
 // one too), the empty pattern for any other.
 TPUPattern value_to_pattern(const Value& value);

@@ -6,10 +6,6 @@
 
 #include "buffer/buffer.h"
 #include "buffer/marker.h"
-#include "editor/process.h"
-#include "editor/window.h"
-#include "lang/stmt.h"
-#include "pattern/pattern.h"
 #include "text/ascii.h"
 #include "value/array.h"
 
@@ -34,11 +30,6 @@ long long leading_integer(std::string_view text) {
     return integer;
 }
 
-std::string rendering(const TPUWindow* window) {
-    if (!window) return {};
-    return window->buffer ? "<window:" + window->buffer->name + ">" : "<window>";
-}
-
 std::string rendering(const Range* range) {
     const Buffer* buffer = range ? range->buffer() : nullptr;
     return buffer ? buffer->text_of_range(*range) : std::string();
@@ -48,6 +39,11 @@ std::string rendering(const Marker* marker) {
     if (!marker || !marker->buffer) return {};
     return "<marker " + marker->buffer->name + ":" + std::to_string(marker->row + 1) + "," +
            std::to_string(marker->column + 1) + ">";
+}
+
+std::string rendering(Value::Type type, const Object* object) {
+    std::string text = object ? object->text() : std::string();
+    return text.empty() ? "<" + std::string(type_name(type)) + ">" : text;
 }
 
 }  // namespace
@@ -70,15 +66,15 @@ Value::Value(Type type, std::string_view text) {
 }
 
 Value::Value(Type type, std::shared_ptr<void> object)
-    : Value(type, new Object{1, std::move(object)}) {
-    word_.head |= std::uint64_t{kObject} << 8;
+    : Value(type, new Held{1, std::move(object)}) {
+    word_.head |= std::uint64_t{kHeld} << 8;
 }
 
 void Value::free_payload() {
     if (counted() == kText) {
         ::operator delete(long_text());
     } else {
-        delete object();
+        delete held();
     }
 }
 
@@ -111,10 +107,6 @@ void Value::append(std::string_view text) {
     }
 }
 
-Value Value::make_pattern(TPUPattern pattern) {
-    return {Type::pattern, std::make_shared<TPUPattern>(std::move(pattern))};
-}
-
 Value Value::make_range(Range range) {
     return {Type::range, std::make_shared<Range>(range)};
 }
@@ -127,16 +119,8 @@ Value Value::make_array(std::shared_ptr<TPUArray> array) {
     return {Type::array, std::move(array)};
 }
 
-Value Value::make_program(std::shared_ptr<Program> program) {
-    return {Type::program, std::move(program)};
-}
-
-Value Value::make_learn(std::shared_ptr<Learn> keys) {
-    return {Type::learn, std::move(keys)};
-}
-
-Value Value::make_process(std::shared_ptr<TPUProcess> process) {
-    return {Type::process, std::move(process)};
+Value Value::make_object(Type type, std::shared_ptr<Object> object) {
+    return {type, std::shared_ptr<void>(std::move(object))};
 }
 
 long long Value::number_in_text() const {
@@ -152,12 +136,12 @@ std::string Value::as_string() const {
         case Type::range: return rendering(range().get());
         case Type::marker: return rendering(marker().get());
         case Type::buffer: return buffer() ? buffer()->name : std::string();
-        case Type::window: return rendering(window());
+        case Type::window: return window() ? rendering(type(), window()) : std::string();
+        case Type::array: return rendering(type(), nullptr);
         case Type::pattern:
-        case Type::array:
         case Type::program:
         case Type::learn:
-        case Type::process: return std::string("<").append(type_name(type())).append(">");
+        case Type::process: return rendering(type(), shared<Object>(type()).get());
     }
     return {};
 }
@@ -168,15 +152,18 @@ bool Value::is_there() const {
         case Type::string: return !text().empty();
         case Type::keyword: return spells(text(), "ON") || spells(text(), "TRUE");
         case Type::none: return false;
-        case Type::pattern: return pattern() && !pattern()->tokens.empty();
         case Type::range: return range() && range()->valid;
         case Type::marker: return marker() && marker()->buffer;
         case Type::buffer: return buffer();
         case Type::window: return window();
-        case Type::program: return program() && !program()->empty();
-        case Type::learn: return learn() && !learn()->empty();
-        case Type::array:
-        case Type::process: return object()->object != nullptr;
+        case Type::array: return held()->object != nullptr;
+        case Type::pattern:
+        case Type::program:
+        case Type::learn:
+        case Type::process: {
+            const auto object = shared<Object>(type());
+            return object && object->truth();
+        }
     }
     return false;
 }

@@ -7,6 +7,9 @@
 // reference, and both copies then speak of one object. Buffers and windows belong
 // to the editor; a Value only points at them, and whoever deletes one sees to it
 // that no Value still does.
+//
+// What the folders above hold in a Value is an Object. They have the functions that put
+// one in and take it out again, such as pattern_value and pattern_of.
 #pragma once
 
 #include <bit>
@@ -16,18 +19,27 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 namespace tpu {
 
 class Buffer;
-class TPUProcess;
 struct Marker;
 struct Range;
-struct Stmt;
 struct TPUArray;
-struct TPUPattern;
-struct TPUWindow;
+
+// All that a Value needs to know of what it holds.
+class Object {
+  public:
+    virtual ~Object() = default;
+    // What as_string gives; empty: the name of the type in angle brackets.
+    virtual std::string text() const { return {}; }
+    virtual bool truth() const { return true; }
+
+  protected:
+    Object() = default;
+    Object(const Object&) = default;
+    Object& operator=(const Object&) = default;
+};
 
 // The bits of a Value. They pass through registers, which is what makes evaluating
 // an expression fast; whoever holds a Word owns what it refers to. A head of 0
@@ -54,8 +66,6 @@ class Value {
         learn,
         process,
     };
-    using Program = std::vector<Stmt>;
-    using Learn = std::vector<std::string>;
 
     Value() noexcept : word_{kNone, 0} {}
     Value(const Value& other) noexcept : Value(other.share()) {}
@@ -97,20 +107,18 @@ class Value {
     static Value make_kw(std::string_view name) { return {Type::keyword, name}; }
     // The string that is one text behind the other.
     static Value make_joined(std::string_view first, std::string_view second);
-    static Value make_pattern(TPUPattern pattern);
     static Value make_range(Range range);
     static Value make_marker(Marker marker);
     static Value make_buffer(Buffer* buffer) { return {Type::buffer, buffer}; }
-    static Value make_window(TPUWindow* window) { return {Type::window, window}; }
+    static Value make_window(Object* window) { return {Type::window, static_cast<void*>(window)}; }
     // A new array that the walk over all arrays will find.
     static Value make_array();
     // The same with `count` elements, at least 1 and at most 65535, for the integer
     // subscripts from `low` on. They hold the unspecified value.
     static Value make_array(long long count, long long low);
     static Value make_array(std::shared_ptr<TPUArray> array);  // shares it
-    static Value make_program(std::shared_ptr<Program> program);
-    static Value make_learn(std::shared_ptr<Learn> keys);
-    static Value make_process(std::shared_ptr<TPUProcess> process);
+    // Of the types pattern, program, learn and process; null: a value without any.
+    static Value make_object(Type type, std::shared_ptr<Object> object);
 
     Type type() const { return static_cast<Type>(word_.head & 0xff); }
     bool is(Type type) const { return this->type() == type; }
@@ -123,17 +131,18 @@ class Value {
         return {short_text(), is_text(type()) ? short_size() : 0};
     }
     Buffer* buffer() const { return plain<Buffer>(Type::buffer); }
-    TPUWindow* window() const { return plain<TPUWindow>(Type::window); }
-    std::shared_ptr<TPUPattern> pattern() const { return shared<TPUPattern>(Type::pattern); }
+    Object* window() const { return plain<Object>(Type::window); }
     std::shared_ptr<Range> range() const { return shared<Range>(Type::range); }
     std::shared_ptr<Marker> marker() const { return shared<Marker>(Type::marker); }
     std::shared_ptr<TPUArray> array() const { return shared<TPUArray>(Type::array); }
-    std::shared_ptr<Program> program() const { return shared<Program>(Type::program); }
-    std::shared_ptr<Learn> learn() const { return shared<Learn>(Type::learn); }
-    std::shared_ptr<TPUProcess> process() const { return shared<TPUProcess>(Type::process); }
+    // What make_object was given; null when the value is not of that type.
+    template <class T>
+    std::shared_ptr<T> object(Type type) const {
+        return std::static_pointer_cast<T>(shared<Object>(type));
+    }
     // The array without a share in it.
     TPUArray* array_here() const {
-        return is(Type::array) ? static_cast<TPUArray*>(object()->object.get()) : nullptr;
+        return is(Type::array) ? static_cast<TPUArray*>(held()->object.get()) : nullptr;
     }
 
     // An integer as it is, the number that a string begins with, else 0. A number
@@ -155,15 +164,15 @@ class Value {
     }
     // How many values hold the long text, pattern, array or the like that this one does.
     std::size_t holders() const { return counted() ? count() : 1; }
-    // The pattern, to be changed in place; null when anybody else holds it.
-    TPUPattern* own_pattern() const {
-        bool is_own = is(Type::pattern) && count() == 1 && object()->object.use_count() == 1;
-        return is_own ? static_cast<TPUPattern*>(object()->object.get()) : nullptr;
+    // True when nobody else holds the pattern or the like that this value does: it may be
+    // changed in place.
+    bool is_only_holder() const {
+        return counted() == kHeld && count() == 1 && held()->object.use_count() == 1;
     }
 
   private:
     // What the second byte of the head says of the payload.
-    enum Counted : unsigned { kPlain, kText, kObject };
+    enum Counted : unsigned { kPlain, kText, kHeld };
 
     struct LongText {
         std::size_t count;
@@ -172,7 +181,7 @@ class Value {
 
         char* bytes() { return reinterpret_cast<char*>(this + 1); }
     };
-    struct Object {
+    struct Held {
         std::size_t count;
         std::shared_ptr<void> object;
     };
@@ -206,7 +215,7 @@ class Value {
         return reinterpret_cast<void*>(static_cast<std::uintptr_t>(word_.tail));
     }
     LongText* long_text() const { return static_cast<LongText*>(pointer()); }
-    Object* object() const { return static_cast<Object*>(pointer()); }
+    Held* held() const { return static_cast<Held*>(pointer()); }
     // Both counted payloads begin with their count.
     std::size_t& count() const { return *static_cast<std::size_t*>(pointer()); }
 
@@ -228,7 +237,7 @@ class Value {
     }
     template <class T>
     std::shared_ptr<T> shared(Type type) const {
-        return is(type) ? std::static_pointer_cast<T>(object()->object) : nullptr;
+        return is(type) ? std::static_pointer_cast<T>(held()->object) : nullptr;
     }
 
     Word word_;

@@ -151,14 +151,13 @@ TEST(Keys, use_the_list_that_their_buffer_names) {
 
 TEST(Keys, run_procedures_before_and_after_and_record_texts_while_learning) {
     Session s({"one", "two"});
-    s.editor.learning = true;
-    s.editor.learn_keys = std::make_shared<Rows>();
+    s.editor.parser.learning.begin();
     s.editor.pre_key_procedure = "BOTTOM";
     s.editor.post_key_procedure = "TOP";
     s.press("!<GOLD>E");
     EXPECT_EQ(s.lines(), (Rows{"one", "two!"}));
     EXPECT_EQ(s.cursor(), (Position{0, 0}));
-    EXPECT_EQ(*s.editor.learn_keys, (Rows{"END"}));
+    EXPECT_EQ(s.editor.parser.learning.sequence()->statements, (Rows{"END"}));
 }
 
 TEST(Keys, keep_what_was_bound_to_them_before_the_defaults) {

@@ -69,10 +69,10 @@ TEST(PatternText, gives_tokens) {
 }
 
 TEST(PatternText, equals_what_joined_values_make) {
-    const Value digits = Value::make_pattern(parse_pattern_expression("ANCHOR + SPAN(\"09\")"));
+    const Value digits = pattern_value(parse_pattern_expression("ANCHOR + SPAN(\"09\")"));
     const Value x = Value::make_str("x"), number = Value::make_int(7);
     auto joined = [](const Value& a, const Value& b, char op) {
-        return shown(*concat_patterns(a, b, op).pattern());
+        return shown(*pattern_of(concat_patterns(a, b, op)));
     };
     EXPECT_EQ(joined(x, digits, '&'),
               shown(parse_pattern_expression("\"x\" & SPAN(\"09\") + ANCHOR")));

@@ -8,7 +8,9 @@
 #include "buffer/marker.h"
 #include "editor/process.h"
 #include "editor/window.h"
+#include "lang/learning.h"
 #include "lang/stmt.h"
+#include "pattern/join.h"
 #include "pattern/pattern.h"
 #include "value/array.h"
 
@@ -44,23 +46,23 @@ TEST(Value, renders_as_text) {
         {Value(), ""},
         {Value::make_buffer(&main), "MAIN"},
         {Value::make_buffer(nullptr), ""},
-        {Value::make_window(&window), "<window>"},
-        {Value::make_window(&on_main), "<window:MAIN>"},
-        {Value::make_window(nullptr), ""},
+        {window_value(&window), "<window>"},
+        {window_value(&on_main), "<window:MAIN>"},
+        {window_value(nullptr), ""},
         {Value::make_marker({&main, 2, 0}), "<marker MAIN:3,1>"},
         {Value::make_marker({}), ""},
         {Value::make_range(Range({&main, 1, 2}, {&main, 0, 1})), "ne\ntw"},
         {Value::make_range(Range(Marker(), Marker())), ""},
-        {Value::make_pattern({}), "<pattern>"},
-        {Value::make_process(nullptr), "<process>"},
+        {pattern_value({}), "<pattern>"},
+        {process_value(nullptr), "<process>"},
     };
     for (auto& [value, text] : cases) EXPECT_EQ(value.as_string(), text) << type_name(value.type());
 }
 
 TEST(Value, truth_is_what_is_there_and_not_empty) {
     Buffer main("MAIN", "");
-    auto program = std::make_shared<Value::Program>();
-    auto learn = std::make_shared<Value::Learn>();
+    auto program = std::make_shared<Program>();
+    auto learn = std::make_shared<LearnSequence>();
     const std::pair<Value, bool> cases[] = {
         {Value(), false},
         {Value::make_int(0), false},
@@ -70,8 +72,8 @@ TEST(Value, truth_is_what_is_there_and_not_empty) {
         {Value::make_kw("true"), true},
         {Value::make_kw("On"), true},
         {Value::make_kw("ONE"), false},
-        {Value::make_pattern({}), false},
-        {Value::make_pattern({{TPUPatternToken::literal("a")}, false}), true},
+        {pattern_value({}), false},
+        {pattern_value({{TPUPatternToken::literal("a")}, false}), true},
         {Value::make_range(Range()), false},
         {Value::make_range(Range(Marker(), Marker())), true},
         {Value::make_marker({}), false},
@@ -80,17 +82,17 @@ TEST(Value, truth_is_what_is_there_and_not_empty) {
         {Value::make_buffer(&main), true},
         {Value::make_array(), true},
         {Value::make_array(std::shared_ptr<TPUArray>()), false},
-        {Value::make_program(program), false},
-        {Value::make_learn(learn), false},
-        {Value::make_process(std::make_shared<TPUProcess>()), true},
+        {Value::make_object(Value::Type::program, program), false},
+        {learn_value(learn), false},
+        {process_value(std::make_shared<TPUProcess>()), true},
     };
     for (auto& [value, truth] : cases) {
         EXPECT_EQ(value.truthy(), truth) << type_name(value.type()) << ' ' << value.as_string();
     }
-    program->emplace_back();
-    learn->emplace_back();
-    EXPECT_TRUE(Value::make_program(program).truthy());
-    EXPECT_TRUE(Value::make_learn(learn).truthy());
+    program->statements.emplace_back();
+    learn->statements.emplace_back();
+    EXPECT_TRUE(Value::make_object(Value::Type::program, program).truthy());
+    EXPECT_TRUE(learn_value(learn).truthy());
 }
 
 TEST(Value, unspecified_is_no_type_or_one_of_two_keywords) {
