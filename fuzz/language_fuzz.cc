@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "app/no_terminal.h"
+#include "commands/vocabulary.h"
 #include "editor/editor.h"
 #include "outside.h"
 #include "value/array.h"
@@ -74,7 +75,7 @@ void run(const std::string& source) {
     HastyClock clock;
     NoOutside outside;
     {
-        TPUEditor editor({terminal, clock});
+        TPUEditor editor({terminal, clock}, vocabulary());
         editor.charset = Charset::utf8;
         editor.parser.longest_text = kLongestText;
         Buffer* buffer = editor.create_buffer("MAIN", "");

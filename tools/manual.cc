@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/options.h"
+#include "commands/help.h"
 #include "editor/editor.h"
 #include "editor/version.h"
 #include "help_blocks.h"
@@ -58,10 +59,10 @@ std::string markdown() {
         "# Reference\n\n"
         "What HELP says on each topic. This file is made from the program's own tables by\n"
         "`script/manual`.\n";
-    for (const std::string& topic : TPUEditor::help_topics()) {
+    for (const std::string& topic : help_topics()) {
         if (topic == "OVERVIEW") continue;
         text += "\n## " + topic + "\n";
-        for (const HelpBlock& block : help_blocks(TPUEditor::help_text(topic))) {
+        for (const HelpBlock& block : help_blocks(help_text(topic))) {
             text += block.literal ? "\n```\n" : "\n";
             for (const std::string& line : block.lines) {
                 text += (block.literal ? line : markdown_text(line)) + '\n';
@@ -105,7 +106,7 @@ std::string page_head(const char* section, const char* description) {
 }
 
 std::string topic_section(const std::string& topic) {
-    return ".Sh " + topic + "\n" + roff_blocks(TPUEditor::help_text(topic));
+    return ".Sh " + topic + "\n" + roff_blocks(help_text(topic));
 }
 
 // The program.
@@ -152,7 +153,7 @@ std::string page7() {
         ".Sh DESCRIPTION\n"
         "This page has what the editor's HELP says on the language and on what its\n"
         "built\\-in procedures act on.\n";
-    for (const std::string& topic : TPUEditor::help_topics()) {
+    for (const std::string& topic : help_topics()) {
         if (topic == "OVERVIEW" || topic == "KEYS" || topic == "COMMANDS") continue;
         text += topic_section(topic);
     }

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "app/no_terminal.h"
+#include "commands/vocabulary.h"
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
 
@@ -21,7 +22,7 @@ constexpr int kFailure = -1;
 
 // A host's locale is no business of ours, so what is text to people is UTF-8.
 std::unique_ptr<tpu::TPUEditor> make_editor(tpu::Ports ports) {
-    auto editor = std::make_unique<tpu::TPUEditor>(ports);
+    auto editor = std::make_unique<tpu::TPUEditor>(ports, tpu::vocabulary());
     editor->headless = true;
     editor->charset = tpu::Charset::utf8;
     editor->create_buffer("MAIN", "");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "commands/vocabulary.h"
 #include "editor/editor.h"
 #include "editor/glyphs.h"
 #include "editor/recovery.h"
@@ -71,7 +72,7 @@ void complain(Terminal& terminal, const std::string& line) {
 
 int run_session(const Options& options, const StartFiles& files, Ports ports, Charset charset) {
     keep_old_texts_in(files.recovery_folder);
-    TPUEditor editor(ports);
+    TPUEditor editor(ports, vocabulary());
     editor.charset = charset;
     Buffer* main = editor.create_buffer("MAIN", "");
     editor.named_file = options.file;

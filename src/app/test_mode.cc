@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "app/source_file.h"
+#include "commands/vocabulary.h"
 #include "editor/editor.h"
 #include "store/read_file.h"
 
@@ -25,7 +26,7 @@ void print_report(const TPUEditor& editor) {
 }  // namespace
 
 int run_test_script(const std::string& path, Ports ports, Charset charset) {
-    TPUEditor editor(ports);
+    TPUEditor editor(ports, vocabulary());
     editor.headless = true;
     editor.charset = charset;
     editor.create_buffer("MAIN", "");

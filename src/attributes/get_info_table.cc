@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "builtins/common.h"
 #include "editor/editor.h"
 #include "editor/process.h"
 #include "text/ascii.h"
@@ -85,7 +84,7 @@ Value whose_buffer(const Subject& s) {
         case Type::process: buffer = process_of(s.object)->output; break;
         case Type::window:
         case Type::marker:
-        case Type::range: buffer = builtins::buffer_of(s.object); break;
+        case Type::range: buffer = buffer_of(s.object); break;
         default: break;
     }
     return buffer ? Value::make_buffer(buffer) : tpu_unspecified();

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "builtins/common.h"
 #include "editor/editor.h"
 #include "text/ascii.h"
 
@@ -113,7 +112,8 @@ void put_shift_key(SetCall& call) {
     std::string word = call.word();
     int code = 0;
     if (key.is(Value::Type::integer)) {
-        code = std::max(builtins::bounded(key.integer()), 0);
+        code = static_cast<int>(
+            std::clamp<long long>(key.integer(), 0, std::numeric_limits<int>::max()));
     } else if (!word.empty() && word != "OFF") {
         code = TPUEditor::key_name_to_code(word);
     }

@@ -10,6 +10,8 @@
 
 namespace tpu {
 
+class TPUEditor;
+
 // What the row of a keyword gets: the buffer that is to change, and the values.
 struct SetCall {
     TPUEditor& editor;

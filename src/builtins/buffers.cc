@@ -16,7 +16,7 @@ namespace {
 using Type = Value::Type;
 
 Value get_buffer(Call& call) {
-    Buffer* buffer = call.editor.find_buffer(call.args.text(0));
+    Buffer* buffer = editor_of(call).find_buffer(call.args.text(0));
     return buffer ? Value::make_buffer(buffer) : tpu_unspecified();
 }
 
@@ -24,12 +24,12 @@ Value get_buffer(Call& call) {
 Value create_buffer(Call& call) {
     std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
     if (name.empty()) name = "untitled";
-    if (Buffer* buffer = call.editor.find_buffer(name)) return Value::make_buffer(buffer);
-    Buffer* buffer = call.editor.create_buffer(name, "");
+    if (Buffer* buffer = editor_of(call).find_buffer(name)) return Value::make_buffer(buffer);
+    Buffer* buffer = editor_of(call).create_buffer(name, "");
     if (call.args.count() > 1) {
         std::string trouble =
-            edit_file(*buffer, call.args.text(1), Loading::at_once, call.editor.interrupted());
-        call.editor.tell_of_file(*buffer, trouble);
+            edit_file(*buffer, call.args.text(1), Loading::at_once, editor_of(call).interrupted());
+        editor_of(call).tell_of_file(*buffer, trouble);
     }
     return Value::make_buffer(buffer);
 }
@@ -37,10 +37,10 @@ Value create_buffer(Call& call) {
 void read_file(Call& call) {
     std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
     Buffer file("", "");
-    if (!load_file(file, name, Loading::at_once, call.editor.interrupted())) {
-        return call.editor.set_message("READ_FILE: cannot open " + name);
+    if (!load_file(file, name, Loading::at_once, editor_of(call).interrupted())) {
+        return editor_of(call).set_message("READ_FILE: cannot open " + name);
     }
-    call.buffer().copy_lines(file.lines, call.editor.charset);
+    call.buffer().copy_lines(file.lines, editor_of(call).charset);
 }
 
 bool write_range(const Range& range, const std::string& name) {
@@ -70,18 +70,18 @@ void write_file(Call& call) {
         written = write_file(*buffer, name);
     }
     if (!refusal.empty()) refusal = ": " + name + " (" + refusal + ")";
-    call.editor.set_message(written ? "Wrote " + name : "Write failed" + refusal);
+    editor_of(call).set_message(written ? "Wrote " + name : "Write failed" + refusal);
 }
 
 // After this no variable refers to the object, which `share` takes out of a value.
 template <class T, class Share>
 void forget_shared(Call& call, const std::shared_ptr<T>& object, Share share) {
-    call.editor.forget_values(
+    editor_of(call).forget_values(
         [&](const Value& value) { return std::invoke(share, value) == object; });
 }
 
 void delete_process(Call& call, const std::shared_ptr<TPUProcess>& process) {
-    call.editor.dismiss_process(process);
+    editor_of(call).dismiss_process(process);
     forget_shared(call, process, process_of);
 }
 
@@ -92,19 +92,21 @@ void delete_array(Call& call, const std::shared_ptr<TPUArray>& array) {
 
 void delete_buffer(Call& call, Buffer* buffer) {
     if (!buffer) return;
-    if (buffer->permanent) return call.editor.set_message("A permanent buffer cannot be deleted");
+    if (buffer->permanent)
+        return editor_of(call).set_message("A permanent buffer cannot be deleted");
     std::string name = buffer->name;
-    bool done = call.editor.delete_buffer(buffer);
-    call.editor.set_message(done ? "Deleted buffer " + name : "The last buffer cannot be deleted");
+    bool done = editor_of(call).delete_buffer(buffer);
+    editor_of(call).set_message(done ? "Deleted buffer " + name
+                                     : "The last buffer cannot be deleted");
 }
 
 // Without an argument: what the command of that name does.
 void delete_object(Call& call) {
-    if (call.args.count() == 0) return call.editor.execute_command("DELETE");
+    if (call.args.count() == 0) return editor_of(call).execute_command("DELETE");
     const Value value = call.args.value(0);
     switch (value.type()) {
         case Type::buffer: return delete_buffer(call, value.buffer());
-        case Type::window: return call.editor.delete_window(window_of(value));
+        case Type::window: return editor_of(call).delete_window(window_of(value));
         case Type::array: return delete_array(call, value.array());
         case Type::process: return delete_process(call, process_of(value));
         case Type::marker:

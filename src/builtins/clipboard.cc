@@ -17,11 +17,11 @@ void write_clipboard(Call& call) {
 void read_clipboard(Call& call) {
     std::string text;
     if (!clipboard_read_system(text)) {
-        call.editor.set_message("Clipboard read failed (install pbpaste/xclip/wl-paste)");
+        editor_of(call).set_message("Clipboard read failed (install pbpaste/xclip/wl-paste)");
         return;
     }
     call.buffer().paste_text = LineStore::from_text(text);
-    call.editor.set_message("Read " + std::to_string(text.size()) + " chars from clipboard");
+    editor_of(call).set_message("Read " + std::to_string(text.size()) + " chars from clipboard");
 }
 
 Value clipboard_text(Call&) {

@@ -11,7 +11,7 @@ namespace {
 
 void fail(Call& call, const char* status, const std::string& text) {
     call.parser.record_error(status, text);
-    if (call.is_statement) call.editor.set_message(text);
+    if (call.is_statement) editor_of(call).set_message(text);
     call.told = call.is_statement;
 }
 
@@ -28,17 +28,7 @@ void tell_of_end(Call& call, const Work& work) {
 }
 
 void show_value(Call& call, const Value& value) {
-    if (!call.told) call.editor.set_message(value.as_string());
-}
-
-Buffer* buffer_of(const Value& value) {
-    switch (value.type()) {
-        case Value::Type::buffer: return value.buffer();
-        case Value::Type::window: return value.window() ? window_of(value)->buffer : nullptr;
-        case Value::Type::marker: return value.marker() ? value.marker()->buffer : nullptr;
-        case Value::Type::range: return value.range() ? value.range()->buffer() : nullptr;
-        default: return nullptr;
-    }
+    if (!call.told) editor_of(call).set_message(value.as_string());
 }
 
 TPUPattern pattern_argument(Args& args, std::size_t i, std::string_view written) {

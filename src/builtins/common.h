@@ -34,10 +34,6 @@ void shown(Call& call) {
     show_value(call, function(call));
 }
 
-// The buffer that a value names: a buffer, or the one of a window, marker or range;
-// null for any other value.
-Buffer* buffer_of(const Value& value);
-
 // The pattern that an argument is: a pattern, a text to be found as it stands, or,
 // for anything else, what the argument's own text says.
 TPUPattern pattern_argument(Args& args, std::size_t i, std::string_view written);

@@ -29,7 +29,8 @@ void execute(Call& call) {
         return call.parser.compile_text(source_text(value));
     }
     std::string name(ascii::trim(value.as_string()));
-    if (!call.parser.execute_procedure(name)) call.editor.set_message("No such procedure: " + name);
+    if (!call.parser.execute_procedure(name))
+        editor_of(call).set_message("No such procedure: " + name);
 }
 
 // The value that a procedure returns; what else can be executed gives none.
@@ -56,15 +57,15 @@ void abort_statement(Call& call) {
 }
 
 void quit(Call& call) {
-    if (call.args.count() > 0) call.editor.exit_status = bounded(call.args.number(0));
-    call.editor.running = false;
+    if (call.args.count() > 0) editor_of(call).exit_status = bounded(call.args.number(0));
+    editor_of(call).running = false;
 }
 
 void sleep_seconds(Call& call) {
     long long seconds = call.args.number(0);
-    if (call.editor.headless || seconds <= 0) return;
-    call.editor.draw();
-    call.editor.sleep(std::chrono::seconds(bounded(seconds)));
+    if (editor_of(call).headless || seconds <= 0) return;
+    editor_of(call).draw();
+    editor_of(call).sleep(std::chrono::seconds(bounded(seconds)));
 }
 
 Value error(Call& call) {
@@ -85,17 +86,17 @@ Value debug_line(Call& call) {
 }
 
 Value status(Call& call) {
-    return Value::make_int(call.editor.search_succeeded);
+    return Value::make_int(editor_of(call).search_succeeded);
 }
 
 Value call_user(Call& call) {
-    call.editor.set_message("CALL_USER: no user routine is installed");
+    editor_of(call).set_message("CALL_USER: no user routine is installed");
     return tpu_unspecified();
 }
 
 template <Value (*function)(Call&)>
 void shown(Call& call) {
-    call.editor.set_message(function(call).as_string());
+    editor_of(call).set_message(function(call).as_string());
 }
 
 template <Signal signal>

@@ -19,7 +19,7 @@ std::string message_text(const std::string& text) {
 }
 
 void message(Call& call) {
-    call.editor.set_message(message_text(call.args.text(0)));
+    editor_of(call).set_message(message_text(call.args.text(0)));
 }
 
 Value message_text_value(Call& call) {
@@ -39,11 +39,11 @@ void show_item(Call& call) {
         std::string_view written = call.args.raw(i);
         words.push_back(is_name(written) ? std::string(written) : call.args.text(i));
     }
-    call.editor.show_command(words);
+    editor_of(call).vocabulary.show(editor_of(call), words);
 }
 
 void bell(Call& call) {
-    if (call.editor.bell && !call.editor.headless) call.editor.ports.terminal.beep();
+    if (editor_of(call).bell && !editor_of(call).headless) editor_of(call).ports.terminal.beep();
 }
 
 Value current_line(Call& call) {
@@ -76,7 +76,7 @@ Value current_direction(Call& call) {
 }
 
 Value current_window(Call& call) {
-    TPUWindow* window = call.editor.current_window;
+    TPUWindow* window = editor_of(call).current_window;
     return window ? window_value(window) : tpu_unspecified();
 }
 
@@ -89,9 +89,9 @@ constexpr Builtin kRows[] = {
     {.name = "SHOW", .statement = show_item, .most = 2, .form = "SHOW(item [, name])",
      .help = "Show the state of the editor, as the command SHOW does."},
     {.name = "BELL", .statement = bell, .form = "BELL", .help = "Ring the terminal's bell."},
-    {.name = "REFRESH", .statement = [](Call& c) { c.editor.draw(); },
+    {.name = "REFRESH", .statement = [](Call& c) { editor_of(c).draw(); },
      .form = "REFRESH", .help = "Draw the screen."},
-    {.name = "UPDATE", .statement = [](Call& c) { c.editor.draw(); },
+    {.name = "UPDATE", .statement = [](Call& c) { editor_of(c).draw(); },
      .form = "UPDATE", .help = "Draw the screen."},
     {.name = "CURRENT_LINE", .statement = shown<current_line>, .function = current_line, .bare = true,
      .form = "CURRENT_LINE", .help = "The text of the cursor line."},

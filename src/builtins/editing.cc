@@ -15,7 +15,7 @@ namespace {
 // The buffer of a value, which is to be changed: a step that fails puts it back.
 Buffer* buffer_to_change(Call& call, const Value& value) {
     Buffer* buffer = buffer_of(value);
-    if (buffer && call.editor.undo_step) call.editor.undo_step->protect(*buffer);
+    if (buffer && editor_of(call).undo_step) editor_of(call).undo_step->protect(*buffer);
     return buffer;
 }
 
@@ -39,7 +39,7 @@ void shift(Call& call) {
 void fill(Call& call) {
     Buffer& buffer = call.buffer();
     std::optional<Range> selection = buffer.select_range();
-    if (!selection) return call.editor.set_message("FILL needs a range");
+    if (!selection) return editor_of(call).set_message("FILL needs a range");
     Work work = call.parser.interruptible();
     buffer.fill_range(*selection, buffer.left_margin, buffer.right_margin, &work);
     tell_of_end(call, work);
@@ -93,7 +93,7 @@ void replace_text(Call& call) {
 
 Range insert(Call& call, std::string_view text) {
     Work work = call.parser.interruptible();
-    Range inserted = call.buffer().copy_text(text, call.editor.charset, &work);
+    Range inserted = call.buffer().copy_text(text, editor_of(call).charset, &work);
     tell_of_end(call, work);
     return inserted;
 }
@@ -105,7 +105,7 @@ Value copy_text_range(Call& call) {
 
 void copy_text(Call& call) {
     if (call.args.count() == 0) return;
-    if (ascii::upper(call.args.whole()) == "SELECT_RANGE") return call.editor.copy_selection();
+    if (ascii::upper(call.args.whole()) == "SELECT_RANGE") return editor_of(call).copy_selection();
     const Value& text = call.args.value(0);
     if (text.is(Value::Type::string)) {
         insert(call, text.text());
@@ -116,7 +116,7 @@ void copy_text(Call& call) {
 
 void show_selection(Call& call) {
     bool active = call.buffer().select_range().has_value();
-    call.editor.set_message(active ? "SELECT_RANGE active" : "No SELECT active");
+    editor_of(call).set_message(active ? "SELECT_RANGE active" : "No SELECT active");
 }
 
 Value select_range(Call& call) {
@@ -126,7 +126,7 @@ Value select_range(Call& call) {
 
 void set_mark(Call& call) {
     call.buffer().select();
-    call.editor.set_message(call.buffer().free_cursor ? "MARK (FREE_CURSOR) set" : "MARK set");
+    editor_of(call).set_message(call.buffer().free_cursor ? "MARK (FREE_CURSOR) set" : "MARK set");
 }
 
 Value mark(Call& call) {
@@ -135,27 +135,27 @@ Value mark(Call& call) {
 }
 
 void undo(Call& call) {
-    call.editor.set_message(tpu::undo(call.editor) ? "Undone" : "Nothing to undo");
+    editor_of(call).set_message(tpu::undo(editor_of(call)) ? "Undone" : "Nothing to undo");
 }
 
 void redo(Call& call) {
-    call.editor.set_message(tpu::redo(call.editor) ? "Redone" : "Nothing to redo");
+    editor_of(call).set_message(tpu::redo(editor_of(call)) ? "Redone" : "Nothing to redo");
 }
 
 void store_paste(Call& call) {
-    if (call.args.count() == 0) return call.editor.set_message("STORE_PASTE(name)");
-    call.editor.store_named_paste(call.args.text(0));
+    if (call.args.count() == 0) return editor_of(call).set_message("STORE_PASTE(name)");
+    editor_of(call).store_named_paste(call.args.text(0));
 }
 
 void recall_paste(Call& call) {
-    if (call.args.count() == 0) return call.editor.set_message("RECALL_PASTE(name)");
-    call.editor.recall_named_paste(call.args.text(0), true);
+    if (call.args.count() == 0) return editor_of(call).set_message("RECALL_PASTE(name)");
+    editor_of(call).recall_named_paste(call.args.text(0), true);
 }
 
 // The text that is kept under a name.
 Value named_paste(Call& call) {
-    auto found = call.editor.named_pastes.find(ascii::upper(call.args.text(0)));
-    if (found == call.editor.named_pastes.end()) return tpu_unspecified();
+    auto found = editor_of(call).named_pastes.find(ascii::upper(call.args.text(0)));
+    if (found == editor_of(call).named_pastes.end()) return tpu_unspecified();
     return Value::make_str(found->second.text());
 }
 
@@ -189,7 +189,7 @@ constexpr Builtin kRows[] = {
      .form = "SELECT", .help = "Begin a selection at the cursor."},
     {.name = "SELECT_RANGE", .statement = show_selection, .function = select_range, .bare = true,
      .form = "SELECT_RANGE", .help = "Tell whether there is a selection; as a function, its range."},
-    {.name = "MOVE_TEXT", .statement = [](Call& c) { c.editor.cut_selection(); }, .most = Builtin::kAny,
+    {.name = "MOVE_TEXT", .statement = [](Call& c) { editor_of(c).cut_selection(); }, .most = Builtin::kAny,
      .form = "MOVE_TEXT", .help = "Move the selection to the paste register."},
     {.name = "COPY_TEXT", .statement = copy_text, .function = copy_text_range, .most = 1,
      .form = "COPY_TEXT(text or SELECT_RANGE)",

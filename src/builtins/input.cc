@@ -13,32 +13,32 @@ Value read_line(Call& call) {
     std::string prompt = call.args.count() > 0 ? call.args.text(0) : "Input: ";
     std::string option = ascii::upper(call.args.text(1));
     bool echo = option != "NOECHO" && option != "NO_ECHO";
-    return Value::make_str(call.editor.read_command_line(prompt, echo));
+    return Value::make_str(editor_of(call).read_command_line(prompt, echo));
 }
 
 void read_line_shown(Call& call) {
-    call.editor.set_message(read_line(call).as_string());
+    editor_of(call).set_message(read_line(call).as_string());
 }
 
 // The character of the next key, or the empty text for a key that is none.
 Value read_char(Call& call) {
     constexpr int kLastCharacter = 255;
     std::string prompt = call.args.count() > 0 ? call.args.text(0) : "Press a key...";
-    int key = call.editor.read_one_key(prompt);
+    int key = editor_of(call).read_one_key(prompt);
     if (key < 0 || key > kLastCharacter) return Value::make_str("");
-    return Value::make_str(call.editor.read_character(key));
+    return Value::make_str(editor_of(call).read_character(key));
 }
 
 void read_char_shown(Call& call) {
-    call.editor.set_message(read_char(call).as_string());
+    editor_of(call).set_message(read_char(call).as_string());
 }
 
 Value last_key(Call& call) {
-    return Value::make_int(call.editor.last_key);
+    return Value::make_int(editor_of(call).last_key);
 }
 
 void last_key_shown(Call& call) {
-    call.editor.set_message(last_key(call).as_string());
+    editor_of(call).set_message(last_key(call).as_string());
 }
 
 // clang-format off

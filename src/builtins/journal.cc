@@ -6,6 +6,7 @@
 #include "builtins/families.h"
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
+#include "editor/journal_replay.h"
 #include "editor/recovery.h"
 #include "os/trust.h"
 #include "store/text_changes.h"
@@ -33,21 +34,21 @@ void record_start(JournalMirror& mirror, const Buffer& buffer) {
 // JOURNAL_OPEN(file [, "TEXT" or "BINARY"])
 void journal_open(Call& call) {
     // A replay makes no journals behind the user's back.
-    if (!call.parser.replayed_journals.empty()) return;
+    if (!editor_of(call).replayed_journals.empty()) return;
     std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
     std::string format = call.args.count() > 1 ? ascii::upper(call.args.text(1)) : "BINARY";
     if (format != "TEXT" && format != "BINARY") {
-        return call.editor.set_message("JOURNAL_OPEN: the format is TEXT or BINARY");
+        return editor_of(call).set_message("JOURNAL_OPEN: the format is TEXT or BINARY");
     }
     bool binary = format == "BINARY";
     std::string note;
     bool opened = call.args.count() > 0 && tpu_journal_open(call.buffer(), name, binary, note);
-    if (!note.empty()) call.editor.set_message(note);
-    if (!opened) return call.editor.set_message("JOURNAL_OPEN: cannot write " + name);
+    if (!note.empty()) editor_of(call).set_message(note);
+    if (!opened) return editor_of(call).set_message("JOURNAL_OPEN: cannot write " + name);
     JournalMirror& mirror = mirror_of(call.buffer());  // what else the statement does counts too
     if (is_empty_journal(name)) record_start(mirror, call.buffer());
-    call.editor.set_message((binary ? "Journaling (binary TPJB) to " : "Journaling (text) to ") +
-                            name);
+    editor_of(call).set_message(
+        (binary ? "Journaling (binary TPJB) to " : "Journaling (text) to ") + name);
 }
 
 void journal_close(Call& call) {
@@ -57,20 +58,20 @@ void journal_close(Call& call) {
 // Without a name: the work that a session which came to no good end has left behind.
 void recover_buffer(Call& call) {
     if (call.args.count() == 0) {
-        return call.editor.set_message(call.editor.recovery
-                                           ? call.editor.recovery->recover(call.buffer())
-                                           : "RECOVER_BUFFER(file)");
+        return editor_of(call).set_message(editor_of(call).recovery
+                                               ? editor_of(call).recovery->recover(call.buffer())
+                                               : "RECOVER_BUFFER(file)");
     }
     std::string name = call.args.text(0);
     const std::string distrust = distrust_of_file(name);
     if (!distrust.empty()) {
-        return call.editor.set_message("RECOVER_BUFFER: cannot open " + name + ": " + distrust);
+        return editor_of(call).set_message("RECOVER_BUFFER: cannot open " + name + ": " + distrust);
     }
     std::string trouble;
-    bool opened = tpu_journal_recover(call.parser, name, &trouble);
-    if (!trouble.empty()) return call.editor.set_message("RECOVER_BUFFER: " + trouble);
-    call.editor.set_message((opened ? "RECOVER_BUFFER replayed " : "RECOVER_BUFFER: cannot open ") +
-                            name);
+    bool opened = replay_journal(editor_of(call), name, &trouble);
+    if (!trouble.empty()) return editor_of(call).set_message("RECOVER_BUFFER: " + trouble);
+    editor_of(call).set_message(
+        (opened ? "RECOVER_BUFFER replayed " : "RECOVER_BUFFER: cannot open ") + name);
 }
 
 // clang-format off

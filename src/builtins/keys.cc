@@ -51,26 +51,26 @@ KeyMap* map_named(TPUEditor& editor, const std::string& name) {
 // The map that an argument names, or without one the default map; null with a message.
 KeyMap* map_argument(Call& call, std::size_t i) {
     std::string name = call.args.count() > i ? call.args.text(i) : std::string(kDefaultMap);
-    KeyMap* map = map_named(call.editor, name);
+    KeyMap* map = map_named(editor_of(call), name);
     if (!map) {
         call.parser.record_error("TPU$_NOKEYMAP", "There is no key map " + name);
-        call.editor.set_message(call.parser.error_text);
+        editor_of(call).set_message(call.parser.error_text);
     }
     return map;
 }
 
 KeyMapList* list_argument(Call& call, std::size_t i) {
-    auto found = call.editor.key_map_lists.find(call.args.text(i));
-    if (found != call.editor.key_map_lists.end()) return found->second.get();
+    auto found = editor_of(call).key_map_lists.find(call.args.text(i));
+    if (found != editor_of(call).key_map_lists.end()) return found->second.get();
     call.parser.record_error("TPU$_NOKEYMAPLIST", "There is no key-map list " + call.args.text(i));
-    call.editor.set_message(call.parser.error_text);
+    editor_of(call).set_message(call.parser.error_text);
     return nullptr;
 }
 
 // What a key runs: a text, or a program or learn sequence. Nothing for other values.
 std::optional<KeyBinding> binding_of(Call& call, const Value& what) {
     KeyBinding binding;
-    TPUEditor* editor = &call.editor;
+    TPUEditor* editor = &editor_of(call);
     if (what.is(Type::program)) {
         binding.action = [editor, program = program_of(what)] {
             editor->parser.execute_program(program);
@@ -90,13 +90,13 @@ std::optional<KeyBinding> binding_of(Call& call, const Value& what) {
 // DEFINE_KEY(what, key [, comment [, key map]])
 void define_key(Call& call) {
     if (call.args.count() < 2)
-        return call.editor.set_message("DEFINE_KEY(text, key [, comment [, key map]])");
+        return editor_of(call).set_message("DEFINE_KEY(text, key [, comment [, key map]])");
     std::optional<KeyBinding> binding = binding_of(call, call.args.value(0));
     if (!binding) return;
     int code = key_argument(call.args, 1);
     if (code < 0) {
         call.parser.record_error("TPU$_BADKEY", "Unknown key name " + call.args.text(1));
-        return call.editor.set_message("Unknown key name");
+        return editor_of(call).set_message("Unknown key name");
     }
     binding->comment = call.args.count() > 2 ? call.args.text(2) : "User-defined key";
     if (KeyMap* map = map_argument(call, 3)) map->define_key(code, *std::move(binding));
@@ -104,13 +104,13 @@ void define_key(Call& call) {
 
 void undefine_key(Call& call) {
     int code = key_argument(call.args, 0);
-    if (code < 0) return call.editor.set_message("Cannot undefine key");
+    if (code < 0) return editor_of(call).set_message("Cannot undefine key");
     if (KeyMap* map = map_argument(call, 1)) map->undefine_key(code);
 }
 
 // LOOKUP_KEY(key [, PROGRAM or COMMENT])
 Value lookup_key(Call& call) {
-    const KeyMapList* list = call.editor.current_key_map_list;
+    const KeyMapList* list = editor_of(call).current_key_map_list;
     const KeyBinding* binding = list ? list->lookup(key_argument(call.args, 0)) : nullptr;
     if (!binding) return tpu_unspecified();
     bool comment = ascii::upper(call.args.text(1)) == "COMMENT";
@@ -118,10 +118,10 @@ Value lookup_key(Call& call) {
 }
 
 void lookup_key_shown(Call& call) {
-    const KeyMapList* list = call.editor.current_key_map_list;
+    const KeyMapList* list = editor_of(call).current_key_map_list;
     const KeyBinding* binding = list ? list->lookup(key_argument(call.args, 0)) : nullptr;
-    call.editor.set_message(binding ? "Key: " + binding->text + " " + binding->comment
-                                    : "Key undefined");
+    editor_of(call).set_message(binding ? "Key: " + binding->text + " " + binding->comment
+                                        : "Key undefined");
 }
 
 Value key_name(Call& call) {
@@ -134,7 +134,7 @@ Value key_name(Call& call) {
 Value create_key_map(Call& call) {
     std::string name = call.args.text(0);
     if (call.args.count() == 0 || name.empty()) return wrong_type(call, "a name");
-    call.editor.create_key_map(name);
+    editor_of(call).create_key_map(name);
     return Value::make_str(name);
 }
 
@@ -142,7 +142,7 @@ Value create_key_map(Call& call) {
 Value create_key_map_list(Call& call) {
     std::string name = call.args.text(0);
     if (call.args.count() == 0 || name.empty()) return wrong_type(call, "a name");
-    KeyMapList* list = call.editor.create_key_map_list(name, nullptr);
+    KeyMapList* list = editor_of(call).create_key_map_list(name, nullptr);
     for (std::size_t i = 1; i < call.args.count(); ++i) {
         if (KeyMap* map = map_argument(call, i)) list->add_last(map);
     }
@@ -155,7 +155,7 @@ void add_key_map(Call& call) {
     if (!list) return;
     std::string place = ascii::upper(call.args.text(1));
     if (place != "FIRST" && place != "LAST") {
-        return call.editor.set_message("Position must be FIRST or LAST");
+        return editor_of(call).set_message("Position must be FIRST or LAST");
     }
     for (std::size_t i = 2; i < call.args.count(); ++i) {
         KeyMap* map = map_argument(call, i);

@@ -14,22 +14,22 @@ void learn_begin(Call& call) {
         call.parser.record_error("TPU$_ONELEARN", learning.is_on()
                                                       ? "A learn sequence is being recorded already"
                                                       : "A learn sequence cannot begin another");
-        return call.editor.set_message(call.parser.error_text);
+        return editor_of(call).set_message(call.parser.error_text);
     }
     learning.begin();
-    call.editor.set_message("Learning... call LEARN_END or LEARN_ABORT");
+    editor_of(call).set_message("Learning... call LEARN_END or LEARN_ABORT");
 }
 
 Value learn_end(Call& call) {
     Learning& learning = call.parser.learning;
     learning.end();
-    call.editor.set_message("LEARN_END");
+    editor_of(call).set_message("LEARN_END");
     return learning.sequence() ? learn_value(learning.sequence()) : tpu_unspecified();
 }
 
 void learn_abort(Call& call) {
     call.parser.learning.abort();
-    call.editor.set_message("LEARN_ABORT");
+    editor_of(call).set_message("LEARN_ABORT");
 }
 
 // The statements, each on a line of its own.

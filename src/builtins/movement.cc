@@ -85,7 +85,7 @@ void scroll(Call& call) {
     if (lines == 0) {
         std::string text =
             args.raw(last).starts_with('.') ? std::string(args.raw(last)) : args.text(last);
-        if (text.starts_with('.')) lines = fraction_of_window(call.editor, text);
+        if (text.starts_with('.')) lines = fraction_of_window(editor_of(call), text);
     }
     std::uint64_t& top = target->view_line;
     std::uint64_t up = lines < 0 ? 0 - static_cast<std::uint64_t>(lines) : 0;
@@ -95,7 +95,7 @@ void scroll(Call& call) {
 
 void go_to(Call& call, const Marker& marker) {
     if (!marker.buffer) return;
-    call.editor.position(marker.buffer);
+    editor_of(call).position(marker.buffer);
     marker.buffer->position(marker);
 }
 
@@ -124,9 +124,9 @@ void position(Call& call) {
     } else if (target.is(Type::range) && buffer_of(target)) {
         go_to(call, target.range()->start);
     } else if (target.is(Type::buffer)) {
-        call.editor.position(target.buffer());
+        editor_of(call).position(target.buffer());
     } else if (window_of(target)) {
-        call.editor.enter_window(window_of(target));
+        editor_of(call).enter_window(window_of(target));
     } else if (target.is(Type::keyword)) {
         for (const Place& place : kPlaces) {
             if (target.text() == place.word) return place.go(call);

@@ -6,6 +6,7 @@
 
 #include "builtins/common.h"
 #include "builtins/families.h"
+#include "builtins/table.h"
 #include "editor/editor.h"
 #include "lang/words.h"
 #include "text/ascii.h"
@@ -76,7 +77,7 @@ std::vector<std::string> matching_files(const std::string& pattern) {
 
 // The files that a pattern names, one with each call; the empty text after the last.
 Value file_search(Call& call) {
-    FileSearch& search = call.editor.file_search;
+    FileSearch& search = editor_of(call).file_search;
     std::string pattern = first_text(call);
     if (call.args.count() == 0 || pattern != search.pattern) {
         search = {pattern, matching_files(pattern), 0};
@@ -88,7 +89,7 @@ Value file_search(Call& call) {
 
 void file_search_shown(Call& call) {
     std::string file = file_search(call).as_string();
-    call.editor.set_message(file.empty() ? first_text(call) + ": (no match)" : file);
+    editor_of(call).set_message(file.empty() ? first_text(call) + ": (no match)" : file);
 }
 
 // The names that begin like `prefix`, of the kind that a word says, in byte order.
@@ -104,7 +105,7 @@ std::set<std::string> names_like(TPUEditor& editor, std::string_view prefix,
         if (symbol.is_bound()) add("VARIABLES", name);
     }
     for (std::string_view word : constant_words()) add("KEYWORDS", word);
-    for (std::span<const Builtin> family : builtin_families()) {
+    for (std::span<const Builtin> family : all_builtins().families()) {
         for (const Builtin& row : family) add("BUILTINS", row.name);
     }
     return names;
@@ -115,7 +116,7 @@ Value expand_name(Call& call) {
     std::string prefix = ascii::upper(first_text(call));
     std::string kind = call.args.count() > 1 ? ascii::upper(call.args.text(1)) : "ALL";
     std::string list;
-    for (const std::string& name : names_like(call.editor, prefix, kind)) {
+    for (const std::string& name : names_like(editor_of(call), prefix, kind)) {
         if (!list.empty()) list += ' ';
         list += name;
     }
@@ -125,11 +126,11 @@ Value expand_name(Call& call) {
 
 void expand_name_shown(Call& call) {
     std::string list = expand_name(call).as_string();
-    call.editor.set_message(list.empty() ? first_text(call) + ": (no match)" : list);
+    editor_of(call).set_message(list.empty() ? first_text(call) + ": (no match)" : list);
 }
 
 Value help_text(Call& call) {
-    const Builtin* row = find_builtin(ascii::upper(call.args.text(0)));
+    const Builtin* row = all_builtins().find(ascii::upper(call.args.text(0)));
     if (!row) return wrong_type(call, "the name of a built-in");
     return Value::make_str(std::string(row->form) + ": " + std::string(row->help));
 }

@@ -13,15 +13,15 @@ using Process = std::shared_ptr<TPUProcess>;
 Process target(Call& call, std::size_t i) {
     const Value& value = call.args.value(i);
     if (value.is(Value::Type::process)) return process_of(value);
-    return call.editor.processes.empty() ? nullptr : call.editor.processes.back();
+    return editor_of(call).processes.empty() ? nullptr : editor_of(call).processes.back();
 }
 
 void spawn(Call& call) {
-    call.editor.def_endwin_then_run(call.args.count() > 0 ? call.args.text(0) : std::string());
+    editor_of(call).def_endwin_then_run(call.args.count() > 0 ? call.args.text(0) : std::string());
 }
 
 Value create_process(Call& call) {
-    TPUEditor& editor = call.editor;
+    TPUEditor& editor = editor_of(call);
     if (call.args.count() == 0) {
         editor.set_message("CREATE_PROCESS needs a command");
         return tpu_unspecified();
@@ -42,7 +42,7 @@ void send(Call& call) {
     if (call.args.count() == 0) return;
     std::string text = call.args.text(0) + "\n";
     Process process = target(call, 1);
-    if (process) call.editor.send_text(*process, text);
+    if (process) editor_of(call).send_text(*process, text);
 }
 
 void send_eof(Call& call) {
@@ -51,9 +51,9 @@ void send_eof(Call& call) {
 
 void attach(Call& call) {
     Process process = target(call, 0);
-    if (!process) return call.editor.set_message("ATTACH: no process");
-    call.editor.attached_process = process;
-    call.editor.set_message("ATTACHED \u2014 type to process; Ctrl-Z detach, Ctrl-D EOF");
+    if (!process) return editor_of(call).set_message("ATTACH: no process");
+    editor_of(call).attached_process = process;
+    editor_of(call).set_message("ATTACHED \u2014 type to process; Ctrl-Z detach, Ctrl-D EOF");
 }
 
 // clang-format off

@@ -27,7 +27,7 @@ std::optional<Range> find(Call& call, bool move_cursor) {
     std::optional<Range> found =
         goes_backward(call) ? search_pattern_backward(buffer, pattern, move_cursor, &work)
                             : search_pattern_forward(buffer, pattern, move_cursor, false, &work);
-    call.editor.search_succeeded = found.has_value();
+    editor_of(call).search_succeeded = found.has_value();
     if (!found && work.end == Work::End::done)
         call.parser.record_error("TPU$_STRNOTFOUND", "String not found");
     return found;
@@ -35,7 +35,7 @@ std::optional<Range> find(Call& call, bool move_cursor) {
 
 void search_quietly(Call& call) {
     if (call.args.whole().empty()) {
-        return call.editor.set_message("SEARCH requires a string or pattern");
+        return editor_of(call).set_message("SEARCH requires a string or pattern");
     }
     find(call, true);
 }
@@ -43,7 +43,7 @@ void search_quietly(Call& call) {
 void search(Call& call) {
     search_quietly(call);
     if (call.args.whole().empty() || call.parser.interrupted) return;
-    call.editor.set_message(call.editor.search_succeeded ? "Found" : "Not found");
+    editor_of(call).set_message(editor_of(call).search_succeeded ? "Found" : "Not found");
 }
 
 Value search_range(Call& call) {
@@ -58,8 +58,8 @@ void match(Call& call) {
     std::size_t end = 0;
     std::string line = buffer.current_line();  // which puts the cursor into the text
     bool matched = pattern.match_at(line, buffer.cursor_column, end);
-    call.editor.match_succeeded = matched;
-    call.editor.set_message(matched ? "MATCH succeeded" : "MATCH failed");
+    editor_of(call).match_succeeded = matched;
+    editor_of(call).set_message(matched ? "MATCH succeeded" : "MATCH failed");
 }
 
 // clang-format off

@@ -12,18 +12,18 @@ constexpr std::string_view kSaveForm = "SAVE(filespec [, \"IDENT\", id])";
 constexpr std::string_view kExpandForm = "EXPAND(filespec)";
 
 void save(Call& call) {
-    if (call.args.count() == 0) return call.editor.set_message(std::string(kSaveForm));
+    if (call.args.count() == 0) return editor_of(call).set_message(std::string(kSaveForm));
     bool has_ident = call.args.count() > 2 && ascii::upper(call.args.text(1)) == "IDENT";
-    tpu_section_save(call.editor, call.args.text(0), has_ident ? call.args.text(2) : "");
+    tpu_section_save(editor_of(call), call.args.text(0), has_ident ? call.args.text(2) : "");
 }
 
 void restore(Call& call) {
-    tpu_section_restore(call.editor, call.args.count() > 0 ? call.args.text(0) : "");
+    tpu_section_restore(editor_of(call), call.args.count() > 0 ? call.args.text(0) : "");
 }
 
 void expand(Call& call) {
-    if (call.args.count() == 0) return call.editor.set_message(std::string(kExpandForm));
-    tpu_section_expand(call.editor, call.args.text(0));
+    if (call.args.count() == 0) return editor_of(call).set_message(std::string(kExpandForm));
+    tpu_section_expand(editor_of(call), call.args.text(0));
 }
 
 // clang-format off

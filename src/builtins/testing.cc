@@ -19,16 +19,16 @@ std::string label(Args& args) {
 }
 
 void test(Call& call) {
-    call.editor.test_report.add(TestReport::Line::heading,
-                                "---- " + std::string(call.args.whole()));
+    editor_of(call).test_report.add(TestReport::Line::heading,
+                                    "---- " + std::string(call.args.whole()));
 }
 
 void assert_true(Call& call) {
-    keep(call.editor, call.args.value(0).truthy(), label(call.args));
+    keep(editor_of(call), call.args.value(0).truthy(), label(call.args));
 }
 
 void assert_false(Call& call) {
-    keep(call.editor, !call.args.value(0).truthy(), label(call.args));
+    keep(editor_of(call), !call.args.value(0).truthy(), label(call.args));
 }
 
 bool equal(const Value& got, const Value& expected) {
@@ -50,12 +50,12 @@ void assert_eq(Call& call) {
         };
         line += "  (got=\"" + shown(0) + "\" expected=\"" + shown(1) + "\")";
     }
-    keep(call.editor, passed, line);
+    keep(editor_of(call), passed, line);
 }
 
 Value assert_value(Call& call) {
     bool passed = call.args.value(0).truthy();
-    keep(call.editor, passed, label(call.args));
+    keep(editor_of(call), passed, label(call.args));
     return Value::make_int(passed);
 }
 

@@ -7,7 +7,7 @@ namespace tpu::builtins {
 namespace {
 
 void accept(Call& call) {
-    call.editor.set_message(std::string(call.name) + ": accepted (no-op in ncurses build)");
+    editor_of(call).set_message(std::string(call.name) + ": accepted (no-op in ncurses build)");
 }
 
 constexpr Builtin row(std::string_view name) {

@@ -27,7 +27,7 @@ int rows_argument(Call& call, std::size_t i) {
 Value create_window(Call& call) {
     if (call.args.count() < 2) return wrong_type(call, "a top row and a height");
     int top = rows_argument(call, 0), height = rows_argument(call, 1);
-    return window_value(call.editor.create_window(top, height, call.args.on(2, true)));
+    return window_value(editor_of(call).create_window(top, height, call.args.on(2, true)));
 }
 
 void map(Call& call) {
@@ -38,28 +38,28 @@ void map(Call& call) {
         wrong_type(call, "a buffer");
         return;
     }
-    call.editor.map_window(window, buffer);
+    editor_of(call).map_window(window, buffer);
 }
 
 void unmap(Call& call) {
-    if (TPUWindow* window = window_argument(call, 0)) call.editor.unmap_window(window);
+    if (TPUWindow* window = window_argument(call, 0)) editor_of(call).unmap_window(window);
 }
 
 void adjust_window(Call& call) {
     TPUWindow* window = window_argument(call, 0);
     if (!window) return;
-    call.editor.adjust_window(window, rows_argument(call, 1), rows_argument(call, 2));
+    editor_of(call).adjust_window(window, rows_argument(call, 1), rows_argument(call, 2));
 }
 
 void delete_window(Call& call) {
     TPUWindow* window =
-        call.args.count() == 0 ? call.editor.current_window : window_argument(call, 0);
-    if (window) call.editor.delete_window(window);
+        call.args.count() == 0 ? editor_of(call).current_window : window_argument(call, 0);
+    if (window) editor_of(call).delete_window(window);
 }
 
 void locate_mouse(Call& call) {
-    call.editor.set_message("Mouse: row=" + std::to_string(call.editor.mouse_row) +
-                            " col=" + std::to_string(call.editor.mouse_column));
+    editor_of(call).set_message("Mouse: row=" + std::to_string(editor_of(call).mouse_row) +
+                                " col=" + std::to_string(editor_of(call).mouse_column));
 }
 
 // clang-format off
@@ -73,11 +73,11 @@ constexpr Builtin kRows[] = {
      .help = "Let a window show nothing; the current one shows the current buffer when the screen is drawn."},
     {.name = "ADJUST_WINDOW", .statement = adjust_window, .least = 3, .most = 3,
      .form = "ADJUST_WINDOW(window, top, bottom)", .help = "Move the top and the bottom of a window by so many rows."},
-    {.name = "SPLIT_WINDOW", .statement = [](Call& c) { c.editor.split_window_horizontal(); },
+    {.name = "SPLIT_WINDOW", .statement = [](Call& c) { editor_of(c).split_window_horizontal(); },
      .form = "SPLIT_WINDOW", .help = "Split the current window into two, one above the other."},
-    {.name = "SPLIT_WINDOW_VERTICAL", .statement = [](Call& c) { c.editor.split_window_vertical(); },
+    {.name = "SPLIT_WINDOW_VERTICAL", .statement = [](Call& c) { editor_of(c).split_window_vertical(); },
      .form = "SPLIT_WINDOW_VERTICAL", .help = "Split the current window into two, side by side."},
-    {.name = "NEXT_WINDOW", .statement = [](Call& c) { c.editor.next_window(); },
+    {.name = "NEXT_WINDOW", .statement = [](Call& c) { editor_of(c).next_window(); },
      .form = "NEXT_WINDOW", .help = "Go to the next window."},
     {.name = "DELETE_WINDOW", .statement = delete_window, .most = 1, .form = "DELETE_WINDOW[(window)]",
      .help = "Delete a window, or the current one; when none is left, a new one fills the screen."},

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <set>
 
-#include "editor/editor.h"
 #include "text/ascii.h"
 
 namespace tpu {
@@ -116,12 +115,8 @@ const Command* find_command(Layer layer, const CommandLine& line) {
     return nullptr;
 }
 
-std::vector<std::string> TPUEditor::split_words(const std::string& line) {
-    return CommandLine(line).words;
-}
-
 // A word that begins several names, or none, stays what it is.
-std::string TPUEditor::resolve_command(const std::string& word) {
+std::string resolve_command(const std::string& word) {
     std::set<std::string_view> completed;
     for (const Command* command : all_commands()) {
         std::string_view name = command->first_word();

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "editor/line_input.h"
+
 namespace tpu {
 
 class TPUEditor;
@@ -69,6 +71,15 @@ const std::vector<const Command*>& all_commands();
 // The command of a layer that a line calls, or null.
 const Command* find_command(Layer layer, const CommandLine& line);
 
+// The command that an upper-case word abbreviates; the word itself if it is none, or
+// if several commands begin with it.
+std::string resolve_command(const std::string& word);
+
+// execute_command.cc, completion.cc; see Vocabulary
+void execute_command(TPUEditor& editor, const std::string& text);
+bool is_command(const std::string& text);
+Completion complete_command(TPUEditor& editor, std::string_view typed);
+
 namespace commands {
 
 std::span<const Command> eve_files();
@@ -80,6 +91,7 @@ std::span<const Command> keys();
 std::span<const Command> statements();
 
 void set_insert_mode(TPUEditor& editor, bool insert);
+void undefine_key(TPUEditor& editor, const std::vector<std::string>& words);
 
 }  // namespace commands
 

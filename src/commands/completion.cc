@@ -77,7 +77,7 @@ Names names_of(TPUEditor& editor, About about) {
             break;
         case About::paste: add_names(editor.named_pastes, names); break;
         case About::topic:
-            for (const std::string& topic : TPUEditor::help_topics()) names.insert(topic);
+            for (const std::string& topic : help_topics()) names.insert(topic);
             break;
         case About::show_item:
             for (const ShowItem& item : show_items()) names.emplace(item.names[0]);
@@ -104,7 +104,7 @@ Names next_words(const CommandLine& line, std::size_t i) {
 
 }  // namespace
 
-Completion TPUEditor::complete_command(std::string_view typed) {
+Completion complete_command(TPUEditor& editor, std::string_view typed) {
     CommandLine line{std::string(typed)};
     bool begun = !typed.empty() && !ascii::is_space(typed.back());
     std::size_t i = line.words.size() - (begun ? 1 : 0);
@@ -112,7 +112,7 @@ Completion TPUEditor::complete_command(std::string_view typed) {
     std::string_view word = typed.substr(from);
     if (i > 0) line.words[0] = resolve_command(line.upper(0));
     Names names = next_words(line, i);
-    if (i == 0) add_names(parser.procedures, names);
+    if (i == 0) add_names(editor.parser.procedures, names);
     Completion completion = complete_word(from, word, names);
     if (!completion.candidates.empty() || i == 0) return completion;
     const Command* command = find_command(Layer::eve, line);
@@ -126,7 +126,7 @@ Completion TPUEditor::complete_command(std::string_view typed) {
     std::string_view name = typed.substr(from);
     return command->about == About::file
                ? complete_file(from, name)
-               : complete_word(from, name, names_of(*this, command->about));
+               : complete_word(from, name, names_of(editor, command->about));
 }
 
 }  // namespace tpu

@@ -2,29 +2,31 @@
 #include <algorithm>
 
 #include "commands/command_words.h"
+#include "commands/help.h"
+#include "commands/show.h"
 #include "editor/editor.h"
 #include "pattern/search.h"
 #include "text/ascii.h"
 
 namespace tpu {
 
-void TPUEditor::buffer_command(const std::vector<std::string>& words) {
-    if (words.size() < 2) return set_message("BUFFER requires name");
+void buffer_command(TPUEditor& editor, const std::vector<std::string>& words) {
+    if (words.size() < 2) return editor.set_message("BUFFER requires name");
     const std::string& name = words[1];
-    Buffer* buffer = find_buffer(name);
-    position(buffer ? buffer : create_buffer(name, ""));
-    set_message("Current buffer: " + name);
+    Buffer* buffer = editor.find_buffer(name);
+    editor.position(buffer ? buffer : editor.create_buffer(name, ""));
+    editor.set_message("Current buffer: " + name);
 }
 
 // Of faults in the source the last one stays on the message line, with their number.
-void TPUEditor::compile_current_buffer() {
-    if (!current_buffer) return;
-    long long before = parser.error_count;
-    parser.compile_text(current_buffer->lines.text());
-    long long faults = parser.error_count - before;
-    if (faults == 0) return set_message("Compiled current buffer");
-    set_message("Compiled current buffer, faults: " + std::to_string(faults) +
-                "; the last: " + parser.error_list.back());
+void compile_current_buffer(TPUEditor& editor) {
+    if (!editor.current_buffer) return;
+    long long before = editor.parser.error_count;
+    editor.parser.compile_text(editor.current_buffer->lines.text());
+    long long faults = editor.parser.error_count - before;
+    if (faults == 0) return editor.set_message("Compiled current buffer");
+    editor.set_message("Compiled current buffer, faults: " + std::to_string(faults) +
+                       "; the last: " + editor.parser.error_list.back());
 }
 
 namespace commands {
@@ -102,7 +104,7 @@ void go_to_buffer(TPUEditor& editor, Line line) {
     std::vector<std::string> words = line.words;
     bool known = words.size() < 2 || editor.find_buffer(words[1]);
     if (!known && editor.find_buffer(line.file(1))) words[1] = line.file(1);
-    editor.buffer_command(words);
+    buffer_command(editor, words);
 }
 
 void execute(TPUEditor& editor, Line line) {
@@ -111,7 +113,7 @@ void execute(TPUEditor& editor, Line line) {
 }
 
 void help(TPUEditor& editor, Line line) {
-    editor.show_help(line.upper(1));
+    show_help(editor, line.upper(1));
 }
 
 // clang-format off
@@ -150,13 +152,13 @@ constexpr Command kRows[] = {
      .help = "Type in insert mode."},
     {.words = "OVERSTRIKE", .run = [](TPUEditor& e, Line) { set_insert_mode(e, false); }, .form = "OVERSTRIKE",
      .help = "Type in overstrike mode."},
-    {.words = "SHOW", .run = [](TPUEditor& e, Line l) { e.show_command(l.words); }, .form = "SHOW item [name]",
+    {.words = "SHOW", .run = [](TPUEditor& e, Line l) { show_command(e, l.words); }, .form = "SHOW item [name]",
      .help = "Show the state of the editor; SHOW alone lists the items.",
      .without_buffer = true, .about = About::show_item},
     {.words = "BUFFER", .run = go_to_buffer, .form = "BUFFER name",
      .help = "Go to the buffer of that name; it is made if there is none.",
      .without_buffer = true, .about = About::buffer},
-    {.words = "COMPILE", .run = [](TPUEditor& e, Line) { e.compile_current_buffer(); }, .form = "COMPILE",
+    {.words = "COMPILE", .run = [](TPUEditor& e, Line) { compile_current_buffer(e); }, .form = "COMPILE",
      .help = "Run the buffer as a program: its procedures can be called from then on."},
     {.words = "EXECUTE", .run = execute, .form = "EXECUTE name",
      .help = "Call a procedure.", .without_buffer = true, .about = About::procedure},

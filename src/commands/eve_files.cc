@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "commands/command_words.h"
+#include "commands/show.h"
 #include "editor/editor.h"
 #include "os/file_names.h"
 #include "store/buffer_file.h"
@@ -89,7 +90,7 @@ void check_disk(TPUEditor& editor, Line) {
 }
 
 void list_buffers(TPUEditor& editor, Line) {
-    editor.show_command({"SHOW", "BUFFERS"});
+    show_command(editor, {"SHOW", "BUFFERS"});
 }
 
 void spawn(TPUEditor& editor, Line line) {

@@ -69,10 +69,10 @@ void set_eob_text(TPUEditor& editor, Line line) {
 
 // Word `i` names the key.
 template <std::size_t i>
-void undefine_key(TPUEditor& editor, Line line) {
+void undefine_named(TPUEditor& editor, Line line) {
     std::vector<std::string> words = {"UNDEFINE_KEY"};
     if (line.words.size() > i) words.push_back(line.words[i]);
-    editor.undefine_key_command(words);
+    undefine_key(editor, words);
 }
 
 // clang-format off
@@ -95,9 +95,9 @@ constexpr Command kRows[] = {
      .help = "Set tab stops: one every that many columns, or at two columns or more.", .least = 4},
     {.words = "SET EOB TEXT", .run = set_eob_text, .form = "SET EOB TEXT text",
      .help = "Set what is shown behind the last line of the buffer."},
-    {.words = "UNDEFINE KEY", .run = undefine_key<2>, .form = "UNDEFINE KEY key", .help = "Take the binding of a key away.",
+    {.words = "UNDEFINE KEY", .run = undefine_named<2>, .form = "UNDEFINE KEY key", .help = "Take the binding of a key away.",
      .without_buffer = true, .in_full = true},
-    {.words = "REMOVE_KEY", .run = undefine_key<1>, .form = "REMOVE_KEY key", .help = "Take the binding of a key away.",
+    {.words = "REMOVE_KEY", .run = undefine_named<1>, .form = "REMOVE_KEY key", .help = "Take the binding of a key away.",
      .without_buffer = true, .in_full = true},
 };
 // clang-format on

@@ -64,25 +64,20 @@ void run_statement(TPUEditor& editor, const CommandLine& line) {
 
 }  // namespace
 
-void TPUEditor::execute_command(const std::string& text) {
+void execute_command(TPUEditor& editor, const std::string& text) {
     CommandLine line(text);
     if (line.words.empty()) return;
-    UndoStep step(*this);
+    UndoStep step(editor);
     // A variable may have any name: q := 1 is no QUIT.
-    if (line.word(1).starts_with(":=")) return parser.execute_text(text);
+    if (line.word(1).starts_with(":=")) return editor.parser.execute_text(text);
     line.words[0] = resolve_command(ascii::upper(line.words[0]));
-    if (run_in_layer(*this, Layer::eve, line)) return;
-    if (run_procedure(*this, line)) return;
-    if (run_in_layer(*this, Layer::editor, line)) return;
-    run_statement(*this, line);
+    if (run_in_layer(editor, Layer::eve, line)) return;
+    if (run_procedure(editor, line)) return;
+    if (run_in_layer(editor, Layer::editor, line)) return;
+    run_statement(editor, line);
 }
 
-bool TPUEditor::execute_eve_command(const std::vector<std::string>& words,
-                                    const std::string& line) {
-    return !words.empty() && run_in_layer(*this, Layer::eve, CommandLine(line, words));
-}
-
-bool TPUEditor::is_command(const std::string& text) {
+bool is_command(const std::string& text) {
     CommandLine line(text);
     if (line.words.empty()) return false;
     line.words[0] = resolve_command(ascii::upper(line.words[0]));

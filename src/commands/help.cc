@@ -9,6 +9,7 @@
 #include "attributes/get_info_table.h"
 #include "attributes/set_table.h"
 #include "builtins/families.h"
+#include "builtins/table.h"
 #include "commands/command_words.h"
 #include "commands/show.h"
 #include "editor/default_keys.h"
@@ -62,7 +63,7 @@ void add_builtins(std::string& text, std::span<const Builtin> rows) {
 
 std::vector<const Builtin*> sorted_builtins() {
     std::vector<const Builtin*> rows;
-    for (std::span<const Builtin> family : builtin_families()) {
+    for (std::span<const Builtin> family : all_builtins().families()) {
         for (const Builtin& row : family) rows.push_back(&row);
     }
     std::sort(rows.begin(), rows.end(), [](auto* a, auto* b) { return a->name < b->name; });
@@ -185,7 +186,7 @@ bool holds(const Names& names, std::string_view name) {
 
 // What the tables of the language say on a name.
 void add_language_rows(std::string& text, std::string_view name) {
-    if (const Builtin* row = find_builtin(name)) {
+    if (const Builtin* row = all_builtins().find(name)) {
         add_row(text, row->form, "Built-in: " + std::string(row->help));
     }
     for (const SetKeyword& keyword : set_keywords()) {
@@ -270,13 +271,13 @@ std::span<const HelpTopic> help_topic_rows() {
     return kTopics;
 }
 
-std::vector<std::string> TPUEditor::help_topics() {
+std::vector<std::string> help_topics() {
     std::vector<std::string> names;
     for (const HelpTopic& topic : kTopics) names.emplace_back(topic.name);
     return names;
 }
 
-std::string TPUEditor::help_text(const std::string& topic) {
+std::string help_text(const std::string& topic) {
     std::string wanted = ascii::upper(ascii::trim(topic));
     if (wanted.empty()) return overview();
     for (const HelpTopic& row : kTopics) {
@@ -290,9 +291,9 @@ std::string TPUEditor::help_text(const std::string& topic) {
     return rows.empty() ? nothing_on(wanted) : wanted + "\n\n" + rows;
 }
 
-void TPUEditor::show_help(const std::string& topic) {
-    open_show_buffer("HELP", help_text(topic));
-    set_message("HELP buffer (Ctrl-X to exit, NEXT BUFFER to leave)");
+void show_help(TPUEditor& editor, const std::string& topic) {
+    editor.open_show_buffer("HELP", help_text(topic));
+    editor.set_message("HELP buffer (Ctrl-X to exit, NEXT BUFFER to leave)");
 }
 
 }  // namespace tpu

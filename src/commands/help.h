@@ -4,8 +4,11 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tpu {
+
+class TPUEditor;
 
 struct HelpTopic {
     std::string_view name;         // upper case
@@ -17,6 +20,14 @@ struct HelpTopic {
 
 // In the order in which they are listed.
 std::span<const HelpTopic> help_topic_rows();
+
+// Their names.
+std::vector<std::string> help_topics();
+// Of a topic, or of a command, built-in or attribute; for any other name what comes
+// close to it. In any case of letters. Without a topic the overview.
+std::string help_text(const std::string& topic);
+// Shows that in the buffer HELP.
+void show_help(TPUEditor& editor, const std::string& topic);
 
 // The prose, in help_topics.cc.
 namespace prose {

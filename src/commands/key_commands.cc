@@ -7,7 +7,7 @@
 #include "keys/key_code.h"
 #include "text/ascii.h"
 
-namespace tpu {
+namespace tpu::commands {
 
 namespace {
 
@@ -38,22 +38,20 @@ std::optional<ListAndMap> list_and_map(TPUEditor& editor, const std::string& lis
     return std::nullopt;
 }
 
-}  // namespace
-
-void TPUEditor::define_key_command(Words words, const std::string& line) {
-    if (words.size() < 3) return set_message("DEFINE_KEY key procedure-text");
-    int code = key_name_to_code(words[1]);
-    if (code == kNoKey) return set_message("Unknown key name");
-    KeyMap* map = first_map(*this);
-    if (!map) return set_message("No active key map");
+void define_key(TPUEditor& editor, Words words, const std::string& line) {
+    if (words.size() < 3) return editor.set_message("DEFINE_KEY key procedure-text");
+    int code = TPUEditor::key_name_to_code(words[1]);
+    if (code == kNoKey) return editor.set_message("Unknown key name");
+    KeyMap* map = first_map(editor);
+    if (!map) return editor.set_message("No active key map");
     std::string text(CommandLine(line, words).from_word(2));
     map->define_key(code, {text, {}, "User-defined key"});
-    set_message("Defined key " + words[1] + " => " + text);
+    editor.set_message("Defined key " + words[1] + " => " + text);
 }
 
-void TPUEditor::add_key_map_command(Words words) {
-    if (words.size() < 4) return set_message("ADD_KEY_MAP list FIRST|LAST map");
-    std::optional<ListAndMap> found = list_and_map(*this, words[1], words[3]);
+void add_key_map(TPUEditor& editor, Words words) {
+    if (words.size() < 4) return editor.set_message("ADD_KEY_MAP list FIRST|LAST map");
+    std::optional<ListAndMap> found = list_and_map(editor, words[1], words[3]);
     if (!found) return;
     std::string place = ascii::upper(words[2]);
     if (place == "FIRST") {
@@ -61,39 +59,26 @@ void TPUEditor::add_key_map_command(Words words) {
     } else if (place == "LAST") {
         found->list->add_last(found->map);
     } else {
-        return set_message("Position must be FIRST or LAST");
+        return editor.set_message("Position must be FIRST or LAST");
     }
-    set_message("Added key map");
+    editor.set_message("Added key map");
 }
 
-void TPUEditor::remove_key_map_command(Words words) {
-    if (words.size() < 3) return set_message("REMOVE_KEY_MAP list map");
-    std::optional<ListAndMap> found = list_and_map(*this, words[1], words[2]);
+void remove_key_map(TPUEditor& editor, Words words) {
+    if (words.size() < 3) return editor.set_message("REMOVE_KEY_MAP list map");
+    std::optional<ListAndMap> found = list_and_map(editor, words[1], words[2]);
     if (!found) return;
     found->list->remove(found->map);
-    set_message("Removed key map");
+    editor.set_message("Removed key map");
 }
 
-void TPUEditor::undefine_key_command(Words words) {
-    if (words.size() < 2) return set_message("UNDEFINE_KEY key");
-    int code = key_name_to_code(words[1]);
-    KeyMap* map = first_map(*this);
-    if (code == kNoKey || !map) return set_message("Cannot undefine key");
-    map->undefine_key(code);
-    set_message("Key undefined");
-}
-
-void TPUEditor::lookup_key_command(Words words) {
-    if (words.size() < 2) return set_message("LOOKUP_KEY key");
-    int code = key_name_to_code(words[1]);
-    const KeyMapList* list = current_key_map_list;
+void lookup_key(TPUEditor& editor, Words words) {
+    if (words.size() < 2) return editor.set_message("LOOKUP_KEY key");
+    int code = TPUEditor::key_name_to_code(words[1]);
+    const KeyMapList* list = editor.current_key_map_list;
     const KeyBinding* found = list ? list->lookup(code) : nullptr;
-    set_message(found ? "Key: " + found->text + " " + found->comment : "Key undefined");
+    editor.set_message(found ? "Key: " + found->text + " " + found->comment : "Key undefined");
 }
-
-namespace commands {
-
-namespace {
 
 using Line = const CommandLine&;
 
@@ -127,11 +112,11 @@ void read_key(TPUEditor& editor, Line) {
 
 // clang-format off
 constexpr Command kRows[] = {
-    {.words = "DEFINE_KEY", .run = [](TPUEditor& e, Line l) { e.define_key_command(l.words, l.line); },
+    {.words = "DEFINE_KEY", .run = [](TPUEditor& e, Line l) { define_key(e, l.words, l.line); },
      .form = "DEFINE_KEY key text", .help = "Bind a statement or a command to a key.", .without_buffer = true},
-    {.words = "UNDEFINE_KEY", .run = [](TPUEditor& e, Line l) { e.undefine_key_command(l.words); },
+    {.words = "UNDEFINE_KEY", .run = [](TPUEditor& e, Line l) { undefine_key(e, l.words); },
      .form = "UNDEFINE_KEY key", .help = "Take the binding of a key away.", .without_buffer = true},
-    {.words = "LOOKUP_KEY", .run = [](TPUEditor& e, Line l) { e.lookup_key_command(l.words); },
+    {.words = "LOOKUP_KEY", .run = [](TPUEditor& e, Line l) { lookup_key(e, l.words); },
      .form = "LOOKUP_KEY key", .help = "Show what is bound to a key.", .without_buffer = true},
     {.words = "KEY_NAME", .run = key_name, .form = "KEY_NAME key",
      .help = "Show the code of the key of that name.", .least = 2, .without_buffer = true},
@@ -143,10 +128,10 @@ constexpr Command kRows[] = {
      .help = "Make an empty key map.", .least = 2, .without_buffer = true},
     {.words = "CREATE_KEY_MAP_LIST", .run = create_key_map_list, .form = "CREATE_KEY_MAP_LIST name",
      .help = "Make an empty list of key maps.", .least = 2, .without_buffer = true},
-    {.words = "ADD_KEY_MAP", .run = [](TPUEditor& e, Line l) { e.add_key_map_command(l.words); },
+    {.words = "ADD_KEY_MAP", .run = [](TPUEditor& e, Line l) { add_key_map(e, l.words); },
      .form = "ADD_KEY_MAP list FIRST|LAST map", .help = "Add a key map to a list.",
      .without_buffer = true, .about = About::key_map_list},
-    {.words = "REMOVE_KEY_MAP", .run = [](TPUEditor& e, Line l) { e.remove_key_map_command(l.words); },
+    {.words = "REMOVE_KEY_MAP", .run = [](TPUEditor& e, Line l) { remove_key_map(e, l.words); },
      .form = "REMOVE_KEY_MAP list map", .help = "Take a key map out of a list.",
      .without_buffer = true, .about = About::key_map_list},
 };
@@ -154,10 +139,17 @@ constexpr Command kRows[] = {
 
 }  // namespace
 
+void undefine_key(TPUEditor& editor, Words words) {
+    if (words.size() < 2) return editor.set_message("UNDEFINE_KEY key");
+    int code = TPUEditor::key_name_to_code(words[1]);
+    KeyMap* map = first_map(editor);
+    if (code == kNoKey || !map) return editor.set_message("Cannot undefine key");
+    map->undefine_key(code);
+    editor.set_message("Key undefined");
+}
+
 std::span<const Command> keys() {
     return kRows;
 }
 
-}  // namespace commands
-
-}  // namespace tpu
+}  // namespace tpu::commands

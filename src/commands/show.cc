@@ -268,51 +268,27 @@ const ShowItem* find_item(std::string_view name) {
     return nullptr;
 }
 
-// The editor's own buffer of that name. One that a person made is left alone.
-Buffer& own_buffer(TPUEditor& editor, const std::string& name) {
-    for (const auto& buffer : editor.buffers) {
-        if (buffer->system && buffer->name == name) return *buffer;
-    }
-    return *editor.create_buffer(name, "");
-}
-
 }  // namespace
 
 std::span<const ShowItem> show_items() {
     return kItems;
 }
 
-void TPUEditor::open_show_buffer(const std::string& name, const std::string& text) {
-    std::string_view lines = text;
-    if (lines.ends_with('\n')) lines.remove_suffix(1);
-    Buffer& buffer = own_buffer(*this, name);
-    buffer.modifiable = true;
-    buffer.lines = LineStore::from_text(lines);
-    buffer.cursor_row = buffer.cursor_column = buffer.view_line = 0;
-    buffer.select_anchor.reset();
-    buffer.video_regions.clear();
-    buffer.modified = false;
-    buffer.no_write = true;
-    buffer.system = true;
-    buffer.eob_text = "[End of " + name + "]";
-    position(&buffer);
-}
-
-void TPUEditor::show_command(const std::vector<std::string>& words) {
+void show_command(TPUEditor& editor, const std::vector<std::string>& words) {
     if (words.size() < 2) {
-        return set_message(
+        return editor.set_message(
             "SHOW what? BUFFERS, KEYMAPS, PROCEDURES, DEFAULTS, SUMMARY, VARIABLES, KEY <name>, "
             "SYSTEM, VERSION, PASTES");
     }
     std::string word = ascii::upper(words[1]);
     const ShowItem* item = find_item(word);
-    if (!item) return set_message("Unknown SHOW item: " + word);
+    if (!item) return editor.set_message("Unknown SHOW item: " + word);
     bool names_one = item->text == keys && words.size() > 2;
-    std::string text = item->text(*this, names_one ? words[2] : "");
+    std::string text = item->text(editor, names_one ? words[2] : "");
     if (item->buffer.empty() || names_one) {
-        set_message(text);
+        editor.set_message(text);
     } else {
-        open_show_buffer(std::string(item->buffer), text);
+        editor.open_show_buffer(std::string(item->buffer), text);
     }
 }
 

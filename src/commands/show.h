@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tpu {
 
@@ -19,5 +20,8 @@ struct ShowItem {
 };
 
 std::span<const ShowItem> show_items();
+
+// The words of the command; the first is SHOW itself.
+void show_command(TPUEditor& editor, const std::vector<std::string>& words);
 
 }  // namespace tpu

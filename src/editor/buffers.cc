@@ -69,6 +69,14 @@ void cycle_buffers(TPUEditor& editor, std::size_t step) {
     editor.set_message("Buffer " + editor.current_buffer->name);
 }
 
+// The editor's own buffer of that name. One that a person made is left alone.
+Buffer& own_buffer(TPUEditor& editor, const std::string& name) {
+    for (const auto& buffer : editor.buffers) {
+        if (buffer->system && buffer->name == name) return *buffer;
+    }
+    return *editor.create_buffer(name, "");
+}
+
 }  // namespace
 
 void TPUEditor::next_buffer() {
@@ -77,6 +85,22 @@ void TPUEditor::next_buffer() {
 
 void TPUEditor::previous_buffer() {
     cycle_buffers(*this, buffers.size() - 1);
+}
+
+void TPUEditor::open_show_buffer(const std::string& name, const std::string& text) {
+    std::string_view lines = text;
+    if (lines.ends_with('\n')) lines.remove_suffix(1);
+    Buffer& buffer = own_buffer(*this, name);
+    buffer.modifiable = true;
+    buffer.lines = LineStore::from_text(lines);
+    buffer.cursor_row = buffer.cursor_column = buffer.view_line = 0;
+    buffer.select_anchor.reset();
+    buffer.video_regions.clear();
+    buffer.modified = false;
+    buffer.no_write = true;
+    buffer.system = true;
+    buffer.eob_text = "[End of " + name + "]";
+    position(&buffer);
 }
 
 }  // namespace tpu

@@ -165,7 +165,7 @@ void TPUEditor::run_key_text(const std::string& text) {
     bool recorded = parser.learning.record_begin(text);
     {
         Unrecorded parts(parser.learning);
-        if (!parser.knows(text) && is_command(text)) {
+        if (!parser.knows(text) && vocabulary.is_command(text)) {
             execute_command(text);
         } else {
             parser.execute_text(text);

@@ -6,8 +6,11 @@
 
 namespace tpu {
 
-TPUEditor::TPUEditor(Ports outside)
-    : ports(outside), parser(*this), timer_start(outside.clock.now()) {
+TPUEditor::TPUEditor(Ports outside, const Vocabulary& words)
+    : ports(outside),
+      vocabulary(words),
+      parser(*this, words.builtins),
+      timer_start(outside.clock.now()) {
     join_sessions();
 }
 

@@ -3,8 +3,10 @@
 //
 // The members stand here under the files that hold them. Work that needs no
 // editor is done by smaller parts (editor/layout.h, editor/compose.h,
-// editor/status_line.h, ...); the members are their doors.
+// status_line.h, ...); the members are their doors.
 #pragma once
+
+#include <sys/types.h>
 
 #include <chrono>
 #include <functional>
@@ -18,8 +20,10 @@
 #include "editor/line_input.h"
 #include "editor/ports.h"
 #include "editor/test_report.h"
+#include "editor/vocabulary.h"
 #include "editor/window.h"
 #include "keys/key_map.h"
+#include "lang/host.h"
 #include "lang/parser.h"
 #include "os/short_memory.h"
 #include "store/buffer_file.h"
@@ -39,16 +43,17 @@ struct FileSearch {
     std::size_t next = 0;
 };
 
-class TPUEditor {
+class TPUEditor : public Host {
   public:
-    // The ports outlive the editor. A headless editor never uses the terminal.
-    explicit TPUEditor(Ports outside);
+    // What it is given outlives the editor. A headless editor never uses the terminal.
+    TPUEditor(Ports outside, const Vocabulary& words);
     ~TPUEditor();
     TPUEditor(const TPUEditor&) = delete;
     TPUEditor& operator=(const TPUEditor&) = delete;
 
     ArrayCycles array_cycles;  // goes last, when nobody here holds arrays any more
     Ports ports;
+    const Vocabulary& vocabulary;
     std::vector<std::unique_ptr<Buffer>> buffers;  // in order of creation
     Buffer* current_buffer = nullptr;
     std::map<std::string, std::unique_ptr<KeyMap>> key_maps;
@@ -95,9 +100,10 @@ class TPUEditor {
     UndoStep* undo_step = nullptr;              // the outermost one under way
     MemoryReserve memory_reserve;               // taken by the main loop
     FileSearch file_search;
-    bool search_succeeded = false;  // the last SEARCH
-    bool match_succeeded = false;   // the last MATCH
-    TestReport test_report;         // of ASSERT and TEST
+    std::vector<std::pair<dev_t, ino_t>> replayed_journals;  // innermost last
+    bool search_succeeded = false;                           // the last SEARCH
+    bool match_succeeded = false;                            // the last MATCH
+    TestReport test_report;                                  // of ASSERT and TEST
     long long assertions_passed = 0;
     long long assertions_failed = 0;
     // Where GET_INFO's walks are; only compared, since they may be gone by now.
@@ -115,6 +121,8 @@ class TPUEditor {
     void position(Buffer* buffer);  // makes it current; null is ignored
     void next_buffer();
     void previous_buffer();
+    // Fills the editor's own buffer of that name, made when there is none, and goes there.
+    void open_show_buffer(const std::string& name, const std::string& text);
 
     // windows.cc
     TPUWindow* create_window(int top, int height, bool has_status);
@@ -146,7 +154,7 @@ class TPUEditor {
     int gutter(const TPUWindow& window) const;  // columns of line numbers
 
     // messages.cc
-    void set_message(const std::string& text);
+    void set_message(const std::string& text) override;
     // For when memory ran out: frees some, makes the session ready for the next key, tells
     // the user and keeps unsaved work. Shows a shorter text when there is still too little.
     void recover_memory(const char* message);
@@ -176,9 +184,17 @@ class TPUEditor {
 
     // dispatch.cc
     void handle_key(int key);
-    std::string read_character(int first);       // with the bytes that belong to the first one
-    void run_key_text(const std::string& text);  // statements, or a command
+    std::string read_character(int first);  // with the bytes that belong to the first one
+    void run_key_text(const std::string& text) override;  // statements, or a command
     void insert_paste(const std::string& text);
+
+    // running.cc
+    bool interrupt_waiting() override;
+    Buffer* buffer() override { return current_buffer; }
+    void step(const Piece& piece) override;
+    void record(const std::function<std::string()>& text, const Piece& piece) override;
+    void come_to_rest() override;
+    void execute_command(const std::string& line) { vocabulary.execute_command(*this, line); }
 
     // prompts.cc
     // A line as typed, without it ever being shown when it is not echoed. Empty at once
@@ -191,21 +207,21 @@ class TPUEditor {
     void command_mode();
     void prompt_find();
 
-    // editor/default_keys.cc
+    // default_keys.cc
     // Lists that hold the map that was called so hold the new one afterwards.
     KeyMap* create_key_map(const std::string& name);
     KeyMapList* create_key_map_list(const std::string& name, KeyMap* first);
     static int key_name_to_code(std::string_view name);  // kNoKey: no such key
     void define_default_keys();
 
-    // editor/spawn.cc
+    // spawn.cc
     void def_endwin_then_run(const std::string& command);
 
-    // editor/files.cc
+    // files.cc
     void save_current();
     void save_as(const std::string& name);
 
-    // editor/paste.cc
+    // paste.cc
     void push_kill_ring(const LineStore& text);
     void cut_selection();
     void copy_selection();
@@ -214,52 +230,12 @@ class TPUEditor {
     void store_named_paste(const std::string& name);
     void recall_named_paste(const std::string& name, bool insert);
 
-    // commands/command_words.cc
-    static std::vector<std::string> split_words(const std::string& line);
-    // The command that an upper-case word abbreviates; the word itself if it is none, or
-    // if several commands begin with it.
-    static std::string resolve_command(const std::string& word);
-
-    // commands/execute_command.cc
-    void execute_command(const std::string& line);
-    // Runs the line if its words are one of the commands that go before the procedures of
-    // the user; else false.
-    bool execute_eve_command(const std::vector<std::string>& words, const std::string& line);
-    static bool is_command(const std::string& line);  // its first words name a command
-
-    // commands/completion.cc
-    // What the last word of an unfinished command line may become.
-    Completion complete_command(std::string_view line);
-
-    // commands/editor_commands.cc
-    void buffer_command(const std::vector<std::string>& words);
-    void compile_current_buffer();
-
-    // commands/key_commands.cc; the first word is the command
-    void define_key_command(const std::vector<std::string>& words, const std::string& line);
-    void add_key_map_command(const std::vector<std::string>& words);
-    void remove_key_map_command(const std::vector<std::string>& words);
-    void undefine_key_command(const std::vector<std::string>& words);
-    void lookup_key_command(const std::vector<std::string>& words);
-
-    // commands/show.cc
-    // Fills the editor's own buffer of that name, made when there is none, and goes there.
-    void open_show_buffer(const std::string& name, const std::string& text);
-    // The words of the command; the first is SHOW itself.
-    void show_command(const std::vector<std::string>& words);
-
-    // commands/help.cc
-    static std::vector<std::string> help_topics();
-    // Of a topic, or of a command, built-in or attribute; for any other name what comes
-    // close to it. In any case of letters. Without a topic the overview.
-    static std::string help_text(const std::string& topic);
-    void show_help(const std::string& topic);
-
   private:
     void join_sessions();  // forgetting.cc
     void leave_sessions();
 
     int unread_key_ = kNoKey;
+    Clock::time_point last_look_;                                   // for Ctrl-C
     std::vector<std::shared_ptr<TPUProcess>> dismissed_processes_;  // until they have ended
     std::vector<std::unique_ptr<Buffer>> deleted_buffers_;          // until no code runs
     std::vector<std::unique_ptr<TPUWindow>> deleted_windows_;
@@ -267,5 +243,10 @@ class TPUEditor {
     ResizeMemory resize_memory_;
     bool resize_is_due_ = false;  // memory was too short for it
 };
+
+// The session in which a built-in was called.
+inline TPUEditor& editor_of(const Call& call) {
+    return static_cast<TPUEditor&>(call.host);
+}
 
 }  // namespace tpu

@@ -3,10 +3,11 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <optional>
+#include <string>
 
 #include "editor/editor.h"
-#include "lang/stmt_text.h"
 
 namespace tpu {
 
@@ -14,11 +15,8 @@ namespace tpu {
 // keeps a journal; costs nothing if it does not.
 class JournalEntry {
   public:
-    JournalEntry(TPUEditor& editor, const Stmt& stmt) : editor_(editor) {
-        if (is_wanted()) begin(text_of(stmt));
-    }
-    JournalEntry(TPUEditor& editor, const std::string& statement) : editor_(editor) {
-        if (is_wanted()) begin(statement);
+    JournalEntry(TPUEditor& editor, const std::function<std::string()>& text) : editor_(editor) {
+        if (is_wanted()) begin(text());
     }
     ~JournalEntry() {
         if (buffer_) end();

@@ -1,4 +1,5 @@
-// Running a journal.
+#include "editor/journal_replay.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -58,8 +59,8 @@ class StepsAside {
 // and leaving the editor does not concern the session that replays them.
 class Replay {
   public:
-    Replay(MiniTPUParser& run, JournalReader& reader)
-        : run_(run), editor_(run.editor), reader_(reader), step_(editor_) {
+    Replay(TPUEditor& editor, JournalReader& reader)
+        : editor_(editor), run_(editor.parser), reader_(reader), step_(editor_) {
         for (const auto& buffer : editor_.buffers) {
             if (buffer->system) continue;
             editor_.undo_step->watch(*buffer);
@@ -120,8 +121,8 @@ class Replay {
         return "the journal cannot be read from " + byte + " on";
     }
 
-    MiniTPUParser& run_;
     TPUEditor& editor_;
+    MiniTPUParser& run_;
     JournalReader& reader_;
     UndoStep step_;
     UndoStep* step_under_way_ = nullptr;
@@ -130,11 +131,11 @@ class Replay {
 };
 
 // How it ended.
-JournalReader::End replay(MiniTPUParser& run, Descriptor file) {
-    Nesting nesting(run);
+JournalReader::End replay(TPUEditor& editor, Descriptor file) {
+    Nesting nesting(editor.parser);
     JournalReader reader(std::move(file));
-    Replay replay(run, reader);
-    Buffer* buffer = run.editor.current_buffer;
+    Replay replay(editor, reader);
+    Buffer* buffer = editor.current_buffer;
     if (buffer) {
         Kept journal(buffer->journaling, buffer->binary_journal, buffer->journal_file,
                      buffer->journal_mirror);
@@ -213,29 +214,27 @@ bool only_edits(int fd) {
 
 }  // namespace
 
-Replayed tpu_journal_bring_back(MiniTPUParser& parser, const std::string& path) {
+Replayed bring_back(TPUEditor& editor, const std::string& path) {
     Descriptor file = open_file(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
     if (!file || !distrust_of_file(file.get()).empty() || !only_edits(file.get())) {
         return Replayed::nothing;
     }
-    bool whole = replay(parser, std::move(file)) == JournalReader::End::of_file;
+    bool whole = replay(editor, std::move(file)) == JournalReader::End::of_file;
     return whole ? Replayed::all : Replayed::part;
 }
 
-bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path, std::string* trouble) {
+bool replay_journal(TPUEditor& editor, const std::string& path, std::string* trouble) {
     constexpr std::size_t kDeepest = 100;
     Descriptor file = open_file(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     struct stat status;
     if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-    auto& open = parser.replayed_journals;
-    MiniTPUParser::FileId id{static_cast<std::uint64_t>(status.st_dev),
-                             static_cast<std::uint64_t>(status.st_ino)};
-    if (open.size() == kDeepest || std::find(open.begin(), open.end(), id) != open.end()) {
-        return true;
-    }
-    open.push_back(id);
-    bool known = replay(parser, std::move(file)) != JournalReader::End::unknown_version;
-    open.pop_back();
+    const std::pair id(status.st_dev, status.st_ino);
+    auto& running = editor.replayed_journals;
+    const bool runs = std::find(running.begin(), running.end(), id) != running.end();
+    if (runs || running.size() == kDeepest) return true;
+    Kept journals(running);
+    running.push_back(id);
+    bool known = replay(editor, std::move(file)) != JournalReader::End::unknown_version;
     if (!known && trouble) *trouble = path + ": " + std::string(kUnknownJournalVersion);
     return known;
 }

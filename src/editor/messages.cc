@@ -59,6 +59,7 @@ void TPUEditor::set_message(const std::string& text) {
 void TPUEditor::recover_memory(const char* text) {
     memory_reserve.release();
     parser.recover();
+    in_set_message = false;
     if (message != text && !enough_memory([&] { set_message(text); })) {
         in_set_message = false;
         message = "Out of memory";  // short enough to need none

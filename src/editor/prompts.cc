@@ -79,7 +79,9 @@ void TPUEditor::command_mode() {
     constexpr std::size_t kMostLines = 500;
     Asking how;
     how.history = &command_history;
-    how.complete = [this](std::string_view line) { return complete_command(line); };
+    how.complete = [this](std::string_view line) {
+        return vocabulary.complete_command(*this, line);
+    };
     std::string line = ask("* ", std::move(how)).value_or("");
     if (!line.empty()) {
         std::erase(command_history, line);

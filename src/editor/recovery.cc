@@ -6,6 +6,7 @@
 
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
+#include "editor/journal_replay.h"
 #include "os/short_memory.h"
 #include "store/buffer_file.h"
 #include "store/journal.h"
@@ -194,7 +195,7 @@ std::string Recovery::recover(Buffer& buffer) {
 // some of it could not be read.
 std::string Recovery::replay(Buffer& buffer, const LeftBehind& work) {
     reset_modes(buffer);
-    const Replayed replayed = tpu_journal_bring_back(editor_.parser, work.path);
+    const Replayed replayed = bring_back(editor_, work.path);
     if (replayed == Replayed::nothing) return "RECOVER_BUFFER: cannot read " + work.path;
     write();
     while (copy_bases().count() == 0) {

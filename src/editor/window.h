@@ -41,4 +41,8 @@ inline TPUWindow* window_of(const Value& value) {
     return static_cast<TPUWindow*>(value.window());
 }
 
+// The buffer that a value names: a buffer, or the one of a window, marker or range;
+// null for any other value.
+Buffer* buffer_of(const Value& value);
+
 }  // namespace tpu

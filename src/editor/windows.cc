@@ -94,4 +94,14 @@ void TPUEditor::restore_window_cursor(TPUWindow* window) {
     window->buffer->clamp_cursor();
 }
 
+Buffer* buffer_of(const Value& value) {
+    switch (value.type()) {
+        case Value::Type::buffer: return value.buffer();
+        case Value::Type::window: return value.window() ? window_of(value)->buffer : nullptr;
+        case Value::Type::marker: return value.marker() ? value.marker()->buffer : nullptr;
+        case Value::Type::range: return value.range() ? value.range()->buffer() : nullptr;
+        default: return nullptr;
+    }
+}
+
 }  // namespace tpu

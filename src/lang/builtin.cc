@@ -1,6 +1,7 @@
 #include "lang/builtin.h"
 
 #include "lang/compile.h"
+#include "lang/host.h"
 #include "lang/parser.h"
 #include "text/ascii.h"
 
@@ -64,6 +65,22 @@ bool Args::on(std::size_t i, bool otherwise) {
         return switched.integer() == 1 || (switched.integer() != 0 && otherwise);
     }
     return word_of(switched.as_string()).value_or(otherwise);
+}
+
+Buffer& Call::buffer() const {
+    return *host.buffer();
+}
+
+BuiltinTable::BuiltinTable(std::span<const std::span<const Builtin>> families)
+    : families_(families) {
+    for (std::span<const Builtin> family : families_) {
+        for (const Builtin& row : family) by_name_.emplace(row.name, &row);
+    }
+}
+
+const Builtin* BuiltinTable::find(std::string_view name) const {
+    auto found = by_name_.find(name);
+    return found == by_name_.end() ? nullptr : found->second;
 }
 
 }  // namespace tpu

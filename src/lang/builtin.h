@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "lang/code.h"
 #include "value/value.h"
@@ -15,8 +16,8 @@
 namespace tpu {
 
 class Buffer;
+class Host;
 class MiniTPUParser;
-class TPUEditor;
 
 // The arguments of one call. A statement's are evaluated once and only when they are
 // asked for; a function's are evaluated beforehand, from left to right.
@@ -58,7 +59,7 @@ class Args {
 };
 
 struct Call {
-    TPUEditor& editor;
+    Host& host;
     MiniTPUParser& parser;
     std::string_view name;  // upper case
     Args& args;
@@ -88,10 +89,18 @@ struct Builtin {
     std::string_view help;  // one sentence
 };
 
-// All built-ins, by family; no name occurs twice.
-std::span<const std::span<const Builtin>> builtin_families();
+class BuiltinTable {
+  public:
+    // The families outlive the table; no name occurs twice in them.
+    explicit BuiltinTable(std::span<const std::span<const Builtin>> families);
 
-// The row of that name, which is given in upper case; null when there is none.
-const Builtin* find_builtin(std::string_view name);
+    std::span<const std::span<const Builtin>> families() const { return families_; }
+    // The row of that name, which is given in upper case; null when there is none.
+    const Builtin* find(std::string_view name) const;
+
+  private:
+    std::span<const std::span<const Builtin>> families_;
+    std::unordered_map<std::string_view, const Builtin*> by_name_;
+};
 
 }  // namespace tpu

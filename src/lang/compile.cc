@@ -233,7 +233,7 @@ class Compiler {
         skip_blanks(text_, at_);
         if (at_ < text_.size() && text_[at_] == '(') return subscripted(call(name), nullptr, 0);
         if (const Value* value = constant_word(name)) return constant(*value);
-        const Builtin* row = find_builtin(name);
+        const Builtin* row = symbols_.builtins().find(name);
         if (row && row->bare) {
             return subscripted(std::make_unique<BuiltinCall>(*row, CallSite()), nullptr, 0);
         }
@@ -243,7 +243,7 @@ class Compiler {
 
     NodePtr call(const std::string& name) {
         CallSite site = arguments();
-        if (const Builtin* row = find_builtin(name)) {
+        if (const Builtin* row = symbols_.builtins().find(name)) {
             return std::make_unique<BuiltinCall>(*row, std::move(site));
         }
         return std::make_unique<ProcedureCall>(symbols_.intern(name), std::move(site));

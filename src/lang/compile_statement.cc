@@ -86,7 +86,7 @@ std::shared_ptr<const StmtCode> compile_plain(std::string_view text, SymbolTable
     auto code = new_code(symbols);
     std::string_view name = source::leading_word(text);
     std::string_view rest = text.substr(name.size());
-    const Builtin* row = find_builtin(ascii::upper(name));
+    const Builtin* row = symbols.builtins().find(ascii::upper(name));
     bool declares = row && row->declares != Declares::nothing && !ascii::trim(rest).empty() &&
                     ascii::is_space(rest.front());
     if (declares) {

@@ -1,14 +1,14 @@
 // Running statements and blocks of them.
 #include <algorithm>
+#include <functional>
 
-#include "editor/editor.h"
-#include "editor/journal_entry.h"
-#include "editor/undo_step.h"
 #include "lang/compile.h"
 #include "lang/deeper.h"
+#include "lang/host.h"
 #include "lang/nesting.h"
 #include "lang/nodes.h"
 #include "lang/parser.h"
+#include "lang/stmt_text.h"
 #include "value/array.h"
 
 namespace tpu {
@@ -114,25 +114,33 @@ void run_nested(MiniTPUParser& run, const std::vector<Stmt>& statements) {
     }
 }
 
+// References to functions need no memory of their own in a std::function.
 void run_recorded(MiniTPUParser& run, const Stmt& stmt) {
-    JournalEntry entry(run.editor, stmt);
-    run_one(run, stmt);
+    auto text = [&] { return text_of(stmt); };
+    auto piece = [&] { run_one(run, stmt); };
+    run.host.record(std::ref(text), std::ref(piece));
 }
 
-// Each of them is one step of undo, together with the handler that it may cause to run,
-// and a record in the journal. Handlers are looked for here: the journal has what they do.
+// Handlers are looked for here: the host is told of what they do as well. False: the
+// statement has failed, and none that follow are to run.
+bool run_with_handler(MiniTPUParser& run, const Stmt& stmt, const std::vector<Stmt>& around) {
+    run_recorded(run, stmt);
+    if (run.control_signal == Signal::none) return true;
+    const Stmt* handler = take_handler(run, around);
+    for (std::size_t i = 0; handler && i < handler->body.size(); ++i) {
+        run_recorded(run, handler->body[i]);
+        if (run.control_signal != Signal::none) break;
+    }
+    return false;
+}
+
 void run_outermost(MiniTPUParser& run, const std::vector<Stmt>& statements) {
     for (const Stmt& stmt : statements) {
         if (stmt.kind == Stmt::kOnError) continue;
-        UndoStep step(run.editor);
-        run_recorded(run, stmt);
-        if (run.control_signal == Signal::none) continue;
-        const Stmt* handler = take_handler(run, statements);
-        for (std::size_t i = 0; handler && i < handler->body.size(); ++i) {
-            run_recorded(run, handler->body[i]);
-            if (run.control_signal != Signal::none) return;
-        }
-        return;
+        bool goes_on = true;
+        auto piece = [&] { goes_on = run_with_handler(run, stmt, statements); };
+        run.host.step(std::ref(piece));
+        if (!goes_on) return;
     }
 }
 
@@ -229,7 +237,7 @@ void MiniTPUParser::settle() {
     retired_.clear();
     ended_loops_.clear();
     returned_from.reset();
-    editor.free_deleted();
+    host.come_to_rest();
 }
 
 void MiniTPUParser::recover() {
@@ -237,17 +245,15 @@ void MiniTPUParser::recover() {
     statement_depth = 0;
     program_depth = 0;
     learning.leave_all();
-    replayed_journals.clear();
     returned = nullptr;
     stopped = false;
-    editor.in_set_message = false;
     settle();
 }
 
 void MiniTPUParser::abort() {
     control_signal = Signal::aborting;
     record_error("TPU$_CONTROLC", "ABORT");
-    editor.set_message("ABORT");
+    host.set_message("ABORT");
 }
 
 void MiniTPUParser::end_loop(const Stmt& loop) {
@@ -258,7 +264,7 @@ void MiniTPUParser::end_loop(const Stmt& loop) {
     ended_loops_.push_back(&loop);
     std::string message = text;
     if (loop.line > 0) message += "  (line " + std::to_string(loop.line) + ")";
-    editor.set_message(message);
+    host.set_message(message);
     add_fault(loop.line, text, message);
 }
 
@@ -273,12 +279,7 @@ Work MiniTPUParser::interruptible() {
 }
 
 bool MiniTPUParser::interrupt_wanted() {
-    constexpr std::chrono::milliseconds kBetweenLooks(50);
-    if (editor.headless || interrupted) return false;
-    Clock::time_point now = editor.ports.clock.now();
-    if (now - last_look_ < kBetweenLooks) return false;
-    last_look_ = now;
-    return editor.ports.terminal.interrupt_waiting();
+    return !interrupted && host.interrupt_waiting();
 }
 
 }  // namespace tpu

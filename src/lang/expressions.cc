@@ -92,7 +92,7 @@ Value MiniTPUParser::eval_function(const std::string& name, const std::vector<Va
         site.arguments.push_back({"", std::make_unique<Constant>(value)});
     }
     Nesting nesting(*this);
-    if (const Builtin* row = find_builtin(name)) {
+    if (const Builtin* row = symbols.builtins().find(name)) {
         return eval_root(BuiltinCall(*row, std::move(site)));
     }
     return eval_root(ProcedureCall(symbols.intern(name), std::move(site)));

@@ -4,7 +4,6 @@
 // first runs. The members stand here under the files that hold them.
 #pragma once
 
-#include <chrono>
 #include <map>
 #include <memory>
 #include <span>
@@ -22,8 +21,9 @@
 
 namespace tpu {
 
+class BuiltinTable;
+class Host;
 class Node;
-class TPUEditor;
 struct Builtin;
 struct CallSite;
 
@@ -49,11 +49,12 @@ class MiniTPUParser {
     // So many faults are kept, since a program may make them without end.
     static constexpr std::size_t kMostFaults = 1'000;
 
-    explicit MiniTPUParser(TPUEditor& owner) : editor(owner) {}
+    // What it is given outlives it.
+    MiniTPUParser(Host& owner, const BuiltinTable& builtins) : host(owner), symbols(builtins) {}
     MiniTPUParser(const MiniTPUParser&) = delete;
     MiniTPUParser& operator=(const MiniTPUParser&) = delete;
 
-    TPUEditor& editor;
+    Host& host;
     std::map<std::string, std::unique_ptr<Procedure>> procedures;  // by upper-case name
     SymbolTable symbols;  // variables at all depths, and which names are constant
     Signal control_signal = Signal::none;
@@ -75,16 +76,11 @@ class MiniTPUParser {
     std::size_t stopped_at = 0;      // byte of the expression where reading stopped
     const Node* returned = nullptr;  // what the RETURN that set the signal returns
     std::shared_ptr<const std::vector<Stmt>> returned_from;  // its code, if nobody else keeps it
-    bool was_interrupted = false;  // the outermost statement that ended last
-    bool interrupted = false;      // everything is to end, the outermost statement too
-    int block_depth = 0;           // blocks and statements under way
-    int program_depth = 0;         // programs and texts among them
-    struct FileId {
-        std::uint64_t device, number;
-        bool operator==(const FileId&) const = default;
-    };
-    std::vector<FileId> replayed_journals;  // innermost last
-    const char* stack_limit = nullptr;      // where the running stack is nearly used up
+    bool was_interrupted = false;       // the outermost statement that ended last
+    bool interrupted = false;           // everything is to end, the outermost statement too
+    int block_depth = 0;                // blocks and statements under way
+    int program_depth = 0;              // programs and texts among them
+    const char* stack_limit = nullptr;  // where the running stack is nearly used up
     CodeCache code_cache;
     Learning learning;
 
@@ -213,7 +209,6 @@ class MiniTPUParser {
     std::vector<std::unique_ptr<Procedure>> retired_;  // redefined while they may have run
     std::vector<const Stmt*> ended_loops_;             // those that have said so
     unsigned steps_ = 0;
-    std::chrono::steady_clock::time_point last_look_;  // at the keyboard
 };
 
 }  // namespace tpu

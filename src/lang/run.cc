@@ -256,7 +256,7 @@ Word BuiltinCall::compute(MiniTPUParser& run) const {
     Args args(run, site);
     args.evaluate_all();
     if (!run.can_run(builtin)) return tpu_unspecified().release();
-    Call call{run.editor, run, builtin.name, args};
+    Call call{run.host, run, builtin.name, args};
     if (builtin.function) return builtin.function(call).release();
     if (builtin.statement) builtin.statement(call);  // else it declares names, and is no call
     return tpu_unspecified().release();

@@ -1,11 +1,10 @@
 // Running one plain statement: an assignment, a declaration, a call.
 #include <algorithm>
+#include <functional>
 
-#include "editor/editor.h"
-#include "editor/journal_entry.h"
-#include "editor/undo_step.h"
 #include "lang/builtin.h"
 #include "lang/compile.h"
+#include "lang/host.h"
 #include "lang/nesting.h"
 #include "lang/parser.h"
 #include "lang/source.h"
@@ -50,7 +49,7 @@ bool MiniTPUParser::knows(std::string_view text) const {
     text = ascii::trim(text);
     if (source::find_assignment(text) != std::string_view::npos) return true;
     std::string word = ascii::upper(source::leading_word(text));
-    const Builtin* row = find_builtin(word);
+    const Builtin* row = symbols.builtins().find(word);
     bool is_call = ascii::trim(text.substr(word.size())).starts_with('(');
     return (row && (is_call || !row->only_called)) || is_control_word(word) ||
            procedures.contains(word) || procedures.contains(ascii::upper(text));
@@ -63,9 +62,10 @@ bool MiniTPUParser::execute_statement(const std::string& text) {
         code_cache.statements.get(statement, [&] { return compile_plain(statement, symbols); });
     Nesting nesting(*this);
     if (nesting.is_outermost()) {
-        UndoStep step(editor);
-        JournalEntry entry(editor, statement);
-        run_statement(*code, statement);
+        auto text_itself = [&] { return statement; };
+        auto piece = [&] { run_statement(*code, statement); };
+        auto recorded = [&] { host.record(std::ref(text_itself), std::ref(piece)); };
+        host.step(std::ref(recorded));
     } else {
         run_statement(*code, statement);
     }
@@ -92,7 +92,7 @@ void MiniTPUParser::execute_text(const std::string& text) {
 void MiniTPUParser::replay(const std::shared_ptr<LearnSequence>& learned) {
     if (!learning.enter(*learned)) {
         record_error("TPU$_RECURLEARN", "A learn sequence cannot run itself");
-        editor.set_message(error_text);
+        host.set_message(error_text);
         return;
     }
     Nesting nesting(*this);
@@ -100,7 +100,7 @@ void MiniTPUParser::replay(const std::shared_ptr<LearnSequence>& learned) {
     for (const std::string& statement : learned->statements) {
         look_for_interrupt();
         if (control_signal != Signal::none) break;
-        editor.run_key_text(statement);
+        host.run_key_text(statement);
     }
     learning.leave();
 }
@@ -134,13 +134,13 @@ void MiniTPUParser::call_statement(const Procedure& procedure, const CallSite& s
 }
 
 bool MiniTPUParser::can_run(const Builtin& builtin) const {
-    return editor.current_buffer || builtin.without_buffer;
+    return builtin.without_buffer || host.buffer();
 }
 
 void MiniTPUParser::run_builtin(const Builtin& builtin, const CallSite& site) {
     if (!can_run(builtin)) return;
     Args args(*this, site);
-    Call call{editor, *this, builtin.name, args, true};
+    Call call{host, *this, builtin.name, args, true};
     if (builtin.statement) {
         builtin.statement(call);
     } else if (builtin.function) {
@@ -154,7 +154,7 @@ void MiniTPUParser::report_unknown(const std::string& text) {
     std::string message = "Unknown command: " + text;
     const std::string bare = message;
     if (current_line > 0) message += "  (line " + std::to_string(current_line) + ")";
-    editor.set_message(message);
+    host.set_message(message);
     add_fault(current_line, bare, message);
 }
 

@@ -2,7 +2,7 @@
 
 namespace tpu {
 
-SymbolTable::SymbolTable() {
+SymbolTable::SymbolTable(const BuiltinTable& builtins) : builtins_(builtins) {
     static std::uint64_t last = 0;
     number_ = ++last;
 }

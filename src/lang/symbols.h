@@ -15,6 +15,7 @@
 
 namespace tpu {
 
+class BuiltinTable;
 struct Procedure;
 
 struct Symbol {
@@ -39,7 +40,10 @@ class SymbolTable {
   public:
     using Symbols = std::map<std::string, Symbol, std::less<>>;
 
-    SymbolTable();
+    // Names may be those of built-ins, too. The table of these outlives this one.
+    explicit SymbolTable(const BuiltinTable& builtins);
+
+    const BuiltinTable& builtins() const { return builtins_; }
 
     // Tells this table from any other one, those that are gone included.
     std::uint64_t number() const { return number_; }
@@ -94,6 +98,7 @@ class SymbolTable {
         int level;
     };
 
+    const BuiltinTable& builtins_;
     std::uint64_t number_;
     Symbols symbols_;
     std::vector<Covered> covered_;  // innermost last

@@ -24,7 +24,6 @@
 namespace tpu {
 
 class Buffer;
-class MiniTPUParser;
 
 inline constexpr std::string_view kJournalMagic = "TPJB";
 inline constexpr std::uint32_t kJournalVersion = 1;
@@ -52,18 +51,5 @@ void tpu_journal_cut(const std::string& path, off_t from, off_t to) noexcept;
 [[nodiscard]] bool tpu_journal_open(Buffer& buffer, const std::string& path, bool binary,
                                     std::string& note);
 void tpu_journal_close(Buffer& buffer);
-
-// Runs all that was in a journal when it was opened, one statement after the other, and
-// shows how many there were and where it stopped. None of it is recorded again. A
-// journal that comes to replay itself does nothing. False, and nothing has changed: it
-// cannot be opened, or for a reason that is put into `trouble`.
-bool tpu_journal_recover(MiniTPUParser& parser, const std::string& path,
-                         std::string* trouble = nullptr);
-
-// The same for a file that the user has not named: unsaved work. Nothing of it runs if the
-// file is not the user's own, or if it holds more than statements that change the text and
-// the cursor of the current buffer.
-enum class Replayed { nothing, part, all };
-Replayed tpu_journal_bring_back(MiniTPUParser& parser, const std::string& path);
 
 }  // namespace tpu

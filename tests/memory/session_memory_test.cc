@@ -6,6 +6,7 @@
 #include <map>
 #include <set>
 
+#include "commands/vocabulary.h"
 #include "editor/curses/key_decoder.h"
 #include "editor/recovery.h"
 #include "memory/failing_allocations.h"
@@ -115,7 +116,7 @@ struct Work {
                 ~Enough() { failing::none(); }
             } afterwards;
             fail();
-            TPUEditor editor({typist, clock});
+            TPUEditor editor({typist, clock}, vocabulary());
             typist.editor = &editor;
             editor.charset = Charset::utf8;
             Buffer* main = editor.create_buffer("MAIN", "");

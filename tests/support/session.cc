@@ -1,5 +1,6 @@
 #include "support/session.h"
 
+#include "commands/vocabulary.h"
 #include "keys/key_names.h"
 
 namespace tpu {
@@ -42,7 +43,8 @@ std::vector<int> key_codes(std::string_view keys) {
     return codes;
 }
 
-Session::Session(std::vector<std::string> lines, int rows, int cols) : editor({terminal, clock}) {
+Session::Session(std::vector<std::string> lines, int rows, int cols)
+    : editor({terminal, clock}, vocabulary()) {
     terminal.screen = {rows, cols};
     editor.charset = Charset::utf8;
     buffer = editor.create_buffer("MAIN", "");

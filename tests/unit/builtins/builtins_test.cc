@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "builtins/table.h"
 #include "lang/builtin.h"
 #include "lang/words.h"
 #include "text/ascii.h"
@@ -10,7 +11,7 @@ namespace tpu {
 namespace {
 
 TEST(Builtins, every_row_says_how_it_is_written_and_what_it_does) {
-    for (std::span<const Builtin> family : builtin_families()) {
+    for (std::span<const Builtin> family : all_builtins().families()) {
         for (const Builtin& row : family) {
             EXPECT_EQ(row.name, ascii::upper(row.name));
             EXPECT_TRUE(row.form.starts_with(row.name)) << row.name;
@@ -24,12 +25,12 @@ TEST(Builtins, every_row_says_how_it_is_written_and_what_it_does) {
 
 TEST(Builtins, no_name_means_two_things) {
     std::set<std::string_view> names;
-    for (std::span<const Builtin> family : builtin_families()) {
+    for (std::span<const Builtin> family : all_builtins().families()) {
         for (const Builtin& row : family) EXPECT_TRUE(names.insert(row.name).second) << row.name;
     }
     // A word that always stands for its value would hide a built-in without arguments.
     for (std::string_view word : constant_words()) {
-        const Builtin* row = find_builtin(word);
+        const Builtin* row = all_builtins().find(word);
         EXPECT_FALSE(row && row->bare) << word;
     }
 }
@@ -65,7 +66,7 @@ TEST(Builtins, only_some_stand_bare) {
         "READ_CLIPBOARD",
     };
     std::set<std::string_view> bare;
-    for (std::span<const Builtin> family : builtin_families()) {
+    for (std::span<const Builtin> family : all_builtins().families()) {
         for (const Builtin& row : family) {
             if (row.bare) bare.insert(row.name);
         }

@@ -91,7 +91,7 @@ TEST(CommandNames, are_completed_when_only_one_begins_so) {
         if (!command->in_full) found.emplace(command->first_word());
     }
     EXPECT_EQ(found, expected);
-    auto resolve = &TPUEditor::resolve_command;
+    auto resolve = &resolve_command;
     for (const std::string& name : expected) EXPECT_EQ(resolve(name), name);
     for (const char* stays : {"", "SEL", "E", "INS", "COPY", "C", "UND", "NOSUCH", "ONE", "GO"}) {
         EXPECT_EQ(resolve(stays), stays);
@@ -124,9 +124,6 @@ TEST_F(Commands, are_tried_in_layers) {
     EXPECT_EQ(run("und"), "Nothing to undo");
     EXPECT_EQ(run("POSITION (END_OF (CURRENT_BUFFER))"), "");
     EXPECT_EQ(main.cursor_row, 2u);
-    EXPECT_TRUE(editor.execute_eve_command({"what", "line"}, "what line"));
-    EXPECT_FALSE(editor.execute_eve_command({"what"}, "what"));
-    EXPECT_FALSE(editor.execute_eve_command({}, ""));
     run("q := 1");
     EXPECT_EQ(run("MESSAGE(STR(q))"), "1");
     EXPECT_TRUE(editor.running);
@@ -583,7 +580,7 @@ TEST_F(FileCommands, reload_what_others_have_changed) {
 
 TEST_F(FileCommands, complete_names_on_the_command_line) {
     auto completed = [&](const std::string& line) {
-        return editor.complete_command(line).candidates;
+        return complete_command(editor, line).candidates;
     };
     using Names = std::vector<std::string>;
     EXPECT_EQ(completed("goo"), Names{});

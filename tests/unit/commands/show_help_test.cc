@@ -7,8 +7,10 @@
 
 #include "attributes/get_info_table.h"
 #include "attributes/set_table.h"
+#include "builtins/table.h"
 #include "commands/command_words.h"
 #include "commands/help.h"
+#include "commands/show.h"
 #include "editor/version.h"
 #include "keys/key_names.h"
 #include "lang/builtin.h"
@@ -42,7 +44,7 @@ bool has(const std::string& text, std::string_view part) {
 TEST_F(ShowHelp, show_says_what_it_can_show) {
     EXPECT_TRUE(message_of("show").starts_with("SHOW what? BUFFERS, KEYMAPS, PROCEDURES, "));
     EXPECT_EQ(message_of("SHOW nothing x"), "Unknown SHOW item: NOTHING");
-    session.editor.show_command({"SHOW", ""});
+    show_command(session.editor, {"SHOW", ""});
     EXPECT_EQ(session.editor.message, "Unknown SHOW item: ");
     EXPECT_EQ(current(), "MAIN");
 }
@@ -224,21 +226,21 @@ TEST_F(ShowHelp, f2_opens_the_overview) {
     std::string text = session.editor.current_buffer->lines.text() + '\n';
     EXPECT_TRUE(text.starts_with("Vorlane HELP\nType  HELP <topic>  for details. Topics:\n"));
     EXPECT_TRUE(text.ends_with("Press Ctrl-X to leave the help buffer.\n"));
-    EXPECT_EQ(text, TPUEditor::help_text("overview"));
+    EXPECT_EQ(text, help_text("overview"));
     EXPECT_EQ(session.screen()[0], "Vorlane HELP");
     session.press("<CTRL_Z>previous buffer<RETURN>");
     EXPECT_EQ(current(), "MAIN");
 }
 
 TEST(HelpTexts, stand_for_every_topic_in_lines_that_fit) {
-    std::vector<std::string> topics = TPUEditor::help_topics();
+    std::vector<std::string> topics = help_topics();
     ASSERT_EQ(topics.size(), 17u);
     EXPECT_EQ(topics.front(), "OVERVIEW");
     EXPECT_EQ(topics.back(), "WRAP");
     topics.push_back("no such topic");
     topics.push_back("GET_INFO");
     for (const std::string& topic : topics) {
-        std::string text = TPUEditor::help_text(topic);
+        std::string text = help_text(topic);
         EXPECT_TRUE(topic == "OVERVIEW" || topic == "no such topic" ||
                     text.starts_with(topic + "\n"));
         EXPECT_GT(text.size(), 100u) << topic;
@@ -253,14 +255,14 @@ TEST(HelpTexts, stand_for_every_topic_in_lines_that_fit) {
 
 TEST(HelpTexts, list_what_the_tables_have) {
     auto line_begins = [](std::string_view topic, std::string_view word) {
-        std::string text = TPUEditor::help_text(std::string(topic));
+        std::string text = help_text(std::string(topic));
         EXPECT_TRUE(has(text, "\n  " + std::string(word))) << topic << ": " << word;
     };
     for (const Command* command : all_commands()) {
         // A long form goes on in the next line.
         line_begins("COMMANDS", command->form.substr(0, 50));
     }
-    for (std::span<const Builtin> family : builtin_families()) {
+    for (std::span<const Builtin> family : all_builtins().families()) {
         for (const Builtin& row : family) line_begins("builtins", row.name);
     }
     for (const SetKeyword& row : set_keywords()) line_begins("SET", "SET(" + std::string(row.name));
@@ -272,7 +274,7 @@ TEST(HelpTexts, list_what_the_tables_have) {
 }
 
 TEST(HelpTexts, name_the_commands_that_cannot_be_shortened) {
-    std::string text = TPUEditor::help_text("COMMANDS");
+    std::string text = help_text("COMMANDS");
     std::size_t begin = text.find("typed in full"), end = text.find("\n\n", begin);
     text = text.substr(begin, end - begin);
     std::replace_if(

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "commands/vocabulary.h"
 #include "store/section_format.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
@@ -29,7 +30,7 @@ class Sections : public testing::Test {
 };
 
 TEST_F(Sections, have_their_format_to_the_byte) {
-    TPUEditor editor({terminal, clock});
+    TPUEditor editor({terminal, clock}, vocabulary());
     editor.create_buffer("MAIN", "");
     run(editor, R"(
 PROCEDURE zeta ; x:=1 ; IF x THEN y := "two

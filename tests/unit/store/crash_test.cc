@@ -15,6 +15,7 @@
 #include <random>
 #include <thread>
 
+#include "editor/journal_replay.h"
 #include "editor/recovery.h"
 #include "os/file_io.h"
 #include "os/system_calls.h"
@@ -105,7 +106,7 @@ TEST(Crashes, lose_at_most_the_statement_that_was_running) {
         crash(*done, std::chrono::microseconds(random() % 20'000),
               [&] { edit_for_ever(folder.path("j"), binary, seed, *done); });
         Session recovered(kStart), expected(kStart);
-        ASSERT_TRUE(tpu_journal_recover(recovered.editor.parser, folder.path("j")));
+        ASSERT_TRUE(replay_journal(recovered.editor, folder.path("j")));
         const int replayed = std::atoi(recovered.editor.message.c_str());
         EXPECT_GE(replayed, *done);
         EXPECT_LE(replayed, *done + 1);
@@ -152,7 +153,7 @@ TEST(Crashes, at_any_call_leave_a_journal_without_a_hole) {
                 waitpid(child, &status, 0);
                 finished = WIFEXITED(status) && WEXITSTATUS(status) == 0;
                 Session s;
-                tpu_journal_recover(s.editor.parser, journal);
+                replay_journal(s.editor, journal);
                 const std::string replayed = s.buffer->lines.text();
                 EXPECT_TRUE(text.starts_with(replayed)) << replayed;
                 EXPECT_TRUE(!finished || replayed == text);

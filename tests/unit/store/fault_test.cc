@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "buffer/buffer.h"
+#include "editor/journal_replay.h"
 #include "editor/recovery.h"
 #include "os/system_calls.h"
 #include "store/buffer_file.h"
@@ -106,7 +107,7 @@ TEST_F(Faults, while_a_journal_is_kept_stop_no_statement_and_leave_no_hole) {
             EXPECT_EQ(session->buffer->lines.text(), "abc");
             if (!opened) return;
             Session again;
-            EXPECT_TRUE(tpu_journal_recover(again.editor.parser, path));
+            EXPECT_TRUE(replay_journal(again.editor, path));
             const std::string text = again.buffer->lines.text();
             EXPECT_TRUE(std::string("abc").starts_with(text)) << text;
             EXPECT_EQ(text == "abc", session->buffer->journal_fault.empty());
@@ -121,7 +122,7 @@ TEST_F(Faults, while_a_journal_is_replayed_end_the_replay) {
     std::unique_ptr<Session> again;
     int calls = for_each_fault(
         [&] { again = std::make_unique<Session>(); },
-        [&] { return tpu_journal_recover(again->editor.parser, path); },
+        [&] { return replay_journal(again->editor, path); },
         [&](int, bool opened) {
             bool whole = again->editor.message.ends_with("the end of the journal was reached");
             EXPECT_EQ(again->buffer->lines.text(), whole ? "a" : "");

@@ -19,7 +19,7 @@ using Type = Value::Type;
 void apply(const SetKeyword& row, Call& call) {
     Buffer* given = nullptr;
     if (row.takes_buffer && call.args.count() >= 3) given = call.args.value(1).buffer();
-    SetCall set{call.editor, given ? *given : call.buffer(), call.args, given ? 2u : 1u};
+    SetCall set{editor_of(call), given ? *given : call.buffer(), call.args, given ? 2u : 1u};
     row.apply(set);
 }
 
@@ -31,7 +31,7 @@ void set(Call& call) {
     if (row != rows.end()) return apply(*row, call);
     auto ignored = ignored_set_keywords();
     if (std::find(ignored.begin(), ignored.end(), keyword) == ignored.end()) {
-        call.editor.set_message("SET: unknown attribute " + keyword);
+        editor_of(call).set_message("SET: unknown attribute " + keyword);
     }
 }
 
@@ -65,11 +65,11 @@ Value get_info_value(Call& call) {
     if (object.is(Type::integer) && object.integer() == 0) {
         if (std::optional<Value> info = release_info(item)) return *info;
     }
-    return get_info(call.editor, object, item);
+    return get_info(editor_of(call), object, item);
 }
 
 void get_info_shown(Call& call) {
-    call.editor.set_message(get_info_value(call).as_string());
+    editor_of(call).set_message(get_info_value(call).as_string());
 }
 
 // clang-format off

@@ -1,0 +1,15 @@
+#include "commands/vocabulary.h"
+
+#include "builtins/table.h"
+#include "commands/command_words.h"
+#include "commands/show.h"
+
+namespace tpu {
+
+const Vocabulary& vocabulary() {
+    static const Vocabulary kAll = {all_builtins(), execute_command, is_command, complete_command,
+                                    show_command};
+    return kAll;
+}
+
+}  // namespace tpu
