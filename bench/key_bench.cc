@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "app/this_system.h"
+#include "commands/vocabulary.h"
 #include "editor/compose.h"
 #include "editor/editor.h"
 #include "swallowing_terminal.h"
@@ -12,7 +14,7 @@ namespace {
 using namespace tpu;
 
 struct Bench {
-    explicit Bench(LineStore lines) : editor({terminal, clock}) {
+    explicit Bench(LineStore lines) : editor({terminal, clock, system}, vocabulary()) {
         editor.charset = Charset::utf8;
         buffer = editor.create_buffer("MAIN", "");
         buffer->lines = std::move(lines);
@@ -25,6 +27,7 @@ struct Bench {
     }
     SwallowingTerminal terminal;
     SteadyClock clock;
+    ThisSystem system;
     TPUEditor editor;
     Buffer* buffer;
 };

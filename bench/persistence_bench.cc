@@ -7,6 +7,8 @@
 #include <fstream>
 #include <string>
 
+#include "app/this_system.h"
+#include "commands/vocabulary.h"
 #include "editor/editor.h"
 #include "editor/section.h"
 #include "store/journal.h"
@@ -17,13 +19,14 @@ namespace {
 using namespace tpu;
 
 struct Session {
-    Session() : editor({terminal, clock}) {
+    Session() : editor({terminal, clock, system}, vocabulary()) {
         editor.headless = true;
         buffer = editor.create_buffer("MAIN", "");
         editor.init_screen();
     }
     SwallowingTerminal terminal;
     SteadyClock clock;
+    ThisSystem system;
     TPUEditor editor;
     Buffer* buffer;
 };

@@ -7,9 +7,9 @@ set(TPU_EXPORTS
 
 # Its sessions have no terminal, so neither curses nor the program's start belong to it.
 set(LIBRARY_SOURCES ${TPU_SOURCES})
-list(FILTER LIBRARY_SOURCES EXCLUDE REGEX "src/editor/curses/")
+list(FILTER LIBRARY_SOURCES EXCLUDE REGEX "src/app/curses/")
 list(FILTER LIBRARY_SOURCES EXCLUDE REGEX
-     "src/app/(main|options|source_file|startup|test_mode)\\.cc$")
+     "src/app/(main|options|signals|source_file|startup|test_mode)\\.cc$")
 
 # Objects for both kinds of library and for the program. They are position-independent
 # for the shared one; with hidden names that costs nothing.

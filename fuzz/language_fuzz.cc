@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "app/no_terminal.h"
+#include "app/this_system.h"
 #include "commands/vocabulary.h"
 #include "editor/editor.h"
 #include "outside.h"
@@ -73,9 +74,10 @@ void part_arrays() {
 void run(const std::string& source) {
     ImpatientTerminal terminal;
     HastyClock clock;
+    ThisSystem system;
     NoOutside outside;
     {
-        TPUEditor editor({terminal, clock}, vocabulary());
+        TPUEditor editor({terminal, clock, system}, vocabulary());
         editor.charset = Charset::utf8;
         editor.parser.longest_text = kLongestText;
         Buffer* buffer = editor.create_buffer("MAIN", "");

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "app/no_terminal.h"
+#include "app/this_system.h"
 #include "commands/vocabulary.h"
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
@@ -13,6 +14,7 @@
 struct TPU_Context {
     tpu::NoTerminal terminal;
     tpu::SteadyClock clock;
+    tpu::ThisSystem system;
     std::unique_ptr<tpu::TPUEditor> editor;
 };
 
@@ -35,7 +37,7 @@ std::unique_ptr<tpu::TPUEditor> make_editor(tpu::Ports ports) {
 TPU_Context* TPU_Initialize() {
     try {
         auto context = std::make_unique<TPU_Context>();
-        context->editor = make_editor({context->terminal, context->clock});
+        context->editor = make_editor({context->terminal, context->clock, context->system});
         return context.release();
     } catch (...) {
         return nullptr;

@@ -5,19 +5,18 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
+#include "app/curses/redirect.h"
+#include "app/curses/terminal.h"
+#include "app/signals.h"
 #include "app/startup.h"
 #include "app/test_mode.h"
-#include "editor/curses/redirect.h"
-#include "editor/curses/terminal.h"
+#include "app/this_system.h"
 #include "editor/version.h"
 #include "os/fresh_stack.h"
 #include "os/short_memory.h"
 #include "os/signal_stack.h"
-#include "os/terminal_state.h"
-#include "text/text_block.h"
 
 namespace {
 
@@ -36,25 +35,21 @@ void use_roomy_stack() {
     tpu::fresh_stack::set_first_share(std::min(limit.rlim_cur / 4 * 3, kMost));
 }
 
-std::string variable(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? value : "";
-}
-
 // In the folder for the state of programs, unless that is switched off.
-std::string state_file(const std::string& file) {
-    if (variable("TPU_RECOVERY") == "off") return {};
-    std::string state = variable("XDG_STATE_HOME"), home = variable("HOME");
+std::string state_file(tpu::System& system, const std::string& file) {
+    if (system.variable("TPU_RECOVERY") == "off") return {};
+    std::string state = system.variable("XDG_STATE_HOME").value_or("");
+    const std::string home = system.variable("HOME").value_or("");
     if (!state.starts_with('/')) state = home.starts_with('/') ? home + "/.local/state" : "";
     return state.empty() ? state : state + "/tpu/" + file;
 }
 
-tpu::StartFiles start_files() {
+tpu::StartFiles start_files(tpu::System& system) {
     tpu::StartFiles files;
-    files.source = variable("TPU_STARTUP");
-    if (const char* home = std::getenv("HOME")) files.home = home;
-    files.recovery_folder = state_file("recovery");
-    files.open_files = state_file("open-files");
+    files.source = system.variable("TPU_STARTUP").value_or("");
+    files.home = system.variable("HOME");
+    files.recovery_folder = state_file(system, "recovery");
+    files.open_files = state_file(system, "open-files");
     return files;
 }
 
@@ -67,11 +62,12 @@ int run(int argc, char** argv) {
     std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     use_roomy_stack();
     signal(SIGCHLD, SIG_DFL);  // who started us may ignore it: then no child has a status
+    tpu::SteadyClock clock;
+    tpu::ThisSystem system;
     if (arguments.size() >= 2 && arguments[0] == "--test") {
         tpu::Charset charset = charset_of_locale();
         tpu::CursesTerminal terminal;
-        tpu::SteadyClock clock;
-        return tpu::run_test_script(arguments[1], {terminal, clock}, charset);
+        return tpu::run_test_script(arguments[1], {terminal, clock, system}, charset);
     }
     tpu::Options options = tpu::Options::parse(arguments);
     if (options.mode == tpu::Options::Mode::version) {
@@ -84,11 +80,10 @@ int run(int argc, char** argv) {
     }
     tpu::zk_redirect_tty();
     tpu::SignalStack for_handlers;
-    tpu::handle_faults(tpu::TextBlock::mend_fault);
+    tpu::handle_faults();
     tpu::Charset charset = charset_of_locale();
     tpu::CursesTerminal terminal;
-    tpu::SteadyClock clock;
-    return tpu::run_session(options, start_files(), {terminal, clock}, charset);
+    return tpu::run_session(options, start_files(system), {terminal, clock, system}, charset);
 }
 
 }  // namespace

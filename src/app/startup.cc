@@ -83,7 +83,11 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
         trouble = edit_file(*main, options.file, editor.loading());
     }
     go_to_line(*main, options.line);
-    editor.init_screen();
+    const std::string unusable = editor.init_screen();
+    if (!unusable.empty()) {
+        std::fprintf(stderr, "%s\n", printable(unusable, charset).c_str());
+        return 1;
+    }
     const std::string fault = restore_at_start(editor, options.section_file);
     if (!fault.empty()) complain(ports.terminal, printable(fault, charset));
     const std::string not_run = run_start_files(editor, options, files);

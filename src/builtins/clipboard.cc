@@ -11,12 +11,12 @@ namespace {
 void write_clipboard(Call& call) {
     std::string text = call.args.count() > 0 ? call.args.text(0) : call.buffer().paste_text.text();
     // Deliberate: a failure is not reported.
-    (void)clipboard_write_system(text);
+    (void)clipboard_write_system(editor_of(call).ports.system, text);
 }
 
 void read_clipboard(Call& call) {
     std::string text;
-    if (!clipboard_read_system(text)) {
+    if (!clipboard_read_system(editor_of(call).ports.system, text)) {
         editor_of(call).set_message("Clipboard read failed (install pbpaste/xclip/wl-paste)");
         return;
     }
@@ -24,9 +24,10 @@ void read_clipboard(Call& call) {
     editor_of(call).set_message("Read " + std::to_string(text.size()) + " chars from clipboard");
 }
 
-Value clipboard_text(Call&) {
+Value clipboard_text(Call& call) {
     std::string text;
-    return clipboard_read_system(text) ? Value::make_str(text) : tpu_unspecified();
+    return clipboard_read_system(editor_of(call).ports.system, text) ? Value::make_str(text)
+                                                                     : tpu_unspecified();
 }
 
 // clang-format off

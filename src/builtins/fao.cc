@@ -47,7 +47,7 @@ bool is_digit(char c) {
 
 // What all levels of one call share.
 struct Output {
-    std::time_t now;
+    const std::tm& now;
     std::string text;
     std::size_t repeats_left = kMostFormatRepeats;
     bool is_cut = false;
@@ -221,12 +221,10 @@ void Formatter::put_number(const NumberForm& form) {
 void Formatter::put_time(std::string format) {
     constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    std::tm local{};
-    if (!localtime_r(&out_.now, &local)) return;
     std::size_t month = format.find('@');
-    if (month != std::string::npos) format.replace(month, 1, kMonths[local.tm_mon]);
+    if (month != std::string::npos) format.replace(month, 1, kMonths[out_.now.tm_mon]);
     std::array<char, 64> text;
-    std::size_t size = std::strftime(text.data(), text.size(), format.c_str(), &local);
+    std::size_t size = std::strftime(text.data(), text.size(), format.c_str(), &out_.now);
     out_.put({text.data(), size});
 }
 
@@ -270,7 +268,8 @@ void Formatter::repeat() {
 
 }  // namespace
 
-std::string format_ascii_output(std::span<const Value> arguments, std::time_t now, bool* is_cut) {
+std::string format_ascii_output(std::span<const Value> arguments, const std::tm& now,
+                                bool* is_cut) {
     Output out{now, {}};
     Formatter(arguments, out).run();
     if (is_cut) *is_cut = out.is_cut;

@@ -16,10 +16,10 @@ inline constexpr std::size_t kLongestFormatted = std::size_t{16} << 20;
 inline constexpr std::size_t kMostFormatRepeats = std::size_t{1} << 20;
 
 // The first of `arguments` is the control text, the others are what it formats; one
-// beyond the last reads as the unspecified value. !%D and !%T show `now` as local
-// time. Any text is a control text: what is no directive stays as it is. `is_cut` becomes
-// true when some of the result is missing.
-std::string format_ascii_output(std::span<const Value> arguments, std::time_t now,
+// beyond the last reads as the unspecified value. !%D and !%T show `now`. Any text is a control
+// text: what is no directive stays as it is. `is_cut` becomes true when some of the result is
+// missing.
+std::string format_ascii_output(std::span<const Value> arguments, const std::tm& now,
                                 bool* is_cut = nullptr);
 
 }  // namespace tpu

@@ -29,7 +29,8 @@ Value create_process(Call& call) {
     std::string command = call.args.text(0);
     Buffer* given = call.args.value(1).buffer();
     auto process = std::make_shared<TPUProcess>();
-    if (!process->start(command, given ? given : &call.buffer(), editor.charset)) {
+    if (!process->start(editor.ports.system, command, given ? given : &call.buffer(),
+                        editor.charset)) {
         editor.set_message("CREATE_PROCESS failed");
         return tpu_unspecified();
     }

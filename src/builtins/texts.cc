@@ -1,10 +1,9 @@
 // Functions over texts and numbers.
-#include <ctime>
-
 #include "builtins/common.h"
 #include "builtins/families.h"
 #include "builtins/fao.h"
 #include "builtins/strings.h"
+#include "editor/editor.h"
 #include "lang/parser.h"
 
 namespace tpu::builtins {
@@ -17,8 +16,10 @@ Value of_values(Call& call) {
 }
 
 Value fao(Call& call) {
+    System& system = editor_of(call).ports.system;
     bool is_cut = false;
-    std::string text = format_ascii_output(call.args.values(), std::time(nullptr), &is_cut);
+    std::string text =
+        format_ascii_output(call.args.values(), system.local_time(system.time()), &is_cut);
     if (is_cut) {
         call.parser.record_error("TPU$_STRTOOLARGE", "FAO has cut a result that is too long");
     }

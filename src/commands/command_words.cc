@@ -1,9 +1,9 @@
 #include "commands/command_words.h"
 
 #include <charconv>
-#include <cstdlib>
 #include <set>
 
+#include "editor/editor.h"
 #include "text/ascii.h"
 
 namespace tpu {
@@ -21,10 +21,10 @@ bool begins_with(const CommandLine& line, std::string_view words) {
 
 }  // namespace
 
-std::string with_home(std::string_view name) {
-    const char* home = std::getenv("HOME");
-    bool in_home = name == "~" || name.starts_with("~/");
-    return in_home && home ? home + std::string(name.substr(1)) : std::string(name);
+std::string with_home(TPUEditor& editor, std::string_view name) {
+    if (name != "~" && !name.starts_with("~/")) return std::string(name);
+    const std::optional<std::string> home = editor.ports.system.variable("HOME");
+    return home ? *home + std::string(name.substr(1)) : std::string(name);
 }
 
 CommandLine::CommandLine(std::string text) : line(std::move(text)) {
@@ -57,11 +57,11 @@ std::string_view CommandLine::rest(std::size_t i) const {
     return i < words.size() ? ascii::trim(std::string_view(line).substr(places[i])) : "";
 }
 
-std::string CommandLine::file(std::size_t i) const {
+std::string CommandLine::file(TPUEditor& editor, std::size_t i) const {
     std::string_view text = rest(i);
-    if (!text.starts_with('"')) return i < words.size() ? with_home(words[i]) : "";
+    if (!text.starts_with('"')) return i < words.size() ? with_home(editor, words[i]) : "";
     text.remove_prefix(1);
-    return with_home(text.substr(0, text.find('"')));
+    return with_home(editor, text.substr(0, text.find('"')));
 }
 
 std::optional<std::uint64_t> CommandLine::number(std::size_t i, std::uint64_t least) const {

@@ -33,13 +33,13 @@ struct CommandLine {
     // The rest of the line from word `i` on, without blanks at its end.
     std::string_view rest(std::size_t i) const;
     // The name of a file: word `i`, or several in double quotes; ~ is the home directory.
-    std::string file(std::size_t i) const;
+    std::string file(TPUEditor& editor, std::size_t i) const;
     // Word `i` as a number, if it is one and not too small.
     std::optional<std::uint64_t> number(std::size_t i, std::uint64_t least = 1) const;
 };
 
 // The name of a file as people type it, with the home directory in place of ~.
-std::string with_home(std::string_view name);
+std::string with_home(TPUEditor& editor, std::string_view name);
 
 // What a command is about, for those who complete what is typed.
 enum class About { other, file, buffer, paste, topic, show_item, procedure, key_map_list };

@@ -39,14 +39,15 @@ Completion complete_word(std::size_t from, std::string_view begun, const Names& 
 }
 
 // Names with blanks get double quotes around them.
-Completion complete_file(std::size_t from, std::string_view begun) {
+Completion complete_file(TPUEditor& editor, std::size_t from, std::string_view begun) {
     if (begun.starts_with('"')) begun.remove_prefix(1);
     std::size_t slash = begun.rfind('/');
     std::string folder(begun.substr(0, slash == begun.npos ? 0 : slash + 1));
     std::string_view name = begun.substr(folder.size());
     Names fitting;
     std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder.empty() ? "." : with_home(folder), error),
+    for (std::filesystem::directory_iterator
+             entry(folder.empty() ? "." : with_home(editor, folder), error),
          end;
          !error && entry != end; entry.increment(error)) {
         std::string found = entry->path().filename().string();
@@ -125,7 +126,7 @@ Completion complete_command(TPUEditor& editor, std::string_view typed) {
     if (typed.substr(begin).starts_with('"')) from = begin;
     std::string_view name = typed.substr(from);
     return command->about == About::file
-               ? complete_file(from, name)
+               ? complete_file(editor, from, name)
                : complete_word(from, name, names_of(editor, command->about));
 }
 

@@ -40,7 +40,7 @@ void leave(TPUEditor& editor, Line) {
 }
 
 void write(TPUEditor& editor, Line line) {
-    line.words.size() > 1 ? editor.save_as(line.file(1)) : editor.save_current();
+    line.words.size() > 1 ? editor.save_as(line.file(editor, 1)) : editor.save_current();
 }
 
 bool is_pattern(std::string_view text) {
@@ -103,7 +103,7 @@ void select_range(TPUEditor& editor, Line) {
 void go_to_buffer(TPUEditor& editor, Line line) {
     std::vector<std::string> words = line.words;
     bool known = words.size() < 2 || editor.find_buffer(words[1]);
-    if (!known && editor.find_buffer(line.file(1))) words[1] = line.file(1);
+    if (!known && editor.find_buffer(line.file(editor, 1))) words[1] = line.file(editor, 1);
     buffer_command(editor, words);
 }
 

@@ -24,7 +24,7 @@ Buffer* buffer_of_file(TPUEditor& editor, const std::string& file) {
 
 // Nothing is left of a new buffer whose file cannot be read.
 void get_file(TPUEditor& editor, Line line) {
-    std::string file = line.file(1), message = "Got file " + file;
+    std::string file = line.file(editor, 1), message = "Got file " + file;
     Buffer* buffer = buffer_of_file(editor, file);
     std::string trouble;
     auto load = [&](Buffer& into) {
@@ -47,7 +47,7 @@ void get_file(TPUEditor& editor, Line line) {
 }
 
 void include_file(TPUEditor& editor, Line line) {
-    std::string file = line.file(1);
+    std::string file = line.file(editor, 1);
     Buffer included("", "");
     if (!load_file(included, file, Loading::at_once, editor.interrupted())) {
         return editor.set_message("Cannot include " + file);
@@ -57,7 +57,7 @@ void include_file(TPUEditor& editor, Line line) {
 }
 
 void save_file(TPUEditor& editor, Line line) {
-    line.words.size() > 2 ? editor.save_as(line.file(2)) : editor.save_current();
+    line.words.size() > 2 ? editor.save_as(line.file(editor, 2)) : editor.save_current();
 }
 
 void reload(TPUEditor& editor, Line) {

@@ -146,10 +146,13 @@ class TPUEditor : public Host {
     void free_deleted();  // what was deleted; for when no code runs
 
     // screen.cc
-    void init_screen();  // ends the process with status 1 when the terminal cannot be used
+    // Empty, or why the terminal cannot be used. A headless editor has 24 rows and 80 columns.
+    std::string init_screen();
     void resize_screen();
     void draw();
     std::string format_status_line(const TPUWindow* window, const Buffer* buffer) const;
+    // Runs a command of the shell that has the whole screen to itself.
+    void def_endwin_then_run(const std::string& command);
     TPUWindow* create_default_window();
     int gutter(const TPUWindow& window) const;  // columns of line numbers
 
@@ -213,9 +216,6 @@ class TPUEditor : public Host {
     KeyMapList* create_key_map_list(const std::string& name, KeyMap* first);
     static int key_name_to_code(std::string_view name);  // kNoKey: no such key
     void define_default_keys();
-
-    // spawn.cc
-    void def_endwin_then_run(const std::string& command);
 
     // files.cc
     void save_current();

@@ -9,6 +9,7 @@
 #include "editor/frame.h"
 #include "keys/key_code.h"
 #include "os/descriptor.h"
+#include "os/system.h"
 
 namespace tpu {
 
@@ -74,6 +75,7 @@ class SteadyClock : public Clock {
 struct Ports {
     Terminal& terminal;
     Clock& clock;
+    System& system;
 };
 
 }  // namespace tpu

@@ -33,7 +33,8 @@ TPUProcess::~TPUProcess() {
     if (!reap()) has_ended();
 }
 
-bool TPUProcess::start(const std::string& command_line, Buffer* output_buffer, Charset charset) {
+bool TPUProcess::start(System& system, const std::string& command_line, Buffer* output_buffer,
+                       Charset charset) {
     assert(pid_ < 0 && !output_);
     command = command_line;
     output = output_buffer;
@@ -42,7 +43,7 @@ bool TPUProcess::start(const std::string& command_line, Buffer* output_buffer, C
     if (!to_child.open() || !from_child.open()) return false;
     if (!set_nonblocking(to_child.write) || !set_nonblocking(from_child.read)) return false;
     const Descriptor& out = from_child.write;
-    pid_ = spawn_shell(command, {to_child.read, out, out});
+    pid_ = system.start(command, {to_child.read, out, out});
     if (pid_ < 0) return false;
     remember_child(pid_);
     input_ = std::move(to_child.write);

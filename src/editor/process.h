@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "os/descriptor.h"
+#include "os/system.h"
 #include "text/charset.h"
 #include "value/value.h"
 
@@ -33,7 +34,7 @@ class TPUProcess : public Object {
     // could be made. A command that the shell cannot run is no failure; the shell's
     // complaint is output like any other. With Charset::utf8 the output is delivered
     // in whole characters.
-    [[nodiscard]] bool start(const std::string& command_line, Buffer* output_buffer,
+    [[nodiscard]] bool start(System& system, const std::string& command_line, Buffer* output_buffer,
                              Charset charset = Charset::bytes);
 
     // The child's process id; -1 before the start and once it has ended.

@@ -23,10 +23,8 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kForEver{-1};
 
-std::string day_and_time(std::uint64_t ms) {
-    auto seconds = static_cast<std::time_t>(ms / 1000);
-    std::tm local = {};
-    localtime_r(&seconds, &local);
+std::string day_and_time(System& system, std::uint64_t ms) {
+    const std::tm local = system.local_time(static_cast<std::time_t>(ms / 1000));
     char text[32];
     std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", &local);
     return text;
@@ -170,7 +168,7 @@ std::string Recovery::greeting(const Buffer& buffer) const {
     if (folder_.empty()) return {};
     std::vector<LeftBehind> left = left_behind(folder_, buffer.file_name);
     if (left.empty()) return {};
-    return "Unsaved work of " + day_and_time(left.front().time) +
+    return "Unsaved work of " + day_and_time(editor_.ports.system, left.front().time) +
            " was left behind: RECOVER_BUFFER brings it back";
 }
 
@@ -202,7 +200,7 @@ std::string Recovery::replay(Buffer& buffer, const LeftBehind& work) {
     }
     bool is_kept = keeps_all(buffer) && trouble_.empty();
     if (replayed == Replayed::all && is_kept) remove_recovery_file(work.path);
-    return "RECOVER_BUFFER replayed the work of " + day_and_time(work.time);
+    return "RECOVER_BUFFER replayed the work of " + day_and_time(editor_.ports.system, work.time);
 }
 
 // On a copy of the text that it began with. Where nobody has that any more, what was typed
@@ -228,7 +226,8 @@ std::string Recovery::recover_elsewhere(const Buffer& buffer, const LeftBehind& 
         return told;
     }
     if (!base) return "The file has changed: look over what the work made of the text of now";
-    return "This is the work of " + day_and_time(work.time) + ", on the text it began with";
+    return "This is the work of " + day_and_time(editor_.ports.system, work.time) +
+           ", on the text it began with";
 }
 
 }  // namespace tpu

@@ -1,8 +1,5 @@
 // The screen: set-up, resizing, drawing.
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdio>
 
 #include "editor/compose.h"
 #include "editor/editor.h"
@@ -11,22 +8,19 @@
 
 namespace tpu {
 
-void TPUEditor::init_screen() {
+std::string TPUEditor::init_screen() {
     if (headless) {
         rows = 24;
         cols = 80;
     } else {
         std::string error = ports.terminal.start();
-        if (!error.empty()) {
-            std::fprintf(stderr, "%s\n", printable(error, charset).c_str());
-            std::fflush(stderr);
-            _exit(1);
-        }
+        if (!error.empty()) return error;
         ScreenSize size = ports.terminal.size();
         rows = size.rows;
         cols = size.cols;
     }
     create_default_window();
+    return {};
 }
 
 TPUWindow* TPUEditor::create_default_window() {
@@ -61,6 +55,15 @@ int TPUEditor::gutter(const TPUWindow& window) const {
 
 std::string TPUEditor::format_status_line(const TPUWindow* window, const Buffer* buffer) const {
     return window_status(*buffer, buffer == current_buffer, window->status_format);
+}
+
+void TPUEditor::def_endwin_then_run(const std::string& command) {
+    if (command.empty()) return set_message("SPAWN requires a command");
+    if (!headless) ports.terminal.leave();
+    // Deliberate: the raw wait status is shown, not the command's own.
+    int status = ports.system.run(command);
+    if (!headless) ports.terminal.enter();
+    set_message("SPAWN exit code " + std::to_string(status));
 }
 
 }  // namespace tpu

@@ -19,50 +19,10 @@ termios saved_attributes;
 bool attributes_saved = false;
 void (*volatile screen_ender)() = nullptr;
 void (*volatile children_ender)() = nullptr;
-bool (*volatile memory_mender)(void* address) = nullptr;
 volatile sig_atomic_t loop_runs = 0;
 volatile sig_atomic_t requested = 0;
 volatile sig_atomic_t taken_up = 0;
 volatile sig_atomic_t ticks = 0;
-
-void give_terminal_back() {
-    if (screen_ender) screen_ender();
-    restore_terminal_state();
-}
-
-// Whoever writes to a terminal that takes no more output would wait for ever.
-void drop_stuck_output() {
-    fd_set terminal;
-    FD_ZERO(&terminal);
-    FD_SET(STDIN_FILENO, &terminal);
-    timeval at_once = {};
-    if (select(STDIN_FILENO + 1, nullptr, &terminal, nullptr, &at_once) != 0) return;
-    tcflush(STDIN_FILENO, TCOFLUSH);
-}
-
-// Further signals change nothing: a terminal that is closed often sends two.
-void request_end() {
-    if (requested) return;
-    requested = 1;
-    ticks = 0;
-    drop_stuck_output();
-    const itimerval timer = {{0, kTick}, {0, kTick}};
-    setitimer(ITIMER_REAL, &timer, nullptr);
-}
-
-[[noreturn]] void end_at_once() {
-    drop_stuck_output();
-    give_terminal_back();
-    if (children_ender) children_ender();
-    _exit(0);  // Deliberate: a hang-up or an interrupt is an ordinary end.
-}
-
-void handle_fault(int fault, siginfo_t* info, void*) {
-    if (fault == SIGBUS && memory_mender(info->si_addr)) return;
-    give_terminal_back();
-    signal(fault, SIG_DFL);
-    raise(fault);
-}
 
 }  // namespace
 
@@ -82,18 +42,40 @@ void set_children_ender(void (*end)()) {
     children_ender = end;
 }
 
-void terminal_signal_handler(int) {
-    int error = errno;
-    loop_runs ? request_end() : end_at_once();
-    errno = error;
+void give_terminal_back() {
+    if (screen_ender) screen_ender();
+    restore_terminal_state();
 }
 
-void terminal_timer_handler(int) {
-    int error = errno;
+void end_children_at_once() {
+    if (children_ender) children_ender();
+}
+
+void drop_stuck_output() {
+    fd_set terminal;
+    FD_ZERO(&terminal);
+    FD_SET(STDIN_FILENO, &terminal);
+    timeval at_once = {};
+    if (select(STDIN_FILENO + 1, nullptr, &terminal, nullptr, &at_once) != 0) return;
+    tcflush(STDIN_FILENO, TCOFLUSH);
+}
+
+// Further signals change nothing: a terminal that is closed often sends two.
+bool request_end() {
+    if (!loop_runs) return false;
+    if (requested) return true;
+    requested = 1;
+    ticks = 0;
+    drop_stuck_output();
+    const itimerval timer = {{0, kTick}, {0, kTick}};
+    setitimer(ITIMER_REAL, &timer, nullptr);
+    return true;
+}
+
+bool end_is_overdue() {
     ticks = ticks + 1;
     drop_stuck_output();
-    if (loop_runs && !taken_up && ticks >= kMostTicks) end_at_once();
-    errno = error;
+    return loop_runs && !taken_up && ticks >= kMostTicks;
 }
 
 EndOnRequest::EndOnRequest() {
@@ -113,17 +95,6 @@ void EndOnRequest::take_up() {
 
 bool end_requested() {
     return requested != 0;
-}
-
-void handle_faults(bool (*mend_memory)(void* address)) {
-    memory_mender = mend_memory;
-    struct sigaction action = {};
-    action.sa_sigaction = handle_fault;
-    action.sa_flags = SA_SIGINFO | SA_ONSTACK;
-    sigemptyset(&action.sa_mask);
-    for (int fault : {SIGSEGV, SIGBUS, SIGABRT, SIGFPE, SIGILL, SIGQUIT}) {
-        sigaction(fault, &action, nullptr);
-    }
 }
 
 }  // namespace tpu

@@ -18,14 +18,20 @@ void set_screen_ender(void (*end)());
 // Registers what ends the children of the program, with the same condition.
 void set_children_ender(void (*end)());
 
-// For SIGINT, SIGTERM and SIGHUP. While a main loop runs, they ask it to end, which keeps
-// what is unsaved. Else, and when the loop does not come round within some
-// seconds, they leave full-screen work, restore the terminal, end the children and the
-// process. The status is 0 in any case.
-void terminal_signal_handler(int signal);
+// What follows is fit to run in a signal handler.
 
-// For SIGALRM, which comes again and again from then on: sees to it that this gets on.
-void terminal_timer_handler(int signal);
+// Leaves full-screen work and puts the kept attributes back.
+void give_terminal_back();
+// Ends the children of the program.
+void end_children_at_once();
+// Drops what is still to be written to a terminal that takes no more: whoever writes there
+// would wait for ever.
+void drop_stuck_output();
+// Asks the main loop to end, which keeps what is unsaved, and has SIGALRM come again and again
+// from then on. False: no main loop runs that could heed it.
+bool request_end();
+// For each SIGALRM: true when the main loop should have come round by now.
+bool end_is_overdue();
 
 // The life of a main loop.
 class EndOnRequest {
@@ -40,10 +46,5 @@ class EndOnRequest {
 
 // True when a signal has asked for the end.
 bool end_requested();
-
-// From now on, signals that mean a fault leave full-screen work and restore the terminal
-// before they do what they do by default. `mend_memory` is asked first when memory that a
-// file stands for cannot be read any more: true when it can now, which is no fault then.
-void handle_faults(bool (*mend_memory)(void* address));
 
 }  // namespace tpu

@@ -56,11 +56,11 @@ class Command {
     Command(const Command&) = delete;
     Command& operator=(const Command&) = delete;
 
-    bool start(const char* line, const Descriptor& in, const Descriptor& out) {
+    bool start(System& system, const char* line, const Descriptor& in, const Descriptor& out) {
         Descriptor nowhere = open_null_device();
         if (!nowhere) return false;
         const ChildStreams streams{in ? in : nowhere, out ? out : nowhere, nowhere};
-        pid_ = spawn_shell(line, streams);
+        pid_ = system.start(line, streams);
         return pid_ > 0;
     }
 
@@ -120,41 +120,42 @@ bool receive_all(const Descriptor& pipe, std::string& text, const Deadline& dead
     return false;
 }
 
-bool write_through(const char* line, std::string_view text, const Deadline& deadline) {
+bool write_through(System& system, const char* line, std::string_view text,
+                   const Deadline& deadline) {
     Pipe pipe;
     Command command;
     if (!pipe.open() || !set_nonblocking(pipe.write)) return false;
-    if (!command.start(line, pipe.read, {})) return false;
+    if (!command.start(system, line, pipe.read, {})) return false;
     pipe.read.close();
     if (!send_all(pipe.write, text, deadline)) return false;
     pipe.write.close();
     return command.succeeds(deadline);
 }
 
-bool read_through(const char* line, std::string& text, const Deadline& deadline) {
+bool read_through(System& system, const char* line, std::string& text, const Deadline& deadline) {
     Pipe pipe;
     Command command;
     text.clear();
-    if (!pipe.open() || !command.start(line, {}, pipe.write)) return false;
+    if (!pipe.open() || !command.start(system, line, {}, pipe.write)) return false;
     pipe.write.close();
     return receive_all(pipe.read, text, deadline) && command.succeeds(deadline) && !text.empty();
 }
 
 }  // namespace
 
-bool clipboard_write_system(std::string_view text, milliseconds wait) {
+bool clipboard_write_system(System& system, std::string_view text, milliseconds wait) {
     const Deadline deadline(wait);
     for (const char* line : kWriters) {
-        if (write_through(line, text, deadline)) return true;
+        if (write_through(system, line, text, deadline)) return true;
         if (deadline.is_over()) break;
     }
     return false;
 }
 
-bool clipboard_read_system(std::string& text, milliseconds wait) {
+bool clipboard_read_system(System& system, std::string& text, milliseconds wait) {
     const Deadline deadline(wait);
     for (const char* line : kReaders) {
-        if (read_through(line, text, deadline)) return true;
+        if (read_through(system, line, text, deadline)) return true;
         if (deadline.is_over()) break;
     }
     text.clear();

@@ -8,18 +8,20 @@
 #include <string>
 #include <string_view>
 
+#include "os/system.h"
+
 namespace tpu {
 
 // With what it takes to end a command that hangs: less than two seconds.
 constexpr std::chrono::milliseconds kClipboardWait{1900};
 
 // Puts `text` on the clipboard. False when no command took it, within `wait` in all.
-[[nodiscard]] bool clipboard_write_system(std::string_view text,
+[[nodiscard]] bool clipboard_write_system(System& system, std::string_view text,
                                           std::chrono::milliseconds wait = kClipboardWait);
 
 // Replaces `text` by what is on the clipboard. False, and an empty text, when no
 // command gave anything within `wait` in all; an empty clipboard is such a failure.
-[[nodiscard]] bool clipboard_read_system(std::string& text,
+[[nodiscard]] bool clipboard_read_system(System& system, std::string& text,
                                          std::chrono::milliseconds wait = kClipboardWait);
 
 }  // namespace tpu

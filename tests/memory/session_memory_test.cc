@@ -6,8 +6,9 @@
 #include <map>
 #include <set>
 
+#include "app/curses/key_decoder.h"
+#include "app/this_system.h"
 #include "commands/vocabulary.h"
-#include "editor/curses/key_decoder.h"
 #include "editor/recovery.h"
 #include "memory/failing_allocations.h"
 #include "store/buffer_file.h"
@@ -111,12 +112,13 @@ struct Work {
         {
             Typist typist(without, begun);
             FakeClock clock;
+            ThisSystem system;
             clock.step = std::chrono::milliseconds(150);
             struct Enough {
                 ~Enough() { failing::none(); }
             } afterwards;
             fail();
-            TPUEditor editor({typist, clock}, vocabulary());
+            TPUEditor editor({typist, clock, system}, vocabulary());
             typist.editor = &editor;
             editor.charset = Charset::utf8;
             Buffer* main = editor.create_buffer("MAIN", "");

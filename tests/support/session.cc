@@ -44,7 +44,7 @@ std::vector<int> key_codes(std::string_view keys) {
 }
 
 Session::Session(std::vector<std::string> lines, int rows, int cols)
-    : editor({terminal, clock}, vocabulary()) {
+    : editor({terminal, clock, system}, vocabulary()) {
     terminal.screen = {rows, cols};
     editor.charset = Charset::utf8;
     buffer = editor.create_buffer("MAIN", "");

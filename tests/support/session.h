@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/this_system.h"
 #include "editor/editor.h"
 
 namespace tpu {
@@ -74,6 +75,7 @@ struct Session {
 
     FakeTerminal terminal;
     FakeClock clock;
+    ThisSystem system;
     TPUEditor editor;
     Buffer* buffer;
 };

@@ -22,7 +22,7 @@ Value value(const char* text) {
 
 std::string fao(const std::string& control, std::vector<Value> arguments = {}) {
     arguments.insert(arguments.begin(), Value::make_str(control));
-    return format_ascii_output(arguments, 0);
+    return format_ascii_output(arguments, {});
 }
 
 struct Case {
@@ -105,14 +105,14 @@ TEST(Fao, copies_what_is_no_directive) {
             {"!*", {}, "!*"},
             {"!3F", {}, "!F"},
             {"!A", {value("x")}, "!A"}});
-    EXPECT_EQ(format_ascii_output({}, 0), "UNSPECIFIED");
+    EXPECT_EQ(format_ascii_output({}, {}), "UNSPECIFIED");
 }
 
 TEST(Fao, shows_the_local_date_and_time) {
     std::tm local{};
     std::istringstream("2024-02-03 04:05:06") >> std::get_time(&local, "%Y-%m-%d %H:%M:%S");
     const Value control = Value::make_str("!%D !%t");
-    EXPECT_EQ(format_ascii_output({&control, 1}, std::mktime(&local)), "03-Feb-2024 04:05:06");
+    EXPECT_EQ(format_ascii_output({&control, 1}, local), "03-Feb-2024 04:05:06");
 }
 
 TEST(Fao, is_bounded_for_absurd_widths) {

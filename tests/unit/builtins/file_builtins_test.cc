@@ -139,8 +139,9 @@ TEST_F(FileBuiltins, know_what_the_program_was_started_with) {
                                 "POSITION(CREATE_BUFFER(\"other\"))\n");
     FakeTerminal terminal;
     FakeClock clock;
+    ThisSystem system;
     terminal.keys = {control('Z'), 'b', 'u', 'f', 'f', 'e', 'r', ' ', 'a', '\r', 'z'};
-    run_session(options, files, {terminal, clock}, Charset::utf8);
+    run_session(options, files, {terminal, clock, system}, Charset::utf8);
     EXPECT_TRUE(terminal.shown.text.row_text(1).starts_with("a:2zy"));
 }
 

@@ -1,5 +1,5 @@
 // Keys from a descriptor, and what else ends the wait for them.
-#include "editor/curses/keyboard.h"
+#include "app/curses/keyboard.h"
 
 #include <gtest/gtest.h>
 #include <sys/select.h>

@@ -311,7 +311,7 @@ TEST(Mouse, moves_the_cursor_of_the_current_window_wherever_it_clicks) {
 TEST(AttachedProcess, gets_the_keys_while_it_is_attached) {
     Session s({""});
     auto process = std::make_shared<TPUProcess>();
-    ASSERT_TRUE(process->start("cat", s.buffer));
+    ASSERT_TRUE(process->start(s.system, "cat", s.buffer));
     s.editor.processes.push_back(process);
     s.editor.attached_process = process;
     s.press("hi<BACKSPACE><RETURN><F9>");
@@ -330,7 +330,7 @@ TEST(AttachedProcess, gets_the_keys_while_it_is_attached) {
 TEST(AttachedProcess, gets_characters_and_nothing_else) {
     Session s({""});
     auto process = std::make_shared<TPUProcess>();
-    ASSERT_TRUE(process->start("cat", s.buffer, Charset::utf8));
+    ASSERT_TRUE(process->start(s.system, "cat", s.buffer, Charset::utf8));
     s.editor.processes.push_back(process);
     s.editor.attached_process = process;
     s.editor.pre_key_procedure = s.editor.post_key_procedure = "COPY_TEXT(\"!\")";
@@ -352,7 +352,7 @@ TEST(AttachedProcess, gets_characters_and_nothing_else) {
 TEST(AttachedProcess, says_when_it_takes_no_more) {
     Session s({""});
     auto process = std::make_shared<TPUProcess>();
-    ASSERT_TRUE(process->start("sleep 1000", s.buffer));
+    ASSERT_TRUE(process->start(s.system, "sleep 1000", s.buffer));
     s.editor.attached_process = process;
     s.editor.insert_paste(std::string((16 << 20) + 1, 'x'));
     EXPECT_TRUE(s.editor.message.starts_with("SEND: too much waits")) << s.editor.message;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "app/this_system.h"
 #include "commands/vocabulary.h"
 #include "store/section_format.h"
 #include "support/session.h"
@@ -27,10 +28,11 @@ class Sections : public testing::Test {
     const std::string path = folder.path("s.sect");
     FakeTerminal terminal;
     FakeClock clock;
+    ThisSystem system;
 };
 
 TEST_F(Sections, have_their_format_to_the_byte) {
-    TPUEditor editor({terminal, clock}, vocabulary());
+    TPUEditor editor({terminal, clock, system}, vocabulary());
     editor.create_buffer("MAIN", "");
     run(editor, R"(
 PROCEDURE zeta ; x:=1 ; IF x THEN y := "two

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <optional>
 
+#include "app/this_system.h"
 #include "buffer/buffer.h"
 #include "editor/process.h"
 #include "os/child.h"
@@ -15,6 +16,8 @@
 
 namespace tpu {
 namespace {
+
+ThisSystem this_system;
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
@@ -54,7 +57,7 @@ class Clipboard : public testing::Test {
     std::string calls() const { return folder.read("calls"); }
     std::string read(milliseconds wait = kLong) {
         std::string text = "old";
-        bool success = clipboard_read_system(text, wait);
+        bool success = clipboard_read_system(this_system, text, wait);
         EXPECT_EQ(success, !text.empty());
         return text;
     }
@@ -68,13 +71,13 @@ TEST_F(Clipboard, writes_with_the_first_command_that_succeeds) {
     command("xclip", "/bin/cat >taken\n");
     command("xsel", "/bin/cat >taken\n");
     const std::string text("a\n\0z", 4);
-    EXPECT_TRUE(clipboard_write_system(text, kLong));
+    EXPECT_TRUE(clipboard_write_system(this_system, text, kLong));
     EXPECT_EQ(calls(), "pbcopy\nxclip -selection clipboard\n");
     EXPECT_EQ(folder.read("refused"), text);
     EXPECT_EQ(folder.read("taken"), text);
 
     command("xclip", "exit 1\n");
-    EXPECT_TRUE(clipboard_write_system("", kLong));
+    EXPECT_TRUE(clipboard_write_system(this_system, "", kLong));
     EXPECT_EQ(folder.read("taken"), "");
     EXPECT_NE(calls().find("xsel --clipboard --input\n"), std::string::npos);
 }
@@ -98,7 +101,7 @@ TEST_F(Clipboard, missing_and_complaining_commands_show_nothing) {
     command("xsel", "echo no display >&2; echo and more; exit 1\n");
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    EXPECT_FALSE(clipboard_write_system("text", kLong));
+    EXPECT_FALSE(clipboard_write_system(this_system, "text", kLong));
     EXPECT_EQ(read(), "");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
@@ -109,7 +112,7 @@ TEST_F(Clipboard, large_texts_pass_and_commands_that_do_not_read_them_are_harmle
     const std::string text(3'000'000, 'x');
     command("wl-copy", "exit 0\n");
     command("xclip", "/bin/cat >taken\n");
-    EXPECT_TRUE(clipboard_write_system(text, kLong));
+    EXPECT_TRUE(clipboard_write_system(this_system, text, kLong));
     EXPECT_TRUE(folder.read("taken") == text);
     command("pbpaste", "/bin/cat taken\n");
     EXPECT_TRUE(read() == text);
@@ -123,8 +126,9 @@ TEST_F(Clipboard, commands_that_hang_are_ended_with_all_that_they_started) {
     ASSERT_EQ(pipe(ends), 0);
     Descriptor alive_read(ends[0]), alive_write(ends[1]);
     const auto start = steady_clock::now();
-    EXPECT_FALSE(clipboard_write_system("text", milliseconds(300)));
-    EXPECT_FALSE(clipboard_write_system(std::string(3'000'000, 'x'), milliseconds(300)));
+    EXPECT_FALSE(clipboard_write_system(this_system, "text", milliseconds(300)));
+    EXPECT_FALSE(
+        clipboard_write_system(this_system, std::string(3'000'000, 'x'), milliseconds(300)));
     EXPECT_EQ(read(milliseconds(300)), "");
     EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(20));
     alive_write.close();
@@ -135,7 +139,7 @@ TEST_F(Clipboard, commands_that_hang_are_ended_with_all_that_they_started) {
 
 TEST_F(Clipboard, holder_of_the_selection_is_left_alone_and_not_waited_for) {
     command("pbcopy", "/bin/cat >taken; exec 3<&0; /bin/sleep 60 <&3 & echo $! >holder\n");
-    EXPECT_TRUE(clipboard_write_system("text", kLong));
+    EXPECT_TRUE(clipboard_write_system(this_system, "text", kLong));
     const pid_t holder = static_cast<pid_t>(std::stol(folder.read("holder")));
     EXPECT_EQ(kill(holder, SIGKILL), 0);
 }
@@ -184,7 +188,8 @@ class XServer {
   public:
     // Its display, or nothing when it does not start.
     std::string start(const std::string& program) {
-        if (!server_.start("exec '" + program + "' -displayfd 1 -nolisten tcp 2>/dev/null",
+        if (!server_.start(this_system,
+                           "exec '" + program + "' -displayfd 1 -nolisten tcp 2>/dev/null",
                            &output_)) {
             return {};
         }
@@ -213,12 +218,12 @@ TEST(SystemClipboard, keeps_a_text_by_way_of_the_real_command) {
     ASSERT_EQ(symlink(xclip.c_str(), folder.path("xclip").c_str()), 0);
     Environment path("PATH", folder.path("")), screen("DISPLAY", display);
     std::string got;
-    EXPECT_FALSE(clipboard_read_system(got, kLong));  // nothing is there yet
+    EXPECT_FALSE(clipboard_read_system(this_system, got, kLong));  // nothing is there yet
     for (const std::string& text : {std::string("one\nGr\xc3\xbc\xc3\x9f"
                                                 "e\n"),
                                     std::string(1'000'000, 'x') + "end"}) {
-        EXPECT_TRUE(clipboard_write_system(text, kLong));
-        EXPECT_TRUE(clipboard_read_system(got, kLong));
+        EXPECT_TRUE(clipboard_write_system(this_system, text, kLong));
+        EXPECT_TRUE(clipboard_read_system(this_system, got, kLong));
         EXPECT_TRUE(got == text);
     }
 }

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <thread>
 
+#include "app/signals.h"
 #include "buffer/buffer.h"
 #include "os/file_io.h"
 #include "os/terminal_state.h"
@@ -174,7 +175,7 @@ TEST(Load, in_steps_has_zeros_for_what_the_file_has_lost_meanwhile) {
     Buffer buffer("B", "");
     ASSERT_TRUE(load_file(buffer, path, Loading::in_steps));
     ASSERT_GT(buffer.loading_size, 0u);
-    handle_faults(TextBlock::mend_fault);
+    handle_faults();
     std::filesystem::resize_file(path, 100'000);
     EXPECT_EQ(buffer.lines.find("none of that", 0), std::nullopt);
     settle();

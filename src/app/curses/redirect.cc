@@ -1,4 +1,4 @@
-#include "editor/curses/redirect.h"
+#include "app/curses/redirect.h"
 
 #include <fcntl.h>
 #include <sys/ioctl.h>

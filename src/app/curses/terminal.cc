@@ -1,4 +1,4 @@
-#include "editor/curses/terminal.h"
+#include "app/curses/terminal.h"
 
 #define NCURSES_NOMACROS 1
 #include <curses.h>
@@ -12,7 +12,8 @@
 #include <string>
 #include <string_view>
 
-#include "editor/curses/key_table.h"
+#include "app/curses/key_table.h"
+#include "app/signals.h"
 #include "os/terminal_state.h"
 
 namespace tpu {

@@ -1,4 +1,4 @@
-#include "editor/curses/key_decoder.h"
+#include "app/curses/key_decoder.h"
 
 #include <algorithm>
 #include <cstdio>

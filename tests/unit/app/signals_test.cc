@@ -1,11 +1,12 @@
 // What a fault does before it ends the program.
-#include "os/terminal_state.h"
+#include "app/signals.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include "os/fresh_stack.h"
 #include "os/signal_stack.h"
+#include "os/terminal_state.h"
 #include "text/text_block.h"
 
 namespace tpu {
@@ -26,7 +27,7 @@ TEST(StackOverflow, gives_the_terminal_back) {
     auto fail = [](bool fresh) {
         SignalStack stack;
         set_screen_ender([] { static_cast<void>(write(STDERR_FILENO, "given back", 10) == 0); });
-        handle_faults(TextBlock::mend_fault);
+        handle_faults();
         if (!fresh) use_stack_up(nullptr, nullptr);
         fresh_stack::run(use_stack_up, nullptr);
     };

@@ -1,10 +1,13 @@
-// Commands of the shell that have the whole screen to themselves.
+#include "app/this_system.h"
+
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "editor/editor.h"
+#include <cstdlib>
+
+#include "os/child.h"
 #include "os/terminal_state.h"
 
 extern char** environ;
@@ -49,7 +52,7 @@ class Signals {
 };
 
 // The process id of a shell that runs the command on our terminal; -1: there is none.
-pid_t start(std::string command, const sigset_t& mask) {
+pid_t start_on_terminal(std::string command, const sigset_t& mask) {
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     sigset_t defaults;
@@ -79,10 +82,12 @@ void hang_up_on(pid_t shell) {
     }
 }
 
+}  // namespace
+
 // As system(3); but a signal that asks for our end ends the wait.
-int run_on_terminal(const std::string& command) {
+int ThisSystem::run(const std::string& command) {
     Signals signals;
-    pid_t pid = start(command, signals.mask());
+    pid_t pid = start_on_terminal(command, signals.mask());
     int status = -1;
     while (pid > 0 && waitpid(pid, &status, WNOHANG) == 0) {
         if (end_requested()) {
@@ -91,21 +96,28 @@ int run_on_terminal(const std::string& command) {
         }
         sigsuspend(&signals.mask());
     }
+    tcsetpgrp(STDIN_FILENO, getpgrp());  // a shell may have taken it, and not given it back
     return status;
 }
 
-}  // namespace
+pid_t ThisSystem::start(std::string command, const ChildStreams& streams) {
+    return spawn_shell(std::move(command), streams);
+}
 
-void TPUEditor::def_endwin_then_run(const std::string& command) {
-    if (command.empty()) return set_message("SPAWN requires a command");
-    if (!headless) ports.terminal.leave();
-    // Deliberate: the raw wait status is shown, not the command's own.
-    int status = run_on_terminal(command);
-    if (!headless) {
-        tcsetpgrp(STDIN_FILENO, getpgrp());  // a shell may have taken it, and not given it back
-        ports.terminal.enter();
-    }
-    set_message("SPAWN exit code " + std::to_string(status));
+std::time_t ThisSystem::time() {
+    return std::time(nullptr);
+}
+
+std::tm ThisSystem::local_time(std::time_t time) {
+    std::tm local = {};
+    localtime_r(&time, &local);
+    return local;
+}
+
+std::optional<std::string> ThisSystem::variable(const char* name) {
+    const char* value = std::getenv(name);
+    if (!value) return std::nullopt;
+    return value;
 }
 
 }  // namespace tpu

@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-#include "editor/curses/key_decoder.h"
+#include "app/curses/key_decoder.h"
 
 namespace tpu {
 

@@ -1,4 +1,4 @@
-#include "editor/curses/painter.h"
+#include "app/curses/painter.h"
 
 #define NCURSES_NOMACROS 1
 #define NCURSES_WIDECHAR 1

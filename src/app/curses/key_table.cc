@@ -1,4 +1,4 @@
-#include "editor/curses/key_table.h"
+#include "app/curses/key_table.h"
 
 #define NCURSES_NOMACROS 1
 #include <curses.h>

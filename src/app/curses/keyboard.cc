@@ -1,4 +1,4 @@
-#include "editor/curses/keyboard.h"
+#include "app/curses/keyboard.h"
 
 #include <signal.h>
 #include <sys/select.h>

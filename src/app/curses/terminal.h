@@ -1,9 +1,9 @@
 // The character terminal that the program runs on, through curses.
 #pragma once
 
-#include "editor/curses/keyboard.h"
-#include "editor/curses/painter.h"
-#include "editor/curses/redirect.h"
+#include "app/curses/keyboard.h"
+#include "app/curses/painter.h"
+#include "app/curses/redirect.h"
 #include "editor/ports.h"
 
 struct screen;  // curses' SCREEN
