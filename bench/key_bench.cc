@@ -22,7 +22,7 @@ struct Bench {
         editor.define_default_keys();
     }
     void press(int key) {
-        editor.handle_key(key);
+        editor.handle_event(Event::of_key(key));
         editor.draw();
     }
     SwallowingTerminal terminal;

@@ -11,7 +11,7 @@ struct SwallowingTerminal : NoTerminal {
     std::string start() override { return {}; }
     ScreenSize size() override { return {50, 120}; }
     void present(const Frame& frame) override { benchmark::DoNotOptimize(&frame); }
-    int read_key(int, const Awaited&) override { return kNoKey; }
+    Event read(int, const Awaited&) override { return {}; }
 };
 
 }  // namespace tpu

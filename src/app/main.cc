@@ -66,7 +66,7 @@ int run(int argc, char** argv) {
     tpu::ThisSystem system;
     if (arguments.size() >= 2 && arguments[0] == "--test") {
         tpu::Charset charset = charset_of_locale();
-        tpu::CursesTerminal terminal;
+        tpu::CursesTerminal terminal(charset);
         return tpu::run_test_script(arguments[1], {terminal, clock, system}, charset);
     }
     tpu::Options options = tpu::Options::parse(arguments);
@@ -82,7 +82,7 @@ int run(int argc, char** argv) {
     tpu::SignalStack for_handlers;
     tpu::handle_faults();
     tpu::Charset charset = charset_of_locale();
-    tpu::CursesTerminal terminal;
+    tpu::CursesTerminal terminal(charset);
     return tpu::run_session(options, start_files(system), {terminal, clock, system}, charset);
 }
 

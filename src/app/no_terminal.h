@@ -5,17 +5,15 @@
 
 namespace tpu {
 
-// Shows nothing, and gives no key.
+// Shows nothing, and gives nothing.
 class NoTerminal : public Terminal {
   public:
     std::string start() override { return "no terminal"; }
     ScreenSize size() override { return {}; }
     void present(const Frame&) override {}
-    int read_key(int, const Awaited&) override { return kKeyHangup; }
+    Event read(int, const Awaited&) override { return {Event::Kind::hang_up}; }
     bool key_waiting() override { return false; }
     bool interrupt_waiting() override { return false; }
-    std::string take_paste() override { return {}; }
-    std::optional<MouseEvent> mouse() override { return {}; }
     void set_mouse(bool) override {}
     void beep() override {}
     void leave() override {}

@@ -22,11 +22,8 @@ void read_line_shown(Call& call) {
 
 // The character of the next key, or the empty text for a key that is none.
 Value read_char(Call& call) {
-    constexpr int kLastCharacter = 255;
     std::string prompt = call.args.count() > 0 ? call.args.text(0) : "Press a key...";
-    int key = editor_of(call).read_one_key(prompt);
-    if (key < 0 || key > kLastCharacter) return Value::make_str("");
-    return Value::make_str(editor_of(call).read_character(key));
+    return Value::make_str(editor_of(call).read_one_key(prompt).text);
 }
 
 void read_char_shown(Call& call) {

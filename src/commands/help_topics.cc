@@ -359,6 +359,9 @@ Statements can run when something happens:
   SET(POST_KEY_PROCEDURE, "after")     after each key
   SET(UNDEFINED_KEY, "unknown")        for keys that mean nothing
 
+The timer runs between keys, also while Ctrl-Z or Ctrl-F is typed to. It waits
+while a program or a command asks for something.
+
 SET(MOUSE, ON) lets the terminal report the mouse. A click moves the cursor;
 LOCATE_MOUSE and GET_INFO(SCREEN, "MOUSE_ROW") tell where it was. SHOW SYSTEM
 shows what is set.

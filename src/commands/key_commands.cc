@@ -103,10 +103,7 @@ void last_key(TPUEditor& editor, Line) {
 
 void read_key(TPUEditor& editor, Line) {
     editor.set_message("Press key...");
-    int code = editor.read_one_key("Press key...");
-    // The rest of a character must not be taken for what is typed next.
-    constexpr int kLastCharacter = 255;
-    if (code >= 0 && code <= kLastCharacter) editor.read_character(code);
+    int code = editor.read_one_key("Press key...").key;
     editor.set_message("READ_KEY = " + std::to_string(code));
 }
 

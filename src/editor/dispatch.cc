@@ -1,4 +1,4 @@
-// What a key does.
+// What keys, the mouse and pastes do.
 #include "editor/editor.h"
 #include "editor/journal_mirror.h"
 #include "editor/process.h"
@@ -44,22 +44,20 @@ bool feed_process(TPUEditor& editor, int key) {
 }
 
 // A click moves the cursor, by the current window, wherever on the screen it fell.
-bool follow_mouse(TPUEditor& editor, int key) {
-    if (key != kKeyMouse) return false;
-    std::optional<MouseEvent> event = editor.ports.terminal.mouse();
-    if (!event) return true;
-    editor.mouse_row = event->row;
-    editor.mouse_column = event->col;
+void follow_mouse(TPUEditor& editor, MouseEvent event) {
+    editor.last_key = kKeyMouse;
+    if (editor.attached_process) return;
+    editor.mouse_row = event.row;
+    editor.mouse_column = event.col;
     const TPUWindow* window = editor.current_window;
     Buffer* buffer = editor.current_buffer;
-    if (!event->clicked || !window || !buffer || window->buffer != buffer) return true;
-    int row = event->row - window->top;
-    int column = event->col - window->left - editor.gutter(*window);
-    if (row < 0 || column < 0) return true;
+    if (!event.clicked || !window || !buffer || window->buffer != buffer) return;
+    int row = event.row - window->top;
+    int column = event.col - window->left - editor.gutter(*window);
+    if (row < 0 || column < 0) return;
     buffer->cursor_row = buffer->view_line + static_cast<std::uint64_t>(row);
     buffer->cursor_column = static_cast<std::uint64_t>(column);
     buffer->clamp_cursor();
-    return true;
 }
 
 // Procedures are run from a copy, since they may change their own setting.
@@ -100,65 +98,69 @@ bool run_binding(TPUEditor& editor, int code) {
     return true;
 }
 
-void insert_character(TPUEditor& editor, int key) {
-    std::string bytes = editor.read_character(key);
+// Bytes that make no character are typed one by one.
+void insert_character(TPUEditor& editor, std::string_view bytes) {
     Buffer* buffer = editor.current_buffer;
     if (!buffer) return;
-    bool whole = decode_utf8(bytes).size == bytes.size();
-    if (whole) {
-        buffer->type_character(bytes, editor.charset);
-    } else {
-        for (char byte : bytes) buffer->type_character({&byte, 1}, editor.charset);
-    }
+    if (decode_utf8(bytes).size == bytes.size())
+        return buffer->type_character(bytes, editor.charset);
+    for (char byte : bytes) buffer->type_character({&byte, 1}, editor.charset);
 }
 
-void act_on_key(TPUEditor& editor, int key) {
+// True when all that the key types is typed.
+bool act_on_key(TPUEditor& editor, int key, std::string_view text) {
     int code = key;
     if (editor.gold_pending) {
         code += kGoldOffset;
         editor.gold_pending = false;
     }
-    if (run_binding(editor, code)) return;
+    if (run_binding(editor, code)) return false;
     if (is_character(key)) {
-        insert_character(editor, key);
-    } else {
-        run_procedure(editor, editor.undefined_key_procedure);
+        insert_character(editor, text);
+        return true;
+    }
+    run_procedure(editor, editor.undefined_key_procedure);
+    return false;
+}
+
+// True when all that the key types is typed. Else there was something to do for its code,
+// which is that of its first byte.
+bool press(TPUEditor& editor, int key, std::string_view text) {
+    editor.last_key = key;
+    if (feed_process(editor, key)) return false;
+    UndoStep step(editor);
+    JournaledKey journaled(editor);
+    bool typed = false;
+    if (!editor.pre_key_procedure.empty()) {
+        run_procedure(editor, editor.pre_key_procedure);
+        step.begin_part();
+    }
+    if (!take_prefix(editor, key)) {
+        step.watch_current_buffer();
+        typed = act_on_key(editor, key, text);
+    }
+    run_procedure(editor, editor.post_key_procedure);
+    return typed;
+}
+
+// Deliberate: keys are bound to single bytes. Where one that begins a character is bound, the
+// bytes behind it are keys of their own.
+void press_key(TPUEditor& editor, const Event& event) {
+    if (press(editor, event.key, event.text)) return;
+    for (std::size_t i = 1; i < event.text.size() && editor.running; ++i) {
+        press(editor, static_cast<unsigned char>(event.text[i]), event.text.substr(i, 1));
     }
 }
 
 }  // namespace
 
-void TPUEditor::handle_key(int key) {
-    last_key = key;
-    if (feed_process(*this, key) || follow_mouse(*this, key)) return;
-    UndoStep step(*this);
-    JournaledKey journaled(*this);
-    if (!pre_key_procedure.empty()) {
-        run_procedure(*this, pre_key_procedure);
-        step.begin_part();
+void TPUEditor::handle_event(const Event& event) {
+    switch (event.kind) {
+        case Event::Kind::key: press_key(*this, event); break;
+        case Event::Kind::mouse: follow_mouse(*this, event.mouse); break;
+        case Event::Kind::paste: insert_paste(event.text); break;
+        default: break;
     }
-    if (!take_prefix(*this, key)) {
-        step.watch_current_buffer();
-        act_on_key(*this, key);
-    }
-    run_procedure(*this, post_key_procedure);
-}
-
-std::string TPUEditor::read_character(int first) {
-    constexpr int kWait = 25;  // milliseconds; the bytes of a character come together
-    std::string bytes(1, static_cast<char>(first));
-    if (charset != Charset::utf8) return bytes;
-    std::size_t size = utf8_length(static_cast<unsigned char>(first));
-    while (bytes.size() < size) {
-        int key = read_key(kWait);
-        if (key == kNoKey) break;
-        if ((key & ~0x3f) != 0x80) {
-            unread_key(key);
-            break;
-        }
-        bytes += static_cast<char>(key);
-    }
-    return bytes;
 }
 
 void TPUEditor::run_key_text(const std::string& text) {

@@ -31,6 +31,7 @@
 
 namespace tpu {
 
+class InputMode;
 class OpenFiles;
 class Recovery;
 class TPUProcess;
@@ -98,6 +99,7 @@ class TPUEditor : public Host {
     std::unique_ptr<Recovery> recovery;         // null: unsaved work is not kept
     std::unique_ptr<OpenFiles> open_files;      // null: nobody is told which files are open
     UndoStep* undo_step = nullptr;              // the outermost one under way
+    InputMode* input_mode = nullptr;            // the one on top; null: nobody waits for events
     MemoryReserve memory_reserve;               // taken by the main loop
     FileSearch file_search;
     std::vector<std::pair<dev_t, ino_t>> replayed_journals;  // innermost last
@@ -157,24 +159,23 @@ class TPUEditor : public Host {
     int gutter(const TPUWindow& window) const;  // columns of line numbers
 
     // messages.cc
+    static constexpr const char* kNothingDone = "Out of memory: nothing was changed";
     void set_message(const std::string& text) override;
     // For when memory ran out: frees some, makes the session ready for the next key, tells
     // the user and keeps unsaved work. Shows a shorter text when there is still too little.
     void recover_memory(const char* message);
 
+    // event_loop.cc
+    // Gives the mode the events until it ends. False: the session has ended before that.
+    bool run_mode(InputMode& mode);
+
     // main_loop.cc
     void run();
-    // Steps are done while the main loop waits for keys.
+    // Steps are done while events are waited for.
     Loading loading() const { return headless ? Loading::at_once : Loading::in_steps; }
     // For those who may wait long: true once Ctrl-C is pressed, which ends running code too.
     Interrupted interrupted();
-    void hang_up();      // the terminal is gone: the session ends
-    bool key_waiting();  // read_key would give a key at once
-    // Of the terminal, but for keys put back.
-    int read_key(int wait_ms, const Awaited& others = {});
-    // The next key for a prompt; unsaved work is kept meanwhile.
-    int read_prompt_key();
-    void unread_key(int key) { unread_key_ = key; }
+    void hang_up();                              // the terminal is gone: the session ends
     void sleep(std::chrono::milliseconds time);  // or until Ctrl-C
 
     // processes.cc
@@ -182,12 +183,12 @@ class TPUEditor : public Host {
     // Asks it to end; afterwards the session has no such process.
     void dismiss_process(const std::shared_ptr<TPUProcess>& process);
     void send_text(TPUProcess& process, std::string_view text);  // or says that it cannot
+    bool has_processes() const;                                  // also such as are asked to end
     bool processes_talk() const;                                 // the last poll has found output
     Awaited awaited_of_processes() const;
 
     // dispatch.cc
-    void handle_key(int key);
-    std::string read_character(int first);  // with the bytes that belong to the first one
+    void handle_event(const Event& event);
     void run_key_text(const std::string& text) override;  // statements, or a command
     void insert_paste(const std::string& text);
 
@@ -206,7 +207,7 @@ class TPUEditor : public Host {
     // The same for those who tell an empty answer from none: the user has cancelled it or
     // is gone.
     std::optional<std::string> ask(const std::string& prompt, Asking how = {});
-    int read_one_key(const std::string& prompt);  // kNoKey at once when headless
+    Event read_one_key(const std::string& prompt);  // none when headless, or the user is gone
     void command_mode();
     void prompt_find();
 
@@ -234,7 +235,6 @@ class TPUEditor : public Host {
     void join_sessions();  // forgetting.cc
     void leave_sessions();
 
-    int unread_key_ = kNoKey;
     Clock::time_point last_look_;                                   // for Ctrl-C
     std::vector<std::shared_ptr<TPUProcess>> dismissed_processes_;  // until they have ended
     std::vector<std::unique_ptr<Buffer>> deleted_buffers_;          // until no code runs

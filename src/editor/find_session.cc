@@ -1,21 +1,23 @@
 #include "editor/find_session.h"
 
+#include <algorithm>
+
 #include "keys/key_code.h"
 #include "pattern/search.h"
 
 namespace tpu {
 
 FindSession::FindSession(Buffer& buffer)
-    : buffer_(buffer), start_{buffer.cursor_row, buffer.cursor_column} {}
+    : buffer_(&buffer), origin_(cursor()), start_(origin_), found_at_(origin_) {}
 
-void FindSession::go_to_start() {
-    buffer_.cursor_row = start_.row;
-    buffer_.cursor_column = start_.column;
+void FindSession::go_to(Position place) {
+    buffer_->cursor_row = place.row;
+    buffer_->cursor_column = place.column;
 }
 
 std::string FindSession::search() {
-    go_to_start();
-    found_ = !query_.empty() && search_round(buffer_, query_);
+    go_to(start_);
+    found_ = !query_.empty() && search_round(*buffer_, query_);
     std::string message = "I-find: " + query_;
     if (!found_ && !query_.empty()) message += "  (not found)";
     return message;
@@ -29,7 +31,7 @@ bool FindSession::end(std::string result) {
 bool FindSession::key(int code) {
     switch (code) {
         case 27:
-        case control('G'): go_to_start(); return end("I-find cancelled");
+        case control('G'): go_to(start_); return end("I-find cancelled");
         case '\n':
         case '\r': return end(found_ ? "Found" : "Not found");
         case kKeyBackspace:
@@ -38,7 +40,7 @@ bool FindSession::key(int code) {
             if (!query_.empty()) query_.pop_back();
             return false;
         case control('F'):
-            if (found_) start_ = {buffer_.cursor_row, buffer_.cursor_column + 1};
+            if (found_) start_ = {buffer_->cursor_row, buffer_->cursor_column + 1};
             return false;
         default: append(code); return false;
     }
@@ -50,6 +52,38 @@ void FindSession::append(int code) {
 
 void FindSession::paste(std::string_view text) {
     for (char c : text.substr(0, text.find_first_of("\r\n"))) append(c);
+}
+
+void FindSession::step_aside() {
+    if (!buffer_) return;
+    found_at_ = cursor();
+    text_ = buffer_->lines;
+    go_to(origin_);
+}
+
+bool FindSession::step_back() {
+    if (!buffer_) return true;
+    const bool same = cursor() == origin_ && text_.is_same_version(buffer_->lines);
+    if (same) {
+        go_to(found_at_);
+    } else {
+        move_start();
+    }
+    text_ = {};  // what is changed while nobody shares it need not be copied
+    return same;
+}
+
+// By as many bytes as the text has become longer, as if those stood before the cursor.
+void FindSession::move_start() {
+    const bool is_there = start_ == origin_;
+    origin_ = cursor();
+    const std::uint64_t bytes = buffer_->lines.bytes();
+    const std::uint64_t behind = text_.bytes() - std::min(text_.offset(start_), text_.bytes());
+    start_ = is_there ? origin_ : buffer_->lines.position(bytes - std::min(behind, bytes));
+}
+
+void FindSession::forget(const Buffer& buffer) {
+    if (buffer_ == &buffer) buffer_ = nullptr;
 }
 
 }  // namespace tpu

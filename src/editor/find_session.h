@@ -21,16 +21,30 @@ class FindSession {
     void paste(std::string_view text);
     const std::string& result() const { return result_; }
 
+    // Puts the cursor back to where the session began, for others who change the buffer.
+    void step_aside();
+    // Afterwards: the start moves with the text behind the cursor, which they may have moved.
+    // True when that and the text are as they were, and what was found is where it was.
+    bool step_back();
+    // The buffer that is searched; null once that is deleted.
+    const Buffer* buffer() const { return buffer_; }
+    void forget(const Buffer& buffer);
+
   private:
     void append(int code);
-    void go_to_start();
+    Position cursor() const { return {buffer_->cursor_row, buffer_->cursor_column}; }
+    void go_to(Position place);
+    void move_start();
     bool end(std::string result);
 
-    Buffer& buffer_;
+    Buffer* buffer_;
     std::string query_;
-    Position start_;
+    Position origin_;  // of the cursor
+    Position start_;   // of the search
     bool found_ = false;
-    std::string result_;
+    std::string result_ = "I-find cancelled";
+    Position found_at_;  // since step_aside()
+    LineStore text_;
 };
 
 }  // namespace tpu

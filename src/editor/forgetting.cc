@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "editor/editor.h"
+#include "editor/input_mode.h"
 #include "editor/process.h"
 #include "editor/undo_step.h"
 #include "value/array.h"
@@ -58,6 +59,7 @@ Buffer* next_best(const TPUEditor& editor, const Buffer* gone) {
 // Takes a session away from a buffer that goes, whoever it belongs to.
 void leave_buffer(TPUEditor& editor, const Buffer* buffer) {
     if (editor.undo_step) editor.undo_step->forget(buffer);
+    for (InputMode* mode = editor.input_mode; mode; mode = mode->beneath) mode->forget(*buffer);
     if (editor.current_buffer == buffer) editor.current_buffer = next_best(editor, buffer);
     for (const auto& window : editor.windows) {
         if (window->buffer != buffer) continue;

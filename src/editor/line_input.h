@@ -20,6 +20,7 @@ struct Completion {
 // How a line is asked for.
 struct Asking {
     bool echo = true;                                      // what is typed is shown
+    bool at_rest = false;                                  // see InputMode::is_at_rest
     const std::vector<std::string>* history = nullptr;     // earlier lines, oldest first
     std::function<Completion(std::string_view)> complete;  // given what stands before the cursor
 };

@@ -2,12 +2,11 @@
 #pragma once
 
 #include <chrono>
-#include <optional>
 #include <string>
 #include <thread>
 
+#include "editor/event.h"
 #include "editor/frame.h"
-#include "keys/key_code.h"
 #include "os/descriptor.h"
 #include "os/system.h"
 
@@ -16,12 +15,6 @@ namespace tpu {
 struct ScreenSize {
     int rows = 0;
     int cols = 0;
-};
-
-struct MouseEvent {
-    int row = 0;  // screen cells, zero-based
-    int col = 0;
-    bool clicked = false;  // button 1 was pressed or clicked
 };
 
 // A character terminal.
@@ -35,19 +28,15 @@ class Terminal {
     virtual ScreenSize size() = 0;
     virtual void present(const Frame& frame) = 0;
 
-    // The next key code, waiting at most `wait_ms` milliseconds for it (below 0:
-    // without limit); kNoKey when the time is up, or one of `others` is ready and no key
-    // has come. kKeyResize: size() has changed.
-    // kKeyPaste: fetch the text with take_paste(). kKeyMouse: fetch it with mouse().
-    // kKeyHangup: no more keys will come.
-    virtual int read_key(int wait_ms, const Awaited& others) = 0;
-    // True when read_key would give a key without waiting.
+    // The next event, waiting at most `wait_ms` milliseconds for it (below 0: without
+    // limit); none when the time is up, or one of `others` is ready and nothing has come.
+    // A resize: size() has changed.
+    virtual Event read(int wait_ms, const Awaited& others) = 0;
+    // True when read() would give an event without waiting.
     virtual bool key_waiting() = 0;
-    // True when Ctrl-C was pressed since the last key was read. The keys up to it, and
+    // True when Ctrl-C was pressed since the last event was read. The keys up to it, and
     // it itself, are dropped then.
     virtual bool interrupt_waiting() = 0;
-    virtual std::string take_paste() = 0;
-    virtual std::optional<MouseEvent> mouse() = 0;
     // Whether the mouse is reported, from start() on too; at first it is not.
     virtual void set_mouse(bool on) = 0;
 

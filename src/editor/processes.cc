@@ -31,6 +31,10 @@ void TPUEditor::send_text(TPUProcess& process, std::string_view text) {
     }
 }
 
+bool TPUEditor::has_processes() const {
+    return !processes.empty() || !dismissed_processes_.empty();
+}
+
 bool TPUEditor::processes_talk() const {
     return std::any_of(processes.begin(), processes.end(),
                        [](const auto& process) { return process->is_talking(); });

@@ -86,6 +86,27 @@ void UndoStep::take_back() {
     }
 }
 
+// Buffers that are gone by now are left out; new ones are for those who change them.
+void UndoStep::begin_again() {
+    std::erase_if(watched_, [&](const Watched& watched) { return !editor_.owns(watched.buffer); });
+    for (Watched& watched : watched_) {
+        Buffer& buffer = *watched.buffer;
+        watched = {&buffer, buffer.state(), buffer.history_moves, watched.gets_undo};
+    }
+    current_ = editor_.current_buffer;
+    window_ = editor_.current_window;
+}
+
+BetweenSteps::BetweenSteps(TPUEditor& editor) : editor_(editor), step_(editor.undo_step) {
+    if (step_) step_->finish();
+    editor.undo_step = nullptr;  // when nothing can fail any more
+}
+
+BetweenSteps::~BetweenSteps() {
+    editor_.undo_step = step_;
+    if (step_) step_->begin_again();
+}
+
 bool undo(TPUEditor& editor) {
     Buffer& buffer = *editor.current_buffer;
     UndoStep::Watched* watched = editor.undo_step ? editor.undo_step->find(&buffer) : nullptr;

@@ -32,6 +32,9 @@ class UndoStep {
     void protect(Buffer& buffer);
     // What has changed so far is no concern of an UNDO that follows.
     void begin_part();
+    // Makes steps of what has changed so far, and goes on with those buffers as they are now.
+    void finish();
+    void begin_again();
     // A statement of this step gets a record of its own; false: it is not the first one.
     bool takes_record() { return records_++ == 0; }
 
@@ -52,7 +55,6 @@ class UndoStep {
         bool has_travelled() const { return buffer->history_moves != history_moves; }
     };
     Watched* find(const Buffer* buffer);
-    void finish();
     void finish(const Watched& watched) const;
     Watched& note(Buffer& buffer);
     void take_back();
@@ -64,6 +66,20 @@ class UndoStep {
     int exceptions_;  // under way at the begin
     std::vector<Watched> watched_;
     std::uint64_t records_ = 0;
+};
+
+// What is done while this lives is no part of the step under way, which ends before and begins
+// anew afterwards.
+class BetweenSteps {
+  public:
+    explicit BetweenSteps(TPUEditor& editor);
+    ~BetweenSteps();
+    BetweenSteps(const BetweenSteps&) = delete;
+    BetweenSteps& operator=(const BetweenSteps&) = delete;
+
+  private:
+    TPUEditor& editor_;
+    UndoStep* step_;
 };
 
 // Of the current buffer: takes back what the step under way has changed so far, or if that

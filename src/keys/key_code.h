@@ -23,10 +23,6 @@ inline constexpr int kKeyEnd = 360;
 inline constexpr int kKeyMouse = 409;
 inline constexpr int kKeyResize = 410;
 
-// Beyond what curses knows. Neither is ever looked up in a key map.
-inline constexpr int kKeyPaste = 1000;   // a bracketed paste waits in the terminal
-inline constexpr int kKeyHangup = 1001;  // the terminal is gone
-
 constexpr int control(char letter) {
     return letter & 0x1f;
 }

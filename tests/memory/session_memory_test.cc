@@ -38,22 +38,20 @@ class Typist : public FakeTerminal {
         }
     }
 
-    int read_key(int, const Awaited&) override {
+    Event read(int, const Awaited&) override {
         failing::Pause pause;
         begun_ = true;
         bool outermost = !editor->undo_step;
         if (outermost) note_failure(false);
         if (next_ == script_.size()) {
             failing::none();  // there is memory again
-            return kKeyHangup;
+            return {Event::Kind::hang_up};
         }
         auto [place, key] = script_[next_++];
         last_ = place;
         if (outermost && !follows_gold_) first_ = place;
         if (outermost) follows_gold_ = key == kGold;
-        if (key != 0x1f) return key;
-        pasted = kPasted;
-        return kKeyPaste;
+        return key == 0x1f ? Event{Event::Kind::paste, kNoKey, kPasted} : Event::of_key(key);
     }
     bool key_waiting() override {
         failing::Pause pause;
@@ -215,18 +213,16 @@ TEST(ShortMemory, for_a_paste_drops_it_and_not_the_keys_behind_it) {
     std::string pasted(KeyDecoder::kRoom, 'p');
     failing::above(4 * KeyDecoder::kRoom);
     decoder.feed("a\033[200~");
-    EXPECT_EQ(decoder.next(), 'a');
-    EXPECT_EQ(decoder.next(), kIncompleteKey);
+    EXPECT_EQ(decoder.next().key, 'a');
+    EXPECT_EQ(decoder.next().kind, Event::Kind::none);
     for (int i = 0; i < 20; ++i) decoder.feed(pasted);
     decoder.feed("\033[20");
     decoder.feed("1~b");
-    EXPECT_EQ(decoder.next(), kKeyPaste);
-    EXPECT_THROW(decoder.take_paste(), std::bad_alloc);
-    EXPECT_EQ(decoder.next(), 'b');
+    EXPECT_EQ(decoder.next().kind, Event::Kind::lost);
+    EXPECT_EQ(decoder.next().key, 'b');
     failing::none();
     decoder.feed("\033[200~short\033[201~");
-    EXPECT_EQ(decoder.next(), kKeyPaste);
-    EXPECT_EQ(decoder.take_paste(), "short");
+    EXPECT_EQ(decoder.next().text, "short");
 }
 
 }  // namespace

@@ -5,14 +5,38 @@
 
 namespace tpu {
 
-int FakeTerminal::read_key(int wait_ms, const Awaited& beside) {
+int code_of(const Event& event) {
+    switch (event.kind) {
+        case Event::Kind::none: return kNoKey;
+        case Event::Kind::paste: return kKeyPaste;
+        case Event::Kind::resize: return kKeyResize;
+        case Event::Kind::hang_up: return kKeyHangup;
+        default: return event.key;
+    }
+}
+
+Event FakeTerminal::read(int wait_ms, const Awaited& beside) {
     waits.push_back(wait_ms);
     others = beside;
     if (before_key) before_key();
-    if (keys.empty()) return kKeyHangup;
+    if (keys.empty()) return {Event::Kind::hang_up};
     int key = keys.front();
     keys.pop_front();
-    return key;
+    switch (key) {
+        case kNoKey: return {};
+        case kKeyPaste: return {Event::Kind::paste, kNoKey, std::exchange(pasted, {})};
+        case kKeyMouse: return {Event::Kind::mouse, key, {}, clicked};
+        case kKeyResize: return {Event::Kind::resize};
+        case kKeyHangup: return {Event::Kind::hang_up};
+    }
+    Event event = Event::of_key(key);
+    if (key > 255) return event;
+    const std::size_t size = utf8_length(static_cast<unsigned char>(key));
+    while (event.text.size() < size && !keys.empty() && (keys.front() & ~0x3f) == 0x80) {
+        event.text += static_cast<char>(keys.front());
+        keys.pop_front();
+    }
+    return event;
 }
 
 std::vector<int> key_codes(std::string_view keys) {
@@ -56,7 +80,9 @@ Session::Session(std::vector<std::string> lines, int rows, int cols)
 void Session::press(std::string_view keys) {
     std::vector<int> codes = key_codes(keys);
     terminal.keys.assign(codes.begin(), codes.end());
-    for (int key; (key = editor.read_key(0)) != kKeyHangup;) editor.handle_key(key);
+    for (Event event; (event = terminal.read(0, {})).kind != Event::Kind::hang_up;) {
+        editor.handle_event(event);
+    }
 }
 
 std::vector<std::string> Session::screen() {

@@ -13,7 +13,15 @@
 
 namespace tpu {
 
-// A terminal that gives the keys it was told to and remembers what was shown.
+// Among the keys of a FakeTerminal, what comes in beside keys.
+inline constexpr int kKeyPaste = 1000;
+inline constexpr int kKeyHangup = 1001;
+
+// The code that stands for an event there.
+int code_of(const Event& event);
+
+// A terminal that gives the keys it was told to and remembers what was shown. Bytes that make
+// a UTF-8 character come together, as from a real one.
 class FakeTerminal : public Terminal {
   public:
     std::string start() override { return {}; }
@@ -22,7 +30,7 @@ class FakeTerminal : public Terminal {
         shown = frame;
         ++frames;
     }
-    int read_key(int wait_ms, const Awaited& others) override;
+    Event read(int wait_ms, const Awaited& others) override;
     bool key_waiting() override { return !keys.empty(); }
     bool interrupt_waiting() override {
         auto pressed = std::find(keys.begin(), keys.end(), control('C'));
@@ -30,8 +38,6 @@ class FakeTerminal : public Terminal {
         keys.erase(keys.begin(), pressed + 1);
         return true;
     }
-    std::string take_paste() override { return std::exchange(pasted, {}); }
-    std::optional<MouseEvent> mouse() override { return clicked; }
     void set_mouse(bool on) override { reports_mouse = on; }
     void beep() override { ++beeps; }
     void leave() override {}
@@ -39,8 +45,8 @@ class FakeTerminal : public Terminal {
 
     ScreenSize screen{24, 80};
     std::deque<int> keys;  // once they are used up, the terminal hangs up
-    std::string pasted;
-    std::optional<MouseEvent> clicked;
+    std::string pasted;    // by kKeyPaste
+    MouseEvent clicked;    // by kKeyMouse
     bool reports_mouse = false;
     int beeps = 0;
     Frame shown;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <new>
 #include <utility>
 
 #include "os/short_memory.h"
@@ -18,6 +17,8 @@ constexpr std::string_view kPasteEnd = "\x1b[201~";
 constexpr std::string_view kControlSequence = "\x1b[";
 constexpr std::string_view kOldMouse = "\x1b[M";  // and three bytes: button, column, row
 constexpr std::size_t kOldMouseSize = 6;
+constexpr int kPasteBegins = -2;
+constexpr int kIncomplete = -3;  // more bytes may change what those at the front mean
 
 unsigned char byte_at(std::string_view bytes, std::size_t index) {
     return static_cast<unsigned char>(bytes[index]);
@@ -42,10 +43,11 @@ MouseEvent mouse_event(int button, int col, int row, bool pressed) {
 
 }  // namespace
 
-KeyDecoder::KeyDecoder(std::vector<KeySequence> table) : table_(std::move(table)) {
+KeyDecoder::KeyDecoder(std::vector<KeySequence> table, Charset charset)
+    : table_(std::move(table)), charset_(charset) {
     // Mouse reports have bytes of their own after the sequence and are no table's matter.
     std::erase_if(table_, [](const KeySequence& key) { return key.code == kKeyMouse; });
-    table_.push_back({std::string(kPasteStart), kKeyPaste});
+    table_.push_back({std::string(kPasteStart), kPasteBegins});
     auto less = [](const auto& a, const auto& b) { return a.bytes < b.bytes; };
     auto same = [](const auto& a, const auto& b) { return a.bytes == b.bytes; };
     std::stable_sort(table_.begin(), table_.end(), less);
@@ -133,66 +135,80 @@ void KeyDecoder::end_paste() {
     doubtful_ = kNone;
 }
 
-int KeyDecoder::next() {
+Event KeyDecoder::next() {
     return decode(false);
 }
 
-int KeyDecoder::next_now() {
+Event KeyDecoder::next_now() {
     return decode(true);
 }
 
-std::string KeyDecoder::take_paste() {
-    if (std::exchange(paste_lost_, false)) throw std::bad_alloc();
-    return std::exchange(paste_, {});
-}
-
-int KeyDecoder::decode(bool now) {
+Event KeyDecoder::decode(bool now) {
     while (!pasting_) {
         std::string_view rest = std::string_view(input_).substr(head_);
-        if (rest.empty()) return kNoKey;
+        if (rest.empty()) return {};
         Match match = recognise(rest);
-        if (match.code == kIncompleteKey) {
-            if (!now) return kIncompleteKey;
-            match = {byte_at(rest, 0), 1};
+        if (match.code == kIncomplete) {
+            if (!now) return {};
+            match = character(rest, true);
         }
-        head_ += match.size;
-        if (match.code == kKeyPaste) {
+        if (match.code == kPasteBegins) {
+            head_ += match.size;
             pasting_ = true;
             scanned_ = head_;
-        } else if (match.code != kNoKey) {
-            return match.code;
+        } else {
+            Event event = event_of(match);
+            head_ += match.size;
+            if (event.kind != Event::Kind::none) return event;
         }
     }
-    int key = decode_paste();
-    if (key != kIncompleteKey || !now) return key;
-    end_paste();
+    if (now) end_paste();
     return decode_paste();
 }
 
-int KeyDecoder::decode_paste() {
+Event KeyDecoder::event_of(Match match) {
+    if (match.code == kNoKey) return {};
+    if (match.code == kKeyMouse) return {Event::Kind::mouse, kKeyMouse, {}, mouse_};
+    if (match.code > 255) return Event::of_key(match.code);
+    return {Event::Kind::key, match.code, input_.substr(head_, match.size)};
+}
+
+Event KeyDecoder::decode_paste() {
     std::size_t end = input_.find(kPasteEnd, scanned_);
     if (end == std::string::npos) {
         // The mark may have come in part.
         std::size_t part = kPasteEnd.size() - 1;
         if (input_.size() - scanned_ > part) scanned_ = input_.size() - part;
-        return kIncompleteKey;
+        return {};
     }
     std::string_view text = std::string_view(input_).substr(head_, end - head_);
-    paste_.clear();
-    if (!paste_lost_) paste_lost_ = !enough_memory([&] { paste_ = with_line_feeds(text); });
+    Event paste{Event::Kind::paste};
+    if (std::exchange(paste_lost_, false) ||
+        !enough_memory([&] { paste.text = with_line_feeds(text); })) {
+        paste.kind = Event::Kind::lost;
+    }
     head_ = end + kPasteEnd.size();
     pasting_ = false;
     doubtful_ = kNone;
     shrink();
-    return kKeyPaste;
+    return paste;
 }
 
 KeyDecoder::Match KeyDecoder::recognise(std::string_view bytes) {
-    Match plain{byte_at(bytes, 0), 1};
-    if (!first_bytes_[byte_at(bytes, 0)]) return plain;
+    if (!first_bytes_[byte_at(bytes, 0)]) return character(bytes, false);
     Match known = look_up(bytes);
     if (known.code != kNoKey) return known;
-    return bytes.starts_with(kControlSequence) ? control_sequence(bytes) : plain;
+    return bytes.starts_with(kControlSequence) ? control_sequence(bytes) : character(bytes, false);
+}
+
+// A byte with those that belong to it: of a character that is cut short, what there is.
+// `now`: no more of it will come.
+KeyDecoder::Match KeyDecoder::character(std::string_view bytes, bool now) const {
+    unsigned char first = byte_at(bytes, 0);
+    std::size_t size = 1, whole = charset_ == Charset::utf8 ? utf8_length(first) : 1;
+    while (size < whole && size < bytes.size() && (byte_at(bytes, size) & 0xc0) == 0x80) ++size;
+    if (size < whole && size == bytes.size() && !now) return {kIncomplete, 0};
+    return {first, size};
 }
 
 // The longest sequence of the table counts.
@@ -211,7 +227,7 @@ KeyDecoder::Match KeyDecoder::look_up(std::string_view bytes) const {
         }
         if (first == last) return longest;
     }
-    return {kIncompleteKey, 0};
+    return {kIncomplete, 0};
 }
 
 // A mouse report, or else a key that is not known: parameters, intermediate
@@ -224,7 +240,7 @@ KeyDecoder::Match KeyDecoder::control_sequence(std::string_view bytes) {
     std::size_t end = kControlSequence.size();
     while (in(end, '0', '?')) ++end;
     while (in(end, ' ', '/')) ++end;
-    if (end == bytes.size()) return {kIncompleteKey, 0};
+    if (end == bytes.size()) return {kIncomplete, 0};
     if (!in(end, '@', '~')) return {byte_at(bytes, 0), 1};
     return mouse_report(bytes.substr(0, end + 1));
 }
@@ -232,7 +248,7 @@ KeyDecoder::Match KeyDecoder::control_sequence(std::string_view bytes) {
 KeyDecoder::Match KeyDecoder::old_mouse_report(std::string_view bytes) {
     constexpr int kOffset = ' ';
     constexpr int kRelease = 3;  // of any button
-    if (bytes.size() < kOldMouseSize) return {kIncompleteKey, 0};
+    if (bytes.size() < kOldMouseSize) return {kIncomplete, 0};
     int button = byte_at(bytes, 3) - kOffset;
     mouse_ = mouse_event(button, byte_at(bytes, 4) - kOffset, byte_at(bytes, 5) - kOffset,
                          button != kRelease);

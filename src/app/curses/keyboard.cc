@@ -68,9 +68,11 @@ class DescriptorSet {
 
 }  // namespace
 
-void Keyboard::open(int descriptor, std::vector<KeySequence> (*keys)()) {
+void Keyboard::open(int descriptor, std::vector<KeySequence> (*keys)(), Charset charset) {
     descriptor_ = descriptor;
     keys_ = keys;
+    charset_ = charset;
+    decoder_ = KeyDecoder({}, charset);
     struct sigaction action = {};
     action.sa_handler = note_size_change;
     action.sa_flags = SA_RESTART;
@@ -78,49 +80,49 @@ void Keyboard::open(int descriptor, std::vector<KeySequence> (*keys)()) {
     sigaction(SIGWINCH, &action, nullptr);
 }
 
-int Keyboard::read_key(int wait_ms, const Awaited& others) {
+Event Keyboard::read(int wait_ms, const Awaited& others) {
     SteadyTime start = std::chrono::steady_clock::now();
     for (;;) {
         look_for_end();
-        int key = next_key();
-        if (key >= 0) return key;
+        Event event = next();
+        if (event.kind != Event::Kind::none) return event;
         int wait = remaining(wait_ms, start);
-        bool incomplete = key == kIncompleteKey;
+        bool incomplete = decoder_.is_incomplete();
         if (incomplete) wait = shorter(wait, remaining(patience(), last_input_));
         if (fill(wait, others)) continue;
         if (incomplete && remaining(patience(), last_input_) == 0) return decoder_.next_now();
-        if (others_ready_ || remaining(wait_ms, start) == 0) return kNoKey;
+        if (others_ready_ || remaining(wait_ms, start) == 0) return {};
     }
 }
 
 bool Keyboard::key_waiting() {
     look_for_end();
     if (size_changed) return true;
-    if (ahead_ == kNoKey) ahead_ = next_key();
-    if (ahead_ < 0 && fill(0)) ahead_ = next_key();
-    if (ahead_ < 0) ahead_ = kNoKey;
-    return ahead_ != kNoKey;
+    if (ahead_.kind == Event::Kind::none) ahead_ = next();
+    if (ahead_.kind == Event::Kind::none && fill(0)) ahead_ = next();
+    return ahead_.kind != Event::Kind::none;
 }
 
 bool Keyboard::interrupt_waiting() {
     look_for_end();
-    if (ahead_ == kInterrupt) return ahead_ = kNoKey, true;
+    if (ahead_.key == kInterrupt) return ahead_ = {}, true;
     for (int i = 0; i < kMostReads && !hung_up_ && wait_for_input(0); ++i) read_input();
     if (hung_up_) return true;  // nobody is there to wait for what runs
     if (!decoder_.drop_through(kInterrupt)) return false;
-    ahead_ = kNoKey;
+    ahead_ = {};
     return true;
 }
 
-// The next key of those bytes that are here, or why there is none.
-int Keyboard::next_key() {
-    if (ahead_ != kNoKey) return std::exchange(ahead_, kNoKey);
+// The next event of those bytes that are here.
+Event Keyboard::next() {
+    if (ahead_.kind != Event::Kind::none) return std::exchange(ahead_, {});
     if (size_changed) {
         size_changed = 0;
-        return kKeyResize;
+        return {Event::Kind::resize};
     }
-    int key = hung_up_ ? decoder_.next_now() : decoder_.next();
-    return key == kNoKey && hung_up_ ? kKeyHangup : key;
+    Event event = hung_up_ ? decoder_.next_now() : decoder_.next();
+    if (event.kind == Event::Kind::none && hung_up_) event.kind = Event::Kind::hang_up;
+    return event;
 }
 
 // What was typed before the signal still counts.
@@ -164,10 +166,10 @@ bool Keyboard::wait_for_input(int wait_ms, const Awaited& others) {
 void Keyboard::read_input() {
     static char bytes[kReadSize];
     ssize_t count = static_cast<ssize_t>(unfed_);
-    if (count == 0) count = read(descriptor_, bytes, sizeof bytes);
+    if (count == 0) count = ::read(descriptor_, bytes, sizeof bytes);
     if (count > 0) {
         unfed_ = static_cast<std::size_t>(count);
-        if (keys_) decoder_ = KeyDecoder(keys_());
+        if (keys_) decoder_ = KeyDecoder(keys_(), charset_);
         keys_ = nullptr;
         take({bytes, unfed_});
         unfed_ = 0;

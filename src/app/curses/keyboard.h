@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "app/curses/key_decoder.h"
+#include "os/descriptor.h"
 
 namespace tpu {
 
@@ -14,19 +15,18 @@ class Keyboard {
   public:
     // Reads from this descriptor from now on. `keys` is asked what the terminal's
     // keys send when the first bytes have come, which is after the first picture.
-    void open(int descriptor, std::vector<KeySequence> (*keys)());
+    // `charset`: of what is typed.
+    void open(int descriptor, std::vector<KeySequence> (*keys)(), Charset charset);
 
-    // As Terminal does; kKeyResize is told once for each change.
-    int read_key(int wait_ms, const Awaited& others);
+    // As Terminal does; a resize is told once for each change.
+    Event read(int wait_ms, const Awaited& others);
     bool key_waiting();
     bool interrupt_waiting();
-    std::string take_paste() { return decoder_.take_paste(); }
-    std::optional<MouseEvent> mouse() const { return decoder_.mouse(); }
 
   private:
     using SteadyTime = std::chrono::steady_clock::time_point;
 
-    int next_key();
+    Event next();
     int patience() const;
     void look_for_end();
     bool fill(int wait_ms, const Awaited& others = {});
@@ -36,8 +36,9 @@ class Keyboard {
 
     int descriptor_ = -1;
     std::vector<KeySequence> (*keys_)() = nullptr;  // until they have been asked for
+    Charset charset_ = Charset::bytes;
     KeyDecoder decoder_;
-    int ahead_ = kNoKey;     // found by key_waiting()
+    Event ahead_;            // found by key_waiting()
     std::size_t unfed_ = 0;  // bytes that were read, but not taken for want of memory
     bool hung_up_ = false;
     bool others_ready_ = false;  // after wait_for_input()

@@ -188,7 +188,7 @@ std::string CursesTerminal::start() {
     }
     compose_end_of_screen();
     full_screen.set(true);
-    keyboard_.open(fileno(streams.input), terminal_keys);
+    keyboard_.open(fileno(streams.input), terminal_keys, charset_);
     set_modes();
     setenv("TERM", type.c_str(), 1);  // for children
     getmaxyx(stdscr, size_.rows, size_.cols);
@@ -216,11 +216,11 @@ void CursesTerminal::present(const Frame& frame) {
     if (screen_) painter_.present(frame);
 }
 
-int CursesTerminal::read_key(int wait_ms, const Awaited& others) {
-    if (!screen_) return kKeyHangup;
-    int key = keyboard_.read_key(wait_ms, others);
-    if (key == kKeyResize) resize();
-    return key;
+Event CursesTerminal::read(int wait_ms, const Awaited& others) {
+    if (!screen_) return {Event::Kind::hang_up};
+    Event event = keyboard_.read(wait_ms, others);
+    if (event.kind == Event::Kind::resize) resize();
+    return event;
 }
 
 void CursesTerminal::resize() {

@@ -14,7 +14,8 @@ namespace tpu {
 // that, since it says what curses sends and how wide characters are.
 class CursesTerminal : public Terminal {
   public:
-    CursesTerminal() = default;
+    // `charset`: of what people type.
+    explicit CursesTerminal(Charset charset) : charset_(charset) {}
     ~CursesTerminal() override;
     CursesTerminal(const CursesTerminal&) = delete;
     CursesTerminal& operator=(const CursesTerminal&) = delete;
@@ -22,11 +23,9 @@ class CursesTerminal : public Terminal {
     std::string start() override;
     ScreenSize size() override { return size_; }
     void present(const Frame& frame) override;
-    int read_key(int wait_ms, const Awaited& others) override;
+    Event read(int wait_ms, const Awaited& others) override;
     bool key_waiting() override { return screen_ && keyboard_.key_waiting(); }
     bool interrupt_waiting() override { return screen_ && keyboard_.interrupt_waiting(); }
-    std::string take_paste() override { return keyboard_.take_paste(); }
-    std::optional<MouseEvent> mouse() override { return keyboard_.mouse(); }
     void set_mouse(bool on) override;
     void beep() override;
     void leave() override;
@@ -37,6 +36,7 @@ class CursesTerminal : public Terminal {
     void resize();
     void switch_modes();
 
+    const Charset charset_;
     screen* screen_ = nullptr;  // null until started
     ScreenSize size_;
     bool brackets_pastes_ = false;  // the terminal can

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "os/child.h"
+#include "support/session.h"
 
 namespace tpu {
 namespace {
@@ -19,7 +20,7 @@ class Waiting : public testing::Test {
     Waiting() {
         EXPECT_TRUE(keys.open() && process.open() && full.open());
         EXPECT_TRUE(set_nonblocking(full.write));
-        keyboard.open(keys.read.get(), nullptr);
+        keyboard.open(keys.read.get(), nullptr, Charset::utf8);
         const std::string block(4096, 'x');
         while (write(full.write.get(), block.data(), block.size()) > 0) {
         }
@@ -31,6 +32,10 @@ class Waiting : public testing::Test {
                   static_cast<ssize_t>(bytes.size()));
     }
 
+    int read_code(int wait_ms, const Awaited& others) {
+        return code_of(keyboard.read(wait_ms, others));
+    }
+
     Pipe keys, process, full;
     Keyboard keyboard;
     const steady_clock::time_point start = steady_clock::now();
@@ -38,64 +43,63 @@ class Waiting : public testing::Test {
 
 TEST_F(Waiting, ends_when_something_else_is_ready) {
     const Awaited awaited{{process.read.get()}, {full.write.get()}};
-    EXPECT_EQ(keyboard.read_key(1, awaited), kNoKey);
+    EXPECT_EQ(read_code(1, awaited), kNoKey);
     put(process, "output");
-    EXPECT_EQ(keyboard.read_key(kLong, awaited), kNoKey);
+    EXPECT_EQ(read_code(kLong, awaited), kNoKey);
     ASSERT_TRUE(is_quick());
-    EXPECT_EQ(keyboard.read_key(-1, awaited), kNoKey);
+    EXPECT_EQ(read_code(-1, awaited), kNoKey);
     char bytes[1 << 16];
     EXPECT_GT(read(process.read.get(), bytes, sizeof bytes), 0);
     EXPECT_GT(read(full.read.get(), bytes, sizeof bytes), 0);
-    EXPECT_EQ(keyboard.read_key(kLong, awaited), kNoKey);
+    EXPECT_EQ(read_code(kLong, awaited), kNoKey);
 }
 
 TEST_F(Waiting, goes_on_for_what_a_set_of_descriptors_cannot_hold) {
-    EXPECT_EQ(keyboard.read_key(1, {{FD_SETSIZE, FD_SETSIZE + 1000}, {FD_SETSIZE}}), kNoKey);
+    EXPECT_EQ(read_code(1, {{FD_SETSIZE, FD_SETSIZE + 1000}, {FD_SETSIZE}}), kNoKey);
     put(keys, "k");
-    EXPECT_EQ(keyboard.read_key(kLong, {{FD_SETSIZE}, {}}), 'k');
+    EXPECT_EQ(read_code(kLong, {{FD_SETSIZE}, {}}), 'k');
 }
 
 TEST_F(Waiting, prefers_keys_and_finishes_those_that_are_cut_short) {
     const Awaited awaited{{process.read.get()}, {}};
     put(process, "a flood");
     put(keys, "kl\033[");
-    EXPECT_EQ(keyboard.read_key(kLong, awaited), 'k');
-    EXPECT_EQ(keyboard.read_key(kLong, awaited), 'l');
+    EXPECT_EQ(read_code(kLong, awaited), 'k');
+    EXPECT_EQ(read_code(kLong, awaited), 'l');
     int key = kNoKey;
-    while (key == kNoKey) key = keyboard.read_key(kLong, awaited);
+    while (key == kNoKey) key = read_code(kLong, awaited);
     EXPECT_EQ(key, 27);
-    EXPECT_EQ(keyboard.read_key(kLong, awaited), '[');
+    EXPECT_EQ(read_code(kLong, awaited), '[');
 }
 
 constexpr int kPause = 250;  // milliseconds in which no paste stops, as far as we know
 
 TEST_F(Waiting, for_the_end_of_a_paste_leaves_keys_alone) {
     put(keys, "\033[200~te\003xt");
-    int pressed = 0, key = kNoKey;
-    for (; key == kNoKey && pressed < 40; ++pressed) {
-        key = keyboard.read_key(kPause, {});
+    int pressed = 0;
+    Event event;
+    for (; event.kind == Event::Kind::none && pressed < 40; ++pressed) {
+        event = keyboard.read(kPause, {});
         put(keys, "k");
     }
-    EXPECT_EQ(key, kKeyPaste);
-    EXPECT_EQ(keyboard.take_paste(), "te\003xt");
-    for (; pressed > 0; --pressed) EXPECT_EQ(keyboard.read_key(kLong, {}), 'k');
+    EXPECT_EQ(event.text, "te\003xt");
+    for (; pressed > 0; --pressed) EXPECT_EQ(read_code(kLong, {}), 'k');
 }
 
 TEST_F(Waiting, for_the_end_of_a_paste_is_over_with_control_c) {
     for (bool running : {false, true}) {
         put(keys, "\033[200~te\003xt");
         EXPECT_FALSE(keyboard.interrupt_waiting());
-        EXPECT_EQ(keyboard.read_key(kPause, {}), kNoKey);
+        EXPECT_EQ(read_code(kPause, {}), kNoKey);
         put(keys, "\003");
         if (running) {
             EXPECT_TRUE(keyboard.interrupt_waiting());
         } else {
-            EXPECT_EQ(keyboard.read_key(kLong, {}), kKeyPaste);
-            EXPECT_EQ(keyboard.take_paste(), "te\003xt");
-            EXPECT_EQ(keyboard.read_key(kLong, {}), 3);
+            EXPECT_EQ(keyboard.read(kLong, {}).text, "te\003xt");
+            EXPECT_EQ(read_code(kLong, {}), 3);
         }
         put(keys, "k");
-        EXPECT_EQ(keyboard.read_key(kLong, {}), 'k');
+        EXPECT_EQ(read_code(kLong, {}), 'k');
     }
 }
 
@@ -103,13 +107,12 @@ TEST_F(Waiting, for_the_end_of_a_paste_goes_on_when_it_was_held_up) {
     for (std::string_view rest : {"y\033[201~", "y that is longer than any key\033[201~"}) {
         put(keys, "\033[200~text");
         for (int i = 0; i < 2; ++i) {
-            EXPECT_EQ(keyboard.read_key(kPause, {}), kNoKey);
+            EXPECT_EQ(read_code(kPause, {}), kNoKey);
             put(keys, "\033[2");
         }
         put(keys, rest);
-        EXPECT_EQ(keyboard.read_key(kLong, {}), kKeyPaste);
         rest.remove_suffix(6);
-        EXPECT_EQ(keyboard.take_paste(), "text\033[2\033[2" + std::string(rest));
+        EXPECT_EQ(keyboard.read(kLong, {}).text, "text\033[2\033[2" + std::string(rest));
     }
     put(keys, "\033[200~pasted\003\033[201~k");
     EXPECT_FALSE(keyboard.interrupt_waiting());

@@ -291,8 +291,7 @@ TEST(Mouse, moves_the_cursor_of_the_current_window_wherever_it_clicks) {
     s.editor.show_line_numbers = true;
     s.screen();
     auto click = [&](int row, int col, bool clicked = true) {
-        s.terminal.clicked = MouseEvent{row, col, clicked};
-        s.editor.handle_key(kKeyMouse);
+        s.editor.handle_event({Event::Kind::mouse, kKeyMouse, {}, {row, col, clicked}});
     };
     click(2, 8);
     EXPECT_EQ(s.cursor(), (Position{2, 2}));
@@ -337,14 +336,14 @@ TEST(AttachedProcess, gets_characters_and_nothing_else) {
     s.editor.gold_pending = true;
     for (int key = 0; key < 500; ++key) {
         if (key == control('Z') || key == control('D')) continue;
-        s.editor.handle_key(key);
+        s.editor.handle_event(Event::of_key(key));
         EXPECT_EQ(s.editor.last_key, key);
     }
     EXPECT_TRUE(s.editor.gold_pending);
     std::string expected = "\b\n\n";  // Ctrl-H, and both line ends
     for (int c = 32; c < 256; ++c) expected += c == 127 ? '\b' : static_cast<char>(c);
     expected += "\b\n";  // the backspace key and Enter of the keypad
-    s.editor.handle_key(control('D'));
+    s.editor.handle_event(Event::of_key(control('D')));
     while (!s.editor.processes.empty()) s.editor.poll_processes();
     EXPECT_EQ(s.buffer->lines.text(), expected);
 }
