@@ -50,7 +50,7 @@ int TPU_ExecuteCommand(TPU_Context* context, const char* command) {
     if (!context || !context->editor || !command) return kFailure;
     tpu::TPUEditor& editor = *context->editor;
     try {
-        editor.poll_processes();
+        editor.processes.poll();
         editor.parser.execute_statement(command);
         flush_journals(editor, true);
         return 0;

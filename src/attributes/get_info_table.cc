@@ -286,7 +286,7 @@ constexpr InfoItem kItems[] = {
     {{"LINE_NUMBER"}, Of::session, session_number<&TPUEditor::show_line_numbers>, "1 when windows show line numbers, else 0."},
     {{"BELL"}, Of::session, session_number<&TPUEditor::bell>, "1 when BELL rings, else 0."},
     {{"MOUSE"}, Of::session, session_number<&TPUEditor::mouse>, "1 when the mouse is in use, else 0."},
-    {{"TIMER"}, Of::session, session_number<&TPUEditor::timer_interval>, "The milliseconds between two runs of the timer's statement; 0 when the timer is off."},
+    {{"TIMER"}, Of::session, [](const Subject& s) { return number(s.editor.timer.interval); }, "The milliseconds between two runs of the timer's statement; 0 when the timer is off."},
     {{"PRE_KEY_PROCEDURE"}, Of::session, session_text<&TPUEditor::pre_key_procedure>, "The statement that runs before each key; empty without one."},
     {{"POST_KEY_PROCEDURE"}, Of::session, session_text<&TPUEditor::post_key_procedure>, "The statement that runs after each key; empty without one."},
     {{"UNDEFINED_KEY"}, Of::session, session_text<&TPUEditor::undefined_key_procedure>, "The statement for keys without a meaning; empty without one."},

@@ -91,9 +91,9 @@ void put_procedure(SetCall& call) {
 // Without a procedure the timer keeps the one that it has.
 void put_timer(SetCall& call) {
     TPUEditor& editor = call.editor;
-    editor.timer_interval = static_cast<int>(call.number(0, 0, std::numeric_limits<int>::max()));
-    if (call.count() > 1) put_statement(call, 1, editor.timer_action);
-    editor.timer_start = editor.ports.clock.now();
+    editor.timer.interval = static_cast<int>(call.number(0, 0, std::numeric_limits<int>::max()));
+    if (call.count() > 1) put_statement(call, 1, editor.timer.action);
+    editor.timer.start(editor.ports.clock);
 }
 
 // A number, or OFF.

@@ -81,7 +81,7 @@ void forget_shared(Call& call, const std::shared_ptr<T>& object, Share share) {
 }
 
 void delete_process(Call& call, const std::shared_ptr<TPUProcess>& process) {
-    editor_of(call).dismiss_process(process);
+    editor_of(call).processes.dismiss(process);
     forget_shared(call, process, process_of);
 }
 

@@ -13,7 +13,8 @@ using Process = std::shared_ptr<TPUProcess>;
 Process target(Call& call, std::size_t i) {
     const Value& value = call.args.value(i);
     if (value.is(Value::Type::process)) return process_of(value);
-    return editor_of(call).processes.empty() ? nullptr : editor_of(call).processes.back();
+    const auto& running = editor_of(call).processes.running;
+    return running.empty() ? nullptr : running.back();
 }
 
 void spawn(Call& call) {
@@ -34,7 +35,7 @@ Value create_process(Call& call) {
         editor.set_message("CREATE_PROCESS failed");
         return tpu_unspecified();
     }
-    editor.processes.push_back(process);
+    editor.processes.running.push_back(process);
     editor.set_message("Process started (pid " + std::to_string(process->pid()) + ")");
     return process_value(std::move(process));
 }
@@ -53,7 +54,7 @@ void send_eof(Call& call) {
 void attach(Call& call) {
     Process process = target(call, 0);
     if (!process) return editor_of(call).set_message("ATTACH: no process");
-    editor_of(call).attached_process = process;
+    editor_of(call).processes.attached = process;
     editor_of(call).set_message("ATTACHED \u2014 type to process; Ctrl-Z detach, Ctrl-D EOF");
 }
 

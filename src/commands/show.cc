@@ -175,7 +175,7 @@ std::string summary(TPUEditor& editor, const std::string&) {
     add("Keymap lists", std::to_string(editor.key_map_lists.size()));
     add("Procedures", std::to_string(editor.parser.procedures.size()));
     add("Variables", std::to_string(globals));
-    add("Processes", std::to_string(editor.processes.size()));
+    add("Processes", std::to_string(editor.processes.running.size()));
     add("Tests passed/fail", std::to_string(editor.assertions_passed) + " / " +
                                  std::to_string(editor.assertions_failed));
     return text;
@@ -187,8 +187,8 @@ std::string code_and_name(int code) {
 }
 
 std::string timer(const TPUEditor& editor) {
-    std::string interval = std::to_string(editor.timer_interval) + " ms";
-    return editor.timer_action.empty() ? interval : interval + "  -> " + editor.timer_action;
+    std::string interval = std::to_string(editor.timer.interval) + " ms";
+    return editor.timer.action.empty() ? interval : interval + "  -> " + editor.timer.action;
 }
 
 std::string system(TPUEditor& editor, const std::string&) {

@@ -18,16 +18,16 @@ bool is_character(int key) {
 
 // Keys for the attached process. True when there is one.
 bool feed_process(TPUEditor& editor, int key) {
-    if (!editor.attached_process) return false;
-    TPUProcess& process = *editor.attached_process;
+    if (!editor.processes.attached) return false;
+    TPUProcess& process = *editor.processes.attached;
     switch (key) {
         case control('Z'):
-            editor.attached_process.reset();
+            editor.processes.attached.reset();
             editor.set_message("Detached");
             break;
         case control('D'):
             process.send_eof();
-            editor.attached_process.reset();
+            editor.processes.attached.reset();
             editor.set_message("EOF sent; detached");
             break;
         case '\n':
@@ -46,7 +46,7 @@ bool feed_process(TPUEditor& editor, int key) {
 // A click moves the cursor, by the current window, wherever on the screen it fell.
 void follow_mouse(TPUEditor& editor, MouseEvent event) {
     editor.last_key = kKeyMouse;
-    if (editor.attached_process) return;
+    if (editor.processes.attached) return;
     editor.mouse_row = event.row;
     editor.mouse_column = event.col;
     const TPUWindow* window = editor.current_window;
@@ -176,9 +176,15 @@ void TPUEditor::run_key_text(const std::string& text) {
     if (recorded) parser.learning.record_end();
 }
 
+void TPUEditor::send_text(TPUProcess& process, std::string_view text) {
+    if (!process.send(text)) {
+        set_message("SEND: too much waits for the process already; the text was dropped");
+    }
+}
+
 void TPUEditor::insert_paste(const std::string& text) {
-    if (attached_process) {
-        send_text(*attached_process, text);
+    if (processes.attached) {
+        send_text(*processes.attached, text);
     } else if (current_buffer) {
         UndoStep step(*this);
         JournaledKey journaled(*this);

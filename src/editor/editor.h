@@ -19,7 +19,9 @@
 #include "editor/layout.h"
 #include "editor/line_input.h"
 #include "editor/ports.h"
+#include "editor/processes.h"
 #include "editor/test_report.h"
+#include "editor/timer.h"
 #include "editor/vocabulary.h"
 #include "editor/window.h"
 #include "keys/key_map.h"
@@ -34,7 +36,6 @@ namespace tpu {
 class InputMode;
 class OpenFiles;
 class Recovery;
-class TPUProcess;
 class UndoStep;
 
 // How far FILE_SEARCH has come.
@@ -79,11 +80,8 @@ class TPUEditor : public Host {
     std::uint64_t named_line = 0;      // likewise, counting from 1; 0: none
     Charset charset = Charset::bytes;  // of what people see and type
     int last_key = 0;
-    std::vector<std::shared_ptr<TPUProcess>> processes;
-    std::shared_ptr<TPUProcess> attached_process;  // gets the keys while set
-    int timer_interval = 0;                        // milliseconds; 0 or less: no timer
-    Clock::time_point timer_start;
-    std::string timer_action;
+    Processes processes;
+    Timer timer;
     std::string pre_key_procedure;
     std::string post_key_procedure;
     std::string undefined_key_procedure;
@@ -178,19 +176,11 @@ class TPUEditor : public Host {
     void hang_up();                              // the terminal is gone: the session ends
     void sleep(std::chrono::milliseconds time);  // or until Ctrl-C
 
-    // processes.cc
-    void poll_processes();
-    // Asks it to end; afterwards the session has no such process.
-    void dismiss_process(const std::shared_ptr<TPUProcess>& process);
-    void send_text(TPUProcess& process, std::string_view text);  // or says that it cannot
-    bool has_processes() const;                                  // also such as are asked to end
-    bool processes_talk() const;                                 // the last poll has found output
-    Awaited awaited_of_processes() const;
-
     // dispatch.cc
     void handle_event(const Event& event);
     void run_key_text(const std::string& text) override;  // statements, or a command
     void insert_paste(const std::string& text);
+    void send_text(TPUProcess& process, std::string_view text);  // or says that it cannot
 
     // running.cc
     bool interrupt_waiting() override;
@@ -235,9 +225,8 @@ class TPUEditor : public Host {
     void join_sessions();  // forgetting.cc
     void leave_sessions();
 
-    Clock::time_point last_look_;                                   // for Ctrl-C
-    std::vector<std::shared_ptr<TPUProcess>> dismissed_processes_;  // until they have ended
-    std::vector<std::unique_ptr<Buffer>> deleted_buffers_;          // until no code runs
+    Clock::time_point last_look_;                           // for Ctrl-C
+    std::vector<std::unique_ptr<Buffer>> deleted_buffers_;  // until no code runs
     std::vector<std::unique_ptr<TPUWindow>> deleted_windows_;
     std::vector<std::unique_ptr<KeyMapList>> replaced_key_map_lists_;
     ResizeMemory resize_memory_;

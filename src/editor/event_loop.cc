@@ -30,8 +30,8 @@ void attempt(InputMode& mode, Work work) {
 int serve(TPUEditor& editor) {
     int wait = kWithoutLimit;
     auto limit = [&](int most) { wait = wait < 0 ? most : std::min(wait, most); };
-    if (!editor.processes.empty()) limit(kServiceInterval);
-    if (editor.timer_interval >= 1) limit(std::min(editor.timer_interval, kServiceInterval));
+    if (!editor.processes.running.empty()) limit(kServiceInterval);
+    if (editor.timer.is_on()) limit(std::min(editor.timer.interval, kServiceInterval));
     if (flush_journals(editor, false)) limit(kServiceInterval);
     if (editor.open_files) editor.open_files->follow(editor.buffers);
     if (editor.recovery) {
@@ -46,7 +46,7 @@ Event wait_for_event(TPUEditor& editor, InputMode& mode) {
     attempt(mode, [&] { wait = serve(editor); });
     Awaited others;
     bool is_quiet =
-        !editor.processes_talk() && enough_memory([&] { others = editor.awaited_of_processes(); });
+        !editor.processes.talk() && enough_memory([&] { others = editor.processes.awaited(); });
     if (is_quiet) return editor.ports.terminal.read(wait, others);
     constexpr int kBetweenDrawings = 20;  // milliseconds, lest a flood draws all the time
     return editor.ports.terminal.read(std::min(kBetweenDrawings, wait), {});
@@ -66,17 +66,11 @@ void settle_files(TPUEditor& editor, InputMode& mode) {
     }
 }
 
-bool timer_is_due(const TPUEditor& editor) {
-    if (editor.timer_interval <= 0 || editor.timer_action.empty()) return false;
-    Clock::time_point now = editor.ports.clock.now();
-    return now - editor.timer_start >= std::chrono::milliseconds(editor.timer_interval);
-}
-
 void run_timer(TPUEditor& editor) {
     Unrecorded automatic(editor.parser.learning);
-    editor.parser.execute_text(std::string(editor.timer_action));
+    editor.parser.execute_text(std::string(editor.timer.action));
     // From its end on, so that one that takes longer than its period leaves time for keys.
-    editor.timer_start = editor.ports.clock.now();
+    editor.timer.start(editor.ports.clock);
 }
 
 // Processes and the timer change buffers. Where nothing is under way but a prompt, they do so
@@ -85,13 +79,13 @@ void run_timer(TPUEditor& editor) {
 // middle of it, so the timer waits until it has ended, and until a command has what it asked for.
 void serve_others(TPUEditor& editor, InputMode& mode) {
     const bool at_rest = mode.is_at_rest() && editor.parser.block_depth == 0;
-    const bool timer = at_rest && timer_is_due(editor);
-    if (!editor.has_processes() && !timer) return;
+    const bool timer = at_rest && editor.timer.is_due(editor.ports.clock);
+    if (!editor.processes.any() && !timer) return;
     mode.step_aside();
     attempt(mode, [&] {
         std::optional<BetweenSteps> between;
         if (at_rest) between.emplace(editor);
-        attempt(mode, [&] { editor.poll_processes(); });
+        attempt(mode, [&] { editor.processes.poll(); });
         if (timer && !enough_memory([&] { run_timer(editor); })) {
             editor.recover_memory(TPUEditor::kNothingDone);
         }

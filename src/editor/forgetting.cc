@@ -66,7 +66,7 @@ void leave_buffer(TPUEditor& editor, const Buffer* buffer) {
         window->buffer = editor.current_buffer;
         window->saved_valid = false;
     }
-    for (const auto& process : editor.processes) {
+    for (const auto& process : editor.processes.running) {
         if (process->output == buffer) process->output = nullptr;
     }
 }

@@ -36,7 +36,7 @@ class KeysMode : public InputMode {
 
 void TPUEditor::run() {
     define_default_keys();
-    timer_start = ports.clock.now();
+    timer.start(ports.clock);
     EndOnRequest requests;
     KeysMode keys(*this);
     if (running) run_mode(keys);

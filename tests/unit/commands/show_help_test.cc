@@ -157,8 +157,8 @@ TEST_F(ShowHelp, summary_and_system_have_their_rows) {
                                          "  Variables         1\n"
                                          "  Processes         0\n"
                                          "  Tests passed/fail 1 / 1\n");
-    session.editor.timer_interval = 500;
-    session.editor.timer_action = "tick";
+    session.editor.timer.interval = 500;
+    session.editor.timer.action = "tick";
     session.press("<F9>");
     EXPECT_EQ(after("SHOW SYSTEM"), "SHOW SYSTEM\n" + rule +
                                         "  Screen        24 x 80\n"

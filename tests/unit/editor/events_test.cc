@@ -22,7 +22,7 @@ struct Waiting : Session {
     void run(const std::string& source) { editor.parser.compile_text(source); }
     void set_timer(const std::string& action) {
         run("SET(TIMER, 100)");
-        editor.timer_action = action;
+        editor.timer.action = action;
     }
     // Presses keys; "~" is a pause in which nothing comes.
     void wait_and_press(std::string_view keys) {

@@ -311,17 +311,17 @@ TEST(AttachedProcess, gets_the_keys_while_it_is_attached) {
     Session s({""});
     auto process = std::make_shared<TPUProcess>();
     ASSERT_TRUE(process->start(s.system, "cat", s.buffer));
-    s.editor.processes.push_back(process);
-    s.editor.attached_process = process;
+    s.editor.processes.running.push_back(process);
+    s.editor.processes.attached = process;
     s.press("hi<BACKSPACE><RETURN><F9>");
     s.editor.insert_paste("pasted");
     s.press("<CTRL_D>");
     EXPECT_EQ(s.editor.message, "EOF sent; detached");
-    s.editor.attached_process = process;
-    while (!s.editor.processes.empty()) s.editor.poll_processes();
+    s.editor.processes.attached = process;
+    while (!s.editor.processes.running.empty()) s.editor.processes.poll();
     EXPECT_EQ(s.lines(), (Rows{"hi\b", "pasted"}));
-    EXPECT_EQ(s.editor.attached_process, nullptr);
-    s.editor.attached_process = process;
+    EXPECT_EQ(s.editor.processes.attached, nullptr);
+    s.editor.processes.attached = process;
     s.press("<CTRL_Z>x");
     EXPECT_EQ(s.lines(), (Rows{"hi\b", "pastedx"}));
 }
@@ -330,8 +330,8 @@ TEST(AttachedProcess, gets_characters_and_nothing_else) {
     Session s({""});
     auto process = std::make_shared<TPUProcess>();
     ASSERT_TRUE(process->start(s.system, "cat", s.buffer, Charset::utf8));
-    s.editor.processes.push_back(process);
-    s.editor.attached_process = process;
+    s.editor.processes.running.push_back(process);
+    s.editor.processes.attached = process;
     s.editor.pre_key_procedure = s.editor.post_key_procedure = "COPY_TEXT(\"!\")";
     s.editor.gold_pending = true;
     for (int key = 0; key < 500; ++key) {
@@ -344,7 +344,7 @@ TEST(AttachedProcess, gets_characters_and_nothing_else) {
     for (int c = 32; c < 256; ++c) expected += c == 127 ? '\b' : static_cast<char>(c);
     expected += "\b\n";  // the backspace key and Enter of the keypad
     s.editor.handle_event(Event::of_key(control('D')));
-    while (!s.editor.processes.empty()) s.editor.poll_processes();
+    while (!s.editor.processes.running.empty()) s.editor.processes.poll();
     EXPECT_EQ(s.buffer->lines.text(), expected);
 }
 
@@ -352,7 +352,7 @@ TEST(AttachedProcess, says_when_it_takes_no_more) {
     Session s({""});
     auto process = std::make_shared<TPUProcess>();
     ASSERT_TRUE(process->start(s.system, "sleep 1000", s.buffer));
-    s.editor.attached_process = process;
+    s.editor.processes.attached = process;
     s.editor.insert_paste(std::string((16 << 20) + 1, 'x'));
     EXPECT_TRUE(s.editor.message.starts_with("SEND: too much waits")) << s.editor.message;
 }
@@ -362,15 +362,15 @@ TEST(Processes, that_are_deleted_end_and_are_reaped) {
     auto run = [&](const char* statement) { s.editor.parser.execute_statement(statement); };
     run("p := CREATE_PROCESS(\"echo up; sleep 1000\")");
     run("ATTACH(p)");
-    const pid_t pid = s.editor.processes.front()->pid();
-    while (s.buffer->lines.size() < 2) s.editor.poll_processes();
+    const pid_t pid = s.editor.processes.running.front()->pid();
+    while (s.buffer->lines.size() < 2) s.editor.processes.poll();
     run("DELETE(p)");
-    EXPECT_TRUE(s.editor.processes.empty());
-    EXPECT_EQ(s.editor.attached_process, nullptr);
+    EXPECT_TRUE(s.editor.processes.running.empty());
+    EXPECT_EQ(s.editor.processes.attached, nullptr);
     const auto give_up = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     // A dead child is there until it is reaped.
     while (kill(pid, 0) == 0 && std::chrono::steady_clock::now() < give_up) {
-        s.editor.poll_processes();
+        s.editor.processes.poll();
     }
     EXPECT_EQ(kill(pid, 0), -1);
 }
@@ -381,10 +381,10 @@ TEST(Processes, that_are_deleted_and_will_not_end_are_killed_with_the_session) {
         Session s({""});
         auto run = [&](const char* text) { s.editor.parser.execute_statement(text); };
         run("p := CREATE_PROCESS(\"trap '' TERM PIPE; echo up; while :; do sleep 1; done\")");
-        pid = s.editor.processes.front()->pid();
-        while (s.buffer->lines.size() < 2) s.editor.poll_processes();
+        pid = s.editor.processes.running.front()->pid();
+        while (s.buffer->lines.size() < 2) s.editor.processes.poll();
         run("DELETE(p)");
-        s.editor.poll_processes();
+        s.editor.processes.poll();
         EXPECT_EQ(kill(pid, 0), 0);
     }
     EXPECT_EQ(kill(pid, 0), -1);
@@ -393,7 +393,7 @@ TEST(Processes, that_are_deleted_and_will_not_end_are_killed_with_the_session) {
 TEST(MainLoop, waits_for_processes_too_but_leaves_time_after_their_output) {
     Session s({""});
     s.editor.parser.execute_statement("CREATE_PROCESS(\"echo one; read x; echo two\")");
-    auto process = s.editor.processes.front();
+    auto process = s.editor.processes.running.front();
     s.terminal.before_key = [&] {
         if (process->pid() > 0) s.terminal.keys.push_front(kNoKey);
         if (s.buffer->lines.size() == 2) process->send("\n");
@@ -420,8 +420,8 @@ TEST(MainLoop, draws_once_for_keys_that_wait) {
 
 TEST(MainLoop, runs_the_timer_when_its_period_has_gone_by_since_the_last_run) {
     Session s({"1", "2", "3", "4"});
-    s.editor.timer_interval = 1500;
-    s.editor.timer_action = "ERASE_LINE";
+    s.editor.timer.interval = 1500;
+    s.editor.timer.action = "ERASE_LINE";
     s.terminal.before_key = [&] { s.clock.time += std::chrono::milliseconds(800); };
     s.terminal.keys = {kNoKey, kNoKey, kNoKey};  // at 800, 1600 and 2400 milliseconds
     s.editor.run();                              // and the hang-up at 3200
