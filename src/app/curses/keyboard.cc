@@ -181,13 +181,15 @@ void Keyboard::read_input() {
 // A paste whose end was lost would swallow all keys: what comes after a pause and may
 // be keys does not keep it open, and Ctrl-C ends it at once.
 void Keyboard::take(std::string_view bytes) {
+    const bool asks_for_end = bytes.find_first_not_of(kInterrupt) == std::string_view::npos;
     bool doubtful = bytes.size() <= kLongestKey && milliseconds_since(last_input_) >= kPause &&
                     decoder_.paste_is_open();
     decoder_.feed(bytes, doubtful);
-    if (!doubtful) {
-        last_input_ = std::chrono::steady_clock::now();
-    } else if (bytes.find_first_not_of(kInterrupt) == std::string_view::npos) {
+    if (doubtful && asks_for_end) {
         decoder_.end_paste();
+    } else if (!doubtful && !(asks_for_end && decoder_.paste_is_open())) {
+        // A Ctrl-C that is held down comes without a pause.
+        last_input_ = std::chrono::steady_clock::now();
     }
 }
 

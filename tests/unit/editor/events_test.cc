@@ -81,9 +81,9 @@ TEST(Prompts, keep_what_the_timer_does_out_of_what_is_done_with_their_answer) {
     s.set_timer("COPY_TEXT(\"t\"); SET(TIMER, 0)");
     s.run("LEARN_BEGIN");
     s.wait_and_press("<CTRL_Z>COPY_TEXT(\"~~~~x~~\")<RETURN>");
-    s.editor.learning = false;
+    s.editor.parser.learning.end();
     EXPECT_EQ(s.lines(), Rows{"txone two"});
-    EXPECT_EQ(*s.editor.learn_keys, Rows{"COPY_TEXT(\"x\")"});
+    EXPECT_EQ(s.editor.parser.learning.sequence()->statements, Rows{"COPY_TEXT(\"x\")"});
     s.press("y<GOLD>U");
     EXPECT_EQ(s.lines(), Rows{"txone two"});
     s.press("<GOLD>U");

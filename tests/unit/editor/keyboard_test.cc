@@ -103,6 +103,17 @@ TEST_F(Waiting, for_the_end_of_a_paste_is_over_with_control_c) {
     }
 }
 
+TEST_F(Waiting, for_the_end_of_a_paste_is_over_while_control_c_is_held_down) {
+    put(keys, "\033[200~text");
+    Event event;
+    for (int i = 0; event.kind == Event::Kind::none && i < 40; ++i) {
+        event = keyboard.read(30, {});
+        if (event.kind == Event::Kind::none) put(keys, "\003");
+    }
+    EXPECT_TRUE(event.text.starts_with("text"));
+    EXPECT_EQ(read_code(kLong, {}), 3);
+}
+
 TEST_F(Waiting, for_the_end_of_a_paste_goes_on_when_it_was_held_up) {
     for (std::string_view rest : {"y\033[201~", "y that is longer than any key\033[201~"}) {
         put(keys, "\033[200~text");

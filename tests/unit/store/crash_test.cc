@@ -221,7 +221,8 @@ void random_step(Session& s, std::mt19937& random, const std::string (&files)[2]
     } else {
         for (int n = 0; n < 5; ++n) s.press(keys[random() % std::size(keys)]);
     }
-    if (!s.editor.processes.running.empty()) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    if (!s.editor.processes.running.empty())
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
     s.editor.processes.poll();
     Buffer& buffer = *s.editor.current_buffer;
     if (buffer.lines.bytes() > 20'000) buffer.replace_text(0, 10'000, {});
