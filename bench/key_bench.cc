@@ -17,7 +17,7 @@ struct Bench {
     explicit Bench(LineStore lines) : editor({terminal, clock, system}, vocabulary()) {
         editor.charset = Charset::utf8;
         buffer = editor.create_buffer("MAIN", "");
-        buffer->lines = std::move(lines);
+        buffer->set_text(std::move(lines));
         editor.init_screen();
         editor.define_default_keys();
     }

@@ -22,7 +22,7 @@ Buffer& sample() {
     static bool filled = [] {
         std::string line = std::string(59, 'a') + " \n", text;
         while (text.size() < kBytes) text += line;
-        buffer.lines = tpu::LineStore::from_text(text);
+        buffer.set_text(tpu::LineStore::from_text(text));
         return true;
     }();
     benchmark::DoNotOptimize(filled);
@@ -39,7 +39,7 @@ void search(benchmark::State& state, const TPUPattern& pattern) {
         buffer.beginning_of_buffer();
         benchmark::DoNotOptimize(search_pattern_forward(buffer, pattern, false, false));
     }
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * buffer.lines.bytes()));
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * buffer.text().bytes()));
 }
 
 using Token = TPUPatternToken;
@@ -55,7 +55,7 @@ BENCHMARK_CAPTURE(search, absent_literal_first,
                   TPUPattern{{token(Token::kLiteral, "xyz"), token(Token::kSpan, "a")}, false});
 
 void plain_memmem(benchmark::State& state) {
-    std::string text = sample().lines.text(0, sample().lines.bytes());
+    std::string text = sample().text().text(0, sample().text().bytes());
     for (auto _ : state) benchmark::DoNotOptimize(memmem(text.data(), text.size(), "xyz", 3));
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
 }

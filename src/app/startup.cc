@@ -23,7 +23,7 @@ constexpr const char* kGreeting =
 
 void go_to_line(Buffer& buffer, std::uint64_t line) {
     if (line == 0) return;
-    buffer.cursor_row = std::min(line, buffer.lines.size()) - 1;
+    buffer.cursor_row = std::min(line, buffer.text().size()) - 1;
 }
 
 // Compiles and runs a file. False: there is none, or it cannot be read.

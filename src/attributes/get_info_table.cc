@@ -41,7 +41,7 @@ Value session_text(const Subject& s) {
 // Of a buffer.
 
 Value line_count(const Subject& s) {
-    return number(s.buffer.lines.size());
+    return number(s.buffer.text().size());
 }
 
 Value direction(const Subject& s) {
@@ -74,8 +74,8 @@ Value buffer_begin(const Subject& s) {
 }
 
 Value buffer_end(const Subject& s) {
-    std::uint64_t last = s.buffer.lines.size() - 1;
-    return Value::make_marker({&s.buffer, last, s.buffer.lines.length(last), false});
+    std::uint64_t last = s.buffer.text().size() - 1;
+    return Value::make_marker({&s.buffer, last, s.buffer.text().length(last), false});
 }
 
 Value whose_buffer(const Subject& s) {
@@ -93,12 +93,12 @@ Value whose_buffer(const Subject& s) {
 // Of a place. A marker may be older than the text: its row may be gone.
 
 bool beyond_end_of_line(const Marker& place) {
-    const LineStore& lines = place.buffer->lines;
+    const LineStore& lines = place.buffer->text();
     return place.row >= lines.size() || place.column > lines.length(place.row);
 }
 
 Value offset(const Subject& s) {
-    const LineStore& lines = s.place.buffer->lines;
+    const LineStore& lines = s.place.buffer->text();
     if (s.place.row >= lines.size()) return number(lines.bytes());
     return number(lines.row_start(s.place.row) +
                   std::min(s.place.column, lines.length(s.place.row)));

@@ -5,6 +5,8 @@
 // below). Work that a null pointer stands for is never stopped. Undo is a stack of snapshots of the
 // whole text, which LineStore makes free; callers take one with push_undo before they change
 // something.
+//
+// Every change of the text goes through edit() and is in a log, from which others learn of it.
 #pragma once
 
 #include <cstdint>
@@ -19,6 +21,7 @@
 #include "os/file_version.h"
 #include "os/work.h"
 #include "text/attr.h"
+#include "text/change_log.h"
 #include "text/charset.h"
 #include "text/line_store.h"
 
@@ -33,6 +36,7 @@ class Buffer {
         std::uint64_t cursor_row = 0;
         std::uint64_t cursor_column = 0;
         std::uint64_t view_line = 0;
+        std::uint64_t version = 0;  // of the text in the log of changes
 
         // Same text and same cursor; the view does not count.
         bool same_place_and_text(const Snapshot& other) const;
@@ -55,6 +59,7 @@ class Buffer {
         FileVersion version;  // theirs
         LineStore lines;      // ours
     };
+    struct LineBreak {};
     enum class Case { upper = 0, lower = 1, invert = 2 };
     static constexpr std::uint64_t kTabInterval = 8;
 
@@ -65,7 +70,6 @@ class Buffer {
 
     std::string name;
     std::string file_name;  // read from and written to; may be empty
-    LineStore lines;
     bool modified = false;
     bool insert_mode = true;  // false: overstrike
     bool modifiable = true;
@@ -114,6 +118,19 @@ class Buffer {
     std::uint64_t loading_size = 0;   // bytes of the file that is being loaded in steps; 0: none
     Ref<TextBlock> loaded_block;      // of that file
 
+    // buffer_edit.cc: the text, and the one way to change it
+    const LineStore& text() const { return text_; }
+    const ChangeLog& changes() const { return log_; }
+    // Puts a text in the place of the bytes [from, to), which are not past the end. Guarded:
+    // false, and nothing is done. Line feeds in a string are text like other bytes.
+    bool edit(std::uint64_t from, std::uint64_t to, std::string_view text);
+    bool edit(std::uint64_t from, std::uint64_t to, const LineStore& text);
+    bool edit(std::uint64_t from, std::uint64_t to, LineBreak);
+    // Another text, to which no changes lead. Neither cursor nor `modified` are touched.
+    void set_text(LineStore text);
+    // Counts line breaks anew, in what can be undone too: the text has changed in place.
+    void recount_lines();
+
     // buffer_cursor.cc: cursor, marks, selection
     void clamp_cursor();
     std::string current_line();                    // a copy; line_length() where the size will do
@@ -126,6 +143,7 @@ class Buffer {
     void beginning_of_buffer();
     void end_of_buffer();
     void position(const Marker& marker);  // one of another buffer is ignored
+    void go_to(std::uint64_t offset);     // of the text, at most its size
     Marker mark(bool free);
     void select();
     std::optional<Range> select_range();
@@ -200,6 +218,24 @@ class Buffer {
     void erase_character_left(Charset charset);
     void erase_character_at_cursor(Charset charset);
     void type_character(std::string_view character, Charset charset);  // as copy_text(char)
+
+  private:
+    // Lets `replace` do what the numbers of bytes say. Not guarded.
+    template <class Replace>
+    void change(std::uint64_t from, std::uint64_t to, std::uint64_t inserted, Replace replace) {
+        log_.make_room();  // or a change might be made that nobody learns of
+        replace();
+        log_.add(from, to - from, inserted);
+        modified = true;
+    }
+    // Makes this the text, which differs in the rows [first, last) alone. Not guarded.
+    void replace_rows(std::uint64_t first, std::uint64_t last, LineStore text);
+    std::vector<std::string> box_of(std::uint64_t row1, std::uint64_t row2, std::uint64_t col1,
+                                    std::uint64_t col2, Work* work) const;
+    bool travel(std::vector<Snapshot>& from, std::vector<Snapshot>& to);
+
+    LineStore text_;
+    ChangeLog log_;
 };
 
 }  // namespace tpu

@@ -9,8 +9,8 @@ namespace {
 
 std::uint64_t size_before(const Buffer& buffer, Charset charset) {
     Position here{buffer.cursor_row, buffer.cursor_column};
-    if (here.column > buffer.lines.length(here.row)) return 1;  // a free cursor past the text
-    return character_size_before(buffer.lines, here, charset);
+    if (here.column > buffer.text().length(here.row)) return 1;  // a free cursor past the text
+    return character_size_before(buffer.text(), here, charset);
 }
 
 }  // namespace
@@ -18,7 +18,7 @@ std::uint64_t size_before(const Buffer& buffer, Charset charset) {
 bool Buffer::leave_character(Charset charset) {
     clamp_cursor();
     if (charset == Charset::bytes) return false;
-    std::uint64_t start = character_start(lines, {cursor_row, cursor_column});
+    std::uint64_t start = character_start(text_, {cursor_row, cursor_column});
     if (start == cursor_column) return false;
     cursor_column = start;
     return true;
@@ -32,7 +32,7 @@ void Buffer::move_character_left(Charset charset) {
 
 void Buffer::move_character_right(Charset charset) {
     leave_character(charset);
-    std::uint64_t size = character_size(lines, {cursor_row, cursor_column}, charset);
+    std::uint64_t size = character_size(text_, {cursor_row, cursor_column}, charset);
     move_horizontal(size == 0 ? 1 : static_cast<int>(size));
 }
 
@@ -44,7 +44,7 @@ void Buffer::erase_character_left(Charset charset) {
 
 void Buffer::erase_character_at_cursor(Charset charset) {
     leave_character(charset);
-    std::uint64_t size = character_size(lines, {cursor_row, cursor_column}, charset);
+    std::uint64_t size = character_size(text_, {cursor_row, cursor_column}, charset);
     erase_n_characters(size == 0 ? 1 : static_cast<int>(size));
 }
 

@@ -17,39 +17,39 @@ std::uint64_t magnitude(int n) {
 }  // namespace
 
 void Buffer::clamp_cursor() {
-    cursor_row = std::min(cursor_row, lines.size() - 1);
+    cursor_row = std::min(cursor_row, text_.size() - 1);
     if (cursor_column == 0) return;
-    std::uint64_t length = lines.length(cursor_row);
+    std::uint64_t length = text_.length(cursor_row);
     if (cursor_column <= length) return;
     cursor_column = free_cursor ? std::min(cursor_column, kFreeCursorLimit) : length;
 }
 
 std::string Buffer::current_line() {
     clamp_cursor();
-    return lines[cursor_row];
+    return text_[cursor_row];
 }
 
 std::uint64_t Buffer::line_length() {
     clamp_cursor();
-    return lines.length(cursor_row);
+    return text_.length(cursor_row);
 }
 
 char Buffer::current_character() const {
-    std::uint64_t row = std::min(cursor_row, lines.size() - 1);
-    if (cursor_column >= lines.length(row)) return '\n';
-    return static_cast<char>(lines.at({row, cursor_column}));
+    std::uint64_t row = std::min(cursor_row, text_.size() - 1);
+    if (cursor_column >= text_.length(row)) return '\n';
+    return static_cast<char>(text_.at({row, cursor_column}));
 }
 
 std::uint64_t Buffer::current_offset_in_line() const {
-    std::uint64_t row = std::min(cursor_row, lines.size() - 1);
-    return lines.offset({row, std::min(cursor_column, lines.length(row))});
+    std::uint64_t row = std::min(cursor_row, text_.size() - 1);
+    return text_.offset({row, std::min(cursor_column, text_.length(row))});
 }
 
 void Buffer::move_vertical(int n) {
     if (n < 0) {
         cursor_row -= std::min(cursor_row, magnitude(n));
     } else if (n > 0) {
-        cursor_row = std::min(cursor_row + magnitude(n), lines.size() - 1);
+        cursor_row = std::min(cursor_row + magnitude(n), text_.size() - 1);
     }
     clamp_cursor();
 }
@@ -62,17 +62,17 @@ void Buffer::move_horizontal(int n) {
             cursor_column -= count;
         } else if (cursor_row > 0) {
             // Deliberate: one line end at most, the rest of the count is dropped.
-            cursor_column = lines.length(--cursor_row);
+            cursor_column = text_.length(--cursor_row);
         } else {
             cursor_column = 0;
         }
     } else if (n > 0 && free_cursor) {
         cursor_column = std::min(cursor_column + count, kFreeCursorLimit);
     } else if (n > 0) {
-        std::uint64_t length = lines.length(cursor_row);
+        std::uint64_t length = text_.length(cursor_row);
         if (cursor_column + count <= length) {
             cursor_column += count;
-        } else if (cursor_row + 1 == lines.size()) {
+        } else if (cursor_row + 1 == text_.size()) {
             cursor_column = length;
         } else {
             ++cursor_row;
@@ -83,10 +83,10 @@ void Buffer::move_horizontal(int n) {
 
 void Buffer::materialize_cursor_column() {
     clamp_cursor();
-    std::uint64_t length = lines.length(cursor_row);
+    std::uint64_t length = text_.length(cursor_row);
     if (cursor_column <= length || !modifiable) return;
-    lines.insert(lines.offset({cursor_row, length}), std::string(cursor_column - length, ' '));
-    modified = true;
+    const std::uint64_t end = text_.offset({cursor_row, length});
+    edit(end, end, std::string(cursor_column - length, ' '));
 }
 
 void Buffer::beginning_of_buffer() {
@@ -94,8 +94,8 @@ void Buffer::beginning_of_buffer() {
 }
 
 void Buffer::end_of_buffer() {
-    cursor_row = lines.size() - 1;
-    cursor_column = lines.length(cursor_row);
+    cursor_row = text_.size() - 1;
+    cursor_column = text_.length(cursor_row);
 }
 
 void Buffer::position(const Marker& marker) {
@@ -103,6 +103,12 @@ void Buffer::position(const Marker& marker) {
     cursor_row = marker.row;
     cursor_column = marker.column;
     clamp_cursor();
+}
+
+void Buffer::go_to(std::uint64_t offset) {
+    const Position place = text_.position(offset);
+    cursor_row = place.row;
+    cursor_column = place.column;
 }
 
 Marker Buffer::mark(bool free) {

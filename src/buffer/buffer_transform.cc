@@ -1,6 +1,7 @@
 // Changes to the characters of a text: fill, case, translation, shift.
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "buffer/buffer.h"
 #include "text/ascii.h"
@@ -29,13 +30,13 @@ ByteMap translation(std::string_view from, std::string_view to) {
     return map;
 }
 
-// Maps every byte of [from, to) that is not a line break. False: the work was stopped.
-bool map_bytes(LineStore& lines, std::uint64_t from, std::uint64_t to, const ByteMap& map,
-               Work& work) {
+// The bytes [from, to), each that is no line break mapped. Nothing: the work was stopped.
+std::optional<LineStore> mapped_bytes(const LineStore& lines, std::uint64_t from, std::uint64_t to,
+                                      const ByteMap& map, Work& work) {
     TextBuilder mapped;
     std::string part;
     for (std::uint64_t at = from; at < to;) {
-        if (!work.goes_on()) return false;
+        if (!work.goes_on()) return std::nullopt;
         LineStore::Chunk chunk = lines.chunk_at(at);
         std::string_view rest = chunk.text.substr(at - chunk.begin, to - at);
         std::size_t size = chunk.raw ? rest.size() : std::min(rest.find('\n'), rest.size());
@@ -48,8 +49,15 @@ bool map_bytes(LineStore& lines, std::uint64_t from, std::uint64_t to, const Byt
             ++at;
         }
     }
-    lines.replace(from, to, mapped.take());
-    return true;
+    return mapped.take();
+}
+
+void map_bytes(Buffer& buffer, std::uint64_t from, std::uint64_t to, const ByteMap& map,
+               Work* work) {
+    Work unwatched;
+    std::optional<LineStore> mapped =
+        mapped_bytes(buffer.text(), from, to, map, work ? *work : unwatched);
+    if (mapped) buffer.edit(from, to, *mapped);
 }
 
 // The rows and columns of a range, cut to what the text has, as offsets.
@@ -151,51 +159,45 @@ char Buffer::xform_case(char c, Case mode) {
 
 void Buffer::change_case_buffer(Case mode, Work* work) {
     if (!modifiable) return;
-    Work unwatched;
-    modified |= map_bytes(lines, 0, lines.bytes(), case_map(mode), work ? *work : unwatched);
+    map_bytes(*this, 0, text_.bytes(), case_map(mode), work);
 }
 
 void Buffer::change_case_range(const Range& range, Case mode, Work* work) {
     if (!modifiable || range.buffer() != this) return;
-    auto [from, to] = offsets(lines, range);
-    Work unwatched;
-    modified |= map_bytes(lines, from, to, case_map(mode), work ? *work : unwatched);
+    auto [from, to] = offsets(text_, range);
+    map_bytes(*this, from, to, case_map(mode), work);
 }
 
 void Buffer::change_case_word(Case mode) {
     if (!modifiable) return;
     clamp_cursor();
-    std::uint64_t begin = find_blank(lines, {cursor_row, cursor_column}, false);
-    std::uint64_t end = find_blank(lines, {cursor_row, begin}, true);
-    Work unwatched;
-    map_bytes(lines, lines.offset({cursor_row, begin}), lines.offset({cursor_row, end}),
-              case_map(mode), unwatched);
+    std::uint64_t begin = find_blank(text_, {cursor_row, cursor_column}, false);
+    std::uint64_t end = find_blank(text_, {cursor_row, begin}, true);
+    map_bytes(*this, text_.offset({cursor_row, begin}), text_.offset({cursor_row, end}),
+              case_map(mode), nullptr);
     cursor_column = std::max(cursor_column, end);
-    modified = true;
 }
 
 void Buffer::translate(std::string_view from, std::string_view to, Work* work) {
     if (!modifiable || from.empty()) return;
-    Work unwatched;
-    modified |= map_bytes(lines, 0, lines.bytes(), translation(from, to), work ? *work : unwatched);
+    map_bytes(*this, 0, text_.bytes(), translation(from, to), work);
 }
 
 void Buffer::translate_range(const Range& range, std::string_view from, std::string_view to,
                              Work* work) {
     if (!modifiable || from.empty() || range.buffer() != this) return;
-    auto [begin, end] = offsets(lines, range);
-    Work unwatched;
-    modified |= map_bytes(lines, begin, end, translation(from, to), work ? *work : unwatched);
+    auto [begin, end] = offsets(text_, range);
+    map_bytes(*this, begin, end, translation(from, to), work);
 }
 
 // Deliberate: works on an unmodifiable buffer too, and on every line of it.
 void Buffer::shift_columns(int n, Work* work) {
-    shift_rows(0, lines.size() - 1, n, work);
+    shift_rows(0, text_.size() - 1, n, work);
 }
 
 void Buffer::shift_rows(std::uint64_t first, std::uint64_t last, int n, Work* work) {
     Work unwatched, &watched = work ? *work : unwatched;
-    last = std::min(last, lines.size() - 1);
+    last = std::min(last, text_.size() - 1);
     if (n == 0 || first > last) {
         modified = true;
         return;
@@ -206,22 +208,22 @@ void Buffer::shift_rows(std::uint64_t first, std::uint64_t last, int n, Work* wo
     TextBuilder shifted;
     const std::string spaces(inserted, ' ');
     const std::uint64_t dropped = n < 0 ? -static_cast<std::uint64_t>(n) : 0;
-    const std::uint64_t begin = lines.row_start(first);
+    const std::uint64_t begin = text_.row_start(first);
     std::uint64_t start = begin, end = begin;
     for (std::uint64_t row = first; row <= last; ++row) {
         if (!watched.goes_on()) return;
         if (row > first) shifted.append_break();
         shifted.append(spaces);
-        end = start + lines.length(row);
+        end = start + text_.length(row);
         std::uint64_t kept = std::min(start + dropped, end);
-        lines.for_each_span(kept, end, [&](std::string_view span) {
+        text_.for_each_span(kept, end, [&](std::string_view span) {
             shifted.append(span);
             return true;
         });
         start = end + 1;
     }
-    lines.replace(begin, end, shifted.take());
-    modified = true;
+    const LineStore fresh = shifted.take();
+    change(begin, end, fresh.bytes(), [&] { text_.replace(begin, end, fresh); });
 }
 
 }  // namespace tpu

@@ -39,7 +39,7 @@ class Typist {
         : buffer_(buffer),
           charset_(charset),
           work_(work),
-          head_(buffer.lines.slice({buffer.cursor_row, 0}, buffer.cursor_column)) {}
+          head_(buffer.text().slice({buffer.cursor_row, 0}, buffer.cursor_column)) {}
 
     // False: the work was over before its end.
     bool type(std::string_view text) {
@@ -67,6 +67,8 @@ class Typist {
     std::uint64_t rows() const { return rows_; }
     std::uint64_t column() const { return head_.size(); }
     std::uint64_t overwritten() const { return overwritten_; }
+    // So many bytes at the begin of the line are as they were.
+    std::uint64_t kept() const { return std::min(kept_, buffer_.cursor_column); }
 
     // The typed lines; the last one ends at the cursor.
     LineStore take() {
@@ -79,7 +81,7 @@ class Typist {
         head_ += character;
         if (!buffer_.insert_mode) {
             Position under{buffer_.cursor_row, buffer_.cursor_column + overwritten_};
-            overwritten_ += character_size(buffer_.lines, under, charset_);
+            overwritten_ += character_size(buffer_.text(), under, charset_);
         }
         if (wraps(buffer_) && head_.size() > buffer_.right_margin &&
             ascii::is_space(character.back())) {
@@ -95,6 +97,7 @@ class Typist {
             return;
         }
         blank += std::exchange(no_blank_, 0);
+        kept_ = std::min<std::uint64_t>(kept_, rows_ == 0 ? blank : kept_);
         end_line(std::string_view(head_).substr(0, blank));
         const std::string indent = indent_of(buffer_);
         work_.may_add(indent.size());
@@ -113,6 +116,7 @@ class Typist {
     std::string head_;
     std::size_t no_blank_ = 0;  // the first bytes of the head, known to be no blanks
     std::uint64_t overwritten_ = 0;
+    std::uint64_t kept_ = UINT64_MAX;
     std::uint64_t rows_ = 0;
     TextBuilder done_;
 };
@@ -154,14 +158,11 @@ void Buffer::type_character(std::string_view character, Charset charset) {
     if (!modifiable) return;
     materialize_cursor_column();
     leave_character(charset);
-    std::uint64_t offset = lines.offset({cursor_row, cursor_column});
-    if (!insert_mode) {
-        std::uint64_t under = character_size(lines, {cursor_row, cursor_column}, charset);
-        lines.erase(offset, offset + under);
-    }
-    lines.insert(offset, character);
+    std::uint64_t offset = text_.offset({cursor_row, cursor_column});
+    std::uint64_t under =
+        insert_mode ? 0 : character_size(text_, {cursor_row, cursor_column}, charset);
+    edit(offset, offset + under, character);
     cursor_column += character.size();
-    modified = true;
     if (wraps(*this) && cursor_column > right_margin && ascii::is_space(character.back())) {
         wrap_current_line();
     }
@@ -177,26 +178,27 @@ Range Buffer::copy_text(std::string_view text, Charset charset, Work* work) {
         materialize_cursor_column();
     }
     leave_character(charset);
-    std::uint64_t rows = 0, column = cursor_column, line_start = lines.row_start(cursor_row);
+    std::uint64_t rows = 0, column = cursor_column, line_start = text_.row_start(cursor_row);
     bool as_it_is = insert_mode && !wraps(*this);
     if (as_it_is && text.find_first_of("\n\t") == std::string_view::npos) {
-        lines.insert(line_start + cursor_column, text);
+        edit(line_start + cursor_column, line_start + cursor_column, text);
         column += text.size();
     } else if (as_it_is) {
         LineStore typed = expand_tabs(*this, text, rows, column, watched);
         if (watched.end != Work::End::done) return Range(start, start);
-        lines.insert(line_start + cursor_column, typed);
+        edit(line_start + cursor_column, line_start + cursor_column, typed);
     } else {
         Typist typist(*this, charset, watched);
         if (!typist.type(text)) return Range(start, start);
         rows = typist.rows();
         column = typist.column();
         std::uint64_t end = line_start + cursor_column + typist.overwritten();
-        lines.replace(line_start, end, typist.take());
+        const LineStore typed = typist.take();
+        const std::uint64_t kept = typist.kept();
+        edit(line_start + kept, end, kept == 0 ? typed : typed.part(kept, typed.bytes()));
     }
     cursor_row += rows;
     cursor_column = column;
-    modified = true;
     return Range(start, mark(false));
 }
 
@@ -212,10 +214,10 @@ void Buffer::copy_lines(const LineStore& text, Charset charset, Work* work) {
     materialize_cursor_column();
     leave_character(charset);
     std::uint64_t last_row = text.size() - 1;
-    lines.insert(lines.offset({cursor_row, cursor_column}), text);
+    const std::uint64_t here = text_.offset({cursor_row, cursor_column});
+    edit(here, here, text);
     cursor_column = text.length(last_row) + (last_row == 0 ? cursor_column : 0);
     cursor_row += last_row;
-    modified = true;
 }
 
 void Buffer::insert_tab(Charset charset) {
@@ -228,27 +230,25 @@ void Buffer::insert_tab(Charset charset) {
 void Buffer::wrap_current_line() {
     if (!modifiable) return;
     clamp_cursor();
-    std::uint64_t length = lines.length(cursor_row);
+    std::uint64_t length = text_.length(cursor_row);
     if (length <= right_margin) return;
-    std::uint64_t start = lines.row_start(cursor_row);
+    std::uint64_t start = text_.row_start(cursor_row);
     // Look for the last blank before the cursor, a stretch at a time.
     constexpr std::uint64_t kStretch = 256;
     std::uint64_t p = std::min(cursor_column, length);
     std::size_t blank = std::string::npos;
     while (p > 0 && blank == std::string::npos) {
         std::uint64_t from = p - std::min(p, kStretch);
-        blank = lines.text(start + from, start + p).find_last_of(" \t");
+        blank = text_.text(start + from, start + p).find_last_of(" \t");
         p = from;
     }
     if (blank == std::string::npos) return;
     std::uint64_t cut = p + blank;
-    lines.erase(start + cut, start + cut + 1);
-    lines.insert_break(start + cut);
+    edit(start + cut, start + cut + 1, LineBreak());
     std::string indent = indent_of(*this);
-    lines.insert(start + cut + 1, indent);
+    edit(start + cut + 1, start + cut + 1, indent);
     ++cursor_row;
-    cursor_column = std::min(cursor_column - cut - 1 + indent.size(), lines.length(cursor_row));
-    modified = true;
+    cursor_column = std::min(cursor_column - cut - 1 + indent.size(), text_.length(cursor_row));
 }
 
 }  // namespace tpu

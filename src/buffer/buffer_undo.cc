@@ -9,11 +9,12 @@ bool Buffer::Snapshot::same_place_and_text(const Snapshot& other) const {
 }
 
 Buffer::Snapshot Buffer::snap() const {
-    return {lines, cursor_row, cursor_column, view_line};
+    return {text_, cursor_row, cursor_column, view_line, log_.version()};
 }
 
 void Buffer::restore_snap(const Snapshot& snapshot) {
-    lines = snapshot.lines;
+    log_.go_back_to(snapshot.version);
+    text_ = snapshot.lines;
     cursor_row = snapshot.cursor_row;
     cursor_column = snapshot.cursor_column;
     view_line = snapshot.view_line;
@@ -25,8 +26,10 @@ Buffer::State Buffer::state() const {
             file_time, undo_stack.size(), redo_stack.size()};
 }
 
-// The stacks have room for the steps that were taken from them.
+// The stacks have room for the steps that were taken from them, and a log that has ended
+// takes nothing.
 void Buffer::put_back(const State& state) noexcept {
+    if (log_.version() != state.text.version) log_.end();
     if (undo_stack.size() + redo_stack.size() == state.undo_steps + state.redo_steps) {
         while (redo_stack.size() > state.redo_steps) redo();
         while (undo_stack.size() > state.undo_steps) undo();
@@ -35,12 +38,20 @@ void Buffer::put_back(const State& state) noexcept {
     select_anchor = state.select_anchor;
     box_select = state.box_select;
     bool saved = file_time != state.file_time;
-    modified = saved ? !lines.is_same_version(saved_lines) : state.modified;
+    modified = saved ? !text_.is_same_version(saved_lines) : state.modified;
 }
 
+namespace {
+
+void make_room(std::vector<Buffer::Snapshot>& stack) {
+    std::size_t size = stack.size();
+    if (size == stack.capacity()) stack.reserve(size * 2 + 8);
+}
+
+}  // namespace
+
 void Buffer::make_room_for_undo() {
-    std::size_t size = undo_stack.size();
-    if (size == undo_stack.capacity()) undo_stack.reserve(size * 2 + 8);
+    make_room(undo_stack);
 }
 
 void Buffer::push_undo(bool clear_redo) {
@@ -62,30 +73,27 @@ void Buffer::go_back_to(const Snapshot& snapshot) {
     ++history_moves;
 }
 
-namespace {
-
-// Puts the present state on one stack and takes the newest of the other.
-bool travel(Buffer& buffer, std::vector<Buffer::Snapshot>& from,
-            std::vector<Buffer::Snapshot>& to) {
+// Puts the present state on one stack and takes the newest of the other: both or, when memory
+// is too short, neither.
+bool Buffer::travel(std::vector<Snapshot>& from, std::vector<Snapshot>& to) {
     if (from.empty()) return false;
-    to.push_back(buffer.snap());
-    buffer.last_restored = std::move(from.back());
+    make_room(to);
+    Snapshot now = snap();
+    restore_snap(from.back());
+    undo_enabled = true;  // Deliberate: who goes back wants steps to be kept.
+    to.push_back(std::move(now));
+    last_restored = std::move(from.back());
     from.pop_back();
-    buffer.undo_enabled = false;
-    buffer.restore_snap(buffer.last_restored);
-    buffer.undo_enabled = true;
-    ++buffer.history_moves;
+    ++history_moves;
     return true;
 }
 
-}  // namespace
-
 bool Buffer::undo() {
-    return travel(*this, undo_stack, redo_stack);
+    return travel(undo_stack, redo_stack);
 }
 
 bool Buffer::redo() {
-    return travel(*this, redo_stack, undo_stack);
+    return travel(redo_stack, undo_stack);
 }
 
 }  // namespace tpu

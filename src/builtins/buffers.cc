@@ -40,13 +40,13 @@ void read_file(Call& call) {
     if (!load_file(file, name, Loading::at_once, editor_of(call).interrupted())) {
         return editor_of(call).set_message("READ_FILE: cannot open " + name);
     }
-    call.buffer().copy_lines(file.lines, editor_of(call).charset);
+    call.buffer().copy_lines(file.text(), editor_of(call).charset);
 }
 
 bool write_range(const Range& range, const std::string& name) {
     Buffer part("", name);
     part.backup_on_write = range.buffer()->backup_on_write;
-    part.lines = range.buffer()->lines_of_range(range);
+    part.set_text(range.buffer()->lines_of_range(range));
     return write_file(part, name);
 }
 

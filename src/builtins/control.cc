@@ -12,7 +12,7 @@ namespace {
 // What a buffer, a range or any other text says as source.
 std::string source_text(const Value& value) {
     const Buffer* buffer = value.is(Value::Type::buffer) ? value.buffer() : nullptr;
-    return buffer ? buffer->lines.text() : value.as_string();
+    return buffer ? buffer->text().text() : value.as_string();
 }
 
 bool is_source(const Value& value) {

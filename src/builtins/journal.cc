@@ -25,7 +25,7 @@ bool is_empty_journal(const std::string& path) {
 // cursor at its begin.
 void record_start(JournalMirror& mirror, const Buffer& buffer) {
     if (buffer.modified || buffer.file_name.empty()) return;
-    const std::vector<std::string> changes = text_changes(buffer.saved_lines, buffer.lines);
+    const std::vector<std::string> changes = text_changes(buffer.saved_lines, buffer.text());
     for (const std::string& statement : changes) mirror.record(statement);
     const std::uint64_t place = buffer.current_offset_in_line();
     if (place > 0 || !changes.empty()) mirror.record(text_place(place));

@@ -46,8 +46,8 @@ Value place_at_end(Call& call, bool end) {
     } else if (!buffer) {
         return wrong_type(call, "a buffer or a range");
     } else if (end) {
-        marker.row = buffer->lines.size() - 1;
-        marker.column = buffer->lines.length(marker.row);
+        marker.row = buffer->text().size() - 1;
+        marker.column = buffer->text().length(marker.row);
     }
     return Value::make_marker(marker);
 }
@@ -90,7 +90,7 @@ void scroll(Call& call) {
     std::uint64_t& top = target->view_line;
     std::uint64_t up = lines < 0 ? 0 - static_cast<std::uint64_t>(lines) : 0;
     top = lines < 0 ? top - std::min(top, up) : top + static_cast<std::uint64_t>(lines);
-    top = std::min(top, target->lines.size() - 1);
+    top = std::min(top, target->text().size() - 1);
 }
 
 void go_to(Call& call, const Marker& marker) {

@@ -22,7 +22,7 @@ void buffer_command(TPUEditor& editor, const std::vector<std::string>& words) {
 void compile_current_buffer(TPUEditor& editor) {
     if (!editor.current_buffer) return;
     long long before = editor.parser.error_count;
-    editor.parser.compile_text(editor.current_buffer->lines.text());
+    editor.parser.compile_text(editor.current_buffer->text().text());
     long long faults = editor.parser.error_count - before;
     if (faults == 0) return editor.set_message("Compiled current buffer");
     editor.set_message("Compiled current buffer, faults: " + std::to_string(faults) +

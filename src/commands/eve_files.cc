@@ -52,7 +52,7 @@ void include_file(TPUEditor& editor, Line line) {
     if (!load_file(included, file, Loading::at_once, editor.interrupted())) {
         return editor.set_message("Cannot include " + file);
     }
-    editor.current_buffer->copy_lines(included.lines, editor.charset);
+    editor.current_buffer->copy_lines(included.text(), editor.charset);
     editor.set_message("Included " + file);
 }
 
@@ -73,7 +73,7 @@ void reload(TPUEditor& editor, Line) {
     }
     buffer.cursor_row = before.cursor_row;
     buffer.cursor_column = before.cursor_column;
-    buffer.view_line = std::min(before.view_line, buffer.lines.size() - 1);
+    buffer.view_line = std::min(before.view_line, buffer.text().size() - 1);
     buffer.clamp_cursor();
     editor.set_message("Reloaded " + file);
 }

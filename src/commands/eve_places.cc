@@ -20,7 +20,7 @@ void go_to_line(TPUEditor& editor, Line line) {
     std::optional<std::uint64_t> wanted = line.number(2);
     if (!wanted) return editor.set_message("Bad line number");
     Buffer& buffer = *editor.current_buffer;
-    buffer.cursor_row = std::min(*wanted, buffer.lines.size()) - 1;
+    buffer.cursor_row = std::min(*wanted, buffer.text().size()) - 1;
     buffer.cursor_column = 0;
     editor.set_message("Line " + std::to_string(buffer.cursor_row + 1));
 }
@@ -38,7 +38,7 @@ void go_to_column(TPUEditor& editor, Line line) {
 void what_line(TPUEditor& editor, Line) {
     const Buffer& buffer = *editor.current_buffer;
     editor.set_message("Line " + std::to_string(buffer.cursor_row + 1) + " of " +
-                       std::to_string(buffer.lines.size()) + "  Col " +
+                       std::to_string(buffer.text().size()) + "  Col " +
                        std::to_string(buffer.cursor_column + 1));
 }
 

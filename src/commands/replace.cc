@@ -87,7 +87,7 @@ class Replacing {
         const std::uint64_t longer =
             wanted_.new_text.size() - std::min(wanted_.old_text.size(), wanted_.new_text.size());
         while (done_ < wanted_.most && work_.end == Work::End::done) {
-            std::optional<std::uint64_t> found = buffer.lines.find(wanted_.old_text, from, to);
+            std::optional<std::uint64_t> found = buffer.text().find(wanted_.old_text, from, to);
             if (!found) break;
             buffer.replace_bytes(*found, wanted_.old_text.size(), wanted_.new_text);
             from = *found + wanted_.new_text.size();
@@ -125,11 +125,11 @@ void replace(TPUEditor& editor, const CommandLine& line) {
     // As a search: from behind the cursor on, and then from the top, each place once.
     std::uint64_t length = buffer.line_length();
     std::uint64_t start =
-        buffer.lines.offset({buffer.cursor_row, std::min(buffer.cursor_column + 1, length)});
+        buffer.text().offset({buffer.cursor_row, std::min(buffer.cursor_column + 1, length)});
     Replacing replacing(editor, *wanted);
     if (!wanted->old_text.empty()) {
-        replacing.between(start, buffer.lines.bytes());
-        replacing.between(0, std::min(start + wanted->old_text.size() - 1, buffer.lines.bytes()));
+        replacing.between(start, buffer.text().bytes());
+        replacing.between(0, std::min(start + wanted->old_text.size() - 1, buffer.text().bytes()));
     }
     editor.set_message(replacing.message());
 }

@@ -92,7 +92,7 @@ void TPUEditor::open_show_buffer(const std::string& name, const std::string& tex
     if (lines.ends_with('\n')) lines.remove_suffix(1);
     Buffer& buffer = own_buffer(*this, name);
     buffer.modifiable = true;
-    buffer.lines = LineStore::from_text(lines);
+    buffer.set_text(LineStore::from_text(lines));
     buffer.cursor_row = buffer.cursor_column = buffer.view_line = 0;
     buffer.select_anchor.reset();
     buffer.video_regions.clear();

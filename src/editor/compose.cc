@@ -67,9 +67,9 @@ class WindowPainter {
     void paint_row(int y, std::uint64_t line) {
         surface_.blank(y, window_.left, width_);
         Field text{y, window_.left + gutter_, width_ - gutter_};
-        if (line == buffer_.lines.size()) {
+        if (line == buffer_.text().size()) {
             draw_text(surface_, text, buffer_.eob_text, editor_.charset, Attr::dim);
-        } else if (line < buffer_.lines.size()) {
+        } else if (line < buffer_.text().size()) {
             if (gutter_ > 0) paint_number(y, line);
             paint_line(text, line);
         }
@@ -84,7 +84,7 @@ class WindowPainter {
     // A cell for each byte: the glyph in the first cells of its bytes, the rest blank.
     void paint_line(Field field, std::uint64_t line) {
         auto width = static_cast<std::uint64_t>(field.width);
-        std::string bytes = buffer_.lines.slice({line, 0}, width + kLongestCharacter - 1);
+        std::string bytes = buffer_.text().slice({line, 0}, width + kLongestCharacter - 1);
         for (int c = 0; c < field.width; ++c) {
             surface_.put(field.row, field.col + c, {U' ', attr_at(line, c)});
         }

@@ -105,7 +105,7 @@ JournalMirror::JournalMirror(Buffer& buffer) : buffer_(buffer) {
 
 // Needs no memory. Tab stops are looked at when they matter.
 void JournalMirror::capture() {
-    replayed_.lines = buffer_.lines;
+    replayed_.set_text(buffer_.text());
     replayed_.cursor_row = buffer_.cursor_row;
     replayed_.cursor_column = buffer_.cursor_column;
     take_anchor();
@@ -181,8 +181,8 @@ void JournalMirror::take_anchor() {
 
 // Equal texts are made one, so that comparing them again takes no time.
 bool JournalMirror::has_same_text() {
-    if (replayed_.lines != buffer_.lines) return false;
-    replayed_.lines = buffer_.lines;
+    if (replayed_.text() != buffer_.text()) return false;
+    replayed_.set_text(buffer_.text());
     return true;
 }
 
@@ -243,7 +243,7 @@ void JournalMirror::follow_text(Charset charset, Clock::time_point now) {
 bool JournalMirror::follow_typing(Charset charset, Clock::time_point now) {
     std::uint64_t from = cursor_offset(replayed_), to = cursor_offset(buffer_);
     if (to <= from || to - from > CopiedPieces::kLongest) return false;
-    std::string text = buffer_.lines.text(from, to);
+    std::string text = buffer_.text().text(from, to);
     if (text == "\n" && tries("SPLIT_LINE", [](Buffer& b) { b.split_line(); })) return true;
     for (bool alone : {typed_.empty(), true}) {
         if (alone) flush();
@@ -272,8 +272,8 @@ bool JournalMirror::follow_erasing() {
         })) {
         return true;
     }
-    if (buffer_.lines.bytes() >= replayed_.lines.bytes()) return false;
-    int n = bounded(replayed_.lines.bytes() - buffer_.lines.bytes());
+    if (buffer_.text().bytes() >= replayed_.text().bytes()) return false;
+    int n = bounded(replayed_.text().bytes() - buffer_.text().bytes());
     for (int count : {-n, n}) {
         auto erase = [&](Buffer& b) { b.erase_n_characters(count); };
         if (tries(call("ERASE_CHARACTER", count), erase)) return true;
@@ -288,10 +288,10 @@ void JournalMirror::rewrite(Charset charset) {
     replayed_.insert_mode = true;
     if (wraps) write("SET(NO_WRAP)");
     replayed_.auto_wrap = false;
-    for (const Difference& change : differences(replayed_.lines, buffer_.lines)) {
+    for (const Difference& change : differences(replayed_.text(), buffer_.text())) {
         // Up to here the two are the same by now.
         replace(change.new_begin, change.old_end - change.old_begin,
-                buffer_.lines.part(change.new_begin, change.new_end), charset);
+                buffer_.text().part(change.new_begin, change.new_end), charset);
     }
     if (!inserts) write("SET(OVERSTRIKE)");
     replayed_.insert_mode = inserts;
@@ -305,7 +305,7 @@ void JournalMirror::rewrite(Charset charset) {
 // of the two.
 void JournalMirror::replace(std::uint64_t from, std::uint64_t count, const LineStore& fresh,
                             Charset charset) {
-    const LineStore old = replayed_.lines.part(from, from + count);
+    const LineStore old = replayed_.text().part(from, from + count);
     std::uint64_t shorter = std::min(old.bytes(), fresh.bytes());
     std::uint64_t begin =
         largest(shorter, [&](auto n) { return old.part(0, n) == fresh.part(0, n); });
@@ -313,9 +313,9 @@ void JournalMirror::replace(std::uint64_t from, std::uint64_t count, const LineS
         return old.part(old.bytes() - n, old.bytes()) ==
                fresh.part(fresh.bytes() - n, fresh.bytes());
     });
-    const auto [row, column] = replayed_.lines.position(from + begin);
-    const Position place{row, untorn(replayed_.lines, row, column)};
-    const std::string head = replayed_.lines.slice(place, column - place.column);
+    const auto [row, column] = replayed_.text().position(from + begin);
+    const Position place{row, untorn(replayed_.text(), row, column)};
+    const std::string head = replayed_.text().slice(place, column - place.column);
     move_to(place);
     for (std::uint64_t left = head.size() + old.bytes() - end - begin; left > 0;) {
         int piece = bounded(left);

@@ -20,11 +20,11 @@ Buffer* message_buffer(TPUEditor& editor) {
 }
 
 // Removes the oldest lines until `limit` remain; the number removed.
-std::uint64_t drop_oldest_lines(LineStore& lines, std::uint64_t limit) {
-    if (limit == 0 || lines.size() <= limit) return 0;
-    std::uint64_t dropped = lines.size() - limit;
-    lines.erase(0, lines.row_start(dropped));
-    return dropped;
+std::uint64_t drop_oldest_lines(Buffer& buffer, std::uint64_t limit) {
+    const std::uint64_t lines = buffer.text().size();
+    if (limit == 0 || lines <= limit) return 0;
+    buffer.edit(0, buffer.text().row_start(lines - limit), "");
+    return lines - limit;
 }
 
 void add_line(Buffer& buffer, const std::string& text, std::uint64_t limit) {
@@ -32,7 +32,7 @@ void add_line(Buffer& buffer, const std::string& text, std::uint64_t limit) {
     buffer.end_of_buffer();
     if (buffer.cursor_column > 0) buffer.split_line();
     buffer.copy_text(text);
-    std::uint64_t dropped = drop_oldest_lines(buffer.lines, limit);
+    std::uint64_t dropped = drop_oldest_lines(buffer, limit);
     buffer.cursor_row = row - std::min(row, dropped);
     buffer.cursor_column = column;
 }

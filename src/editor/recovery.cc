@@ -99,7 +99,7 @@ milliseconds Recovery::copy_bases() {
 bool Recovery::keeps_all(const Buffer& buffer) const {
     if (!wants_keeping(buffer)) return true;
     auto kept = kept_.find(&buffer);
-    return kept != kept_.end() && kept->second->written.is_same_version(buffer.lines);
+    return kept != kept_.end() && kept->second->written.is_same_version(buffer.text());
 }
 
 // Where memory is too short for one buffer, others may have less to be kept.
@@ -122,7 +122,7 @@ Recovery::Kept& Recovery::kept(const Buffer& buffer) {
 
 void Recovery::write(Buffer& buffer) {
     Kept& work = kept(buffer);
-    const std::vector<std::string> statements = text_changes(work.written, buffer.lines);
+    const std::vector<std::string> statements = text_changes(work.written, buffer.text());
     std::string reason;
     if (!statements.empty() && !work.file) {
         work.file =
@@ -131,7 +131,7 @@ void Recovery::write(Buffer& buffer) {
         work.copying_base = work.file->copy_base();
     }
     if (!statements.empty() && !work.file->append(statements, reason)) return fail(reason);
-    work.written = buffer.lines;
+    work.written = buffer.text();
     trouble_.clear();
 }
 
@@ -183,7 +183,7 @@ std::string Recovery::recover(Buffer& buffer) {
     const LeftBehind& work = left.front();
     bool fits =
         !buffer.modified && buffer.modifiable &&
-        (work.base ? *work.base == identity_of(buffer.lines) : work.file_time == buffer.file_time);
+        (work.base ? *work.base == identity_of(buffer.text()) : work.file_time == buffer.file_time);
     std::string told = fits ? replay(buffer, work) : recover_elsewhere(buffer, work);
     if (left.size() > 1) told += "; there is more";
     return told;
@@ -212,13 +212,13 @@ std::string Recovery::recover_elsewhere(const Buffer& buffer, const LeftBehind& 
         if (identity_of(buffer.saved_lines) == *work.base) {
             base = buffer.saved_lines;
         } else if (load_file(backup, buffer.file_name + ".bak") &&
-                   identity_of(backup.lines) == *work.base) {
-            base = backup.lines;
+                   identity_of(backup.text()) == *work.base) {
+            base = backup.text();
         }
     }
     const std::string of_what = buffer.file_name.empty() ? buffer.name : buffer.file_name;
     Buffer* fresh = editor_.create_buffer(editor_.unused_buffer_name("RECOVERED " + of_what), "");
-    fresh->lines = base ? *base : buffer.saved_lines;
+    fresh->set_text(base ? *base : buffer.saved_lines);
     editor_.position(fresh);
     const std::string told = replay(*fresh, work);
     if (!fresh->modified) {

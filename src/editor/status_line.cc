@@ -32,7 +32,7 @@ constexpr Escape kEscapes[] = {
     {'l', [](const Buffer& b) { return std::to_string(b.cursor_row + 1); }},
     {'m', modified_word},
     {'n', [](const Buffer& b) { return b.name; }},
-    {'t', [](const Buffer& b) { return std::to_string(b.lines.size()); }},
+    {'t', [](const Buffer& b) { return std::to_string(b.text().size()); }},
 };
 
 const Escape* find_escape(char letter) {
@@ -63,13 +63,13 @@ std::string window_status(const Buffer& buffer, bool is_current, std::string_vie
     if (!format.empty()) return expand(buffer, format);
     return " " + buffer.name + (is_current ? " *" : "  ") + " " + modified_word(buffer) + " " +
            mode_word(buffer) + " " + std::to_string(buffer.cursor_row + 1) + "/" +
-           std::to_string(buffer.lines.size()) + ":" + std::to_string(buffer.cursor_column + 1);
+           std::to_string(buffer.text().size()) + ":" + std::to_string(buffer.cursor_column + 1);
 }
 
 std::string global_status(const Buffer& buffer, std::string_view key_map_list) {
     return " Vorlane  Buffer:" + buffer.name + " File:" + or_none(buffer.file_name) + " " +
            modified_word(buffer) + " " + mode_word(buffer) + " Line " +
-           std::to_string(buffer.cursor_row + 1) + "/" + std::to_string(buffer.lines.size()) +
+           std::to_string(buffer.cursor_row + 1) + "/" + std::to_string(buffer.text().size()) +
            " Col " + std::to_string(buffer.cursor_column + 1) +
            " KeyMapList:" + or_none(key_map_list);
 }

@@ -122,16 +122,16 @@ std::optional<Range> search_pattern_forward(Buffer& buffer, const TPUPattern& pa
                                             bool move_cursor, bool wrap, Work* work) {
     Work unwatched, &watched = work ? *work : unwatched;
     buffer.clamp_cursor();
-    std::uint64_t column = std::min(buffer.cursor_column, buffer.lines.length(buffer.cursor_row));
-    auto match = ForwardSearch(pattern, buffer.lines, watched)
-                     .run(buffer.lines.offset({buffer.cursor_row, column}), buffer.lines.bytes());
+    std::uint64_t column = std::min(buffer.cursor_column, buffer.text().length(buffer.cursor_row));
+    auto match = ForwardSearch(pattern, buffer.text(), watched)
+                     .run(buffer.text().offset({buffer.cursor_row, column}), buffer.text().bytes());
     if (!match && wrap && buffer.cursor_row > 0) {
-        match = ForwardSearch(pattern, buffer.lines, watched)
-                    .run(0, buffer.lines.row_start(buffer.cursor_row) - 1);
+        match = ForwardSearch(pattern, buffer.text(), watched)
+                    .run(0, buffer.text().row_start(buffer.cursor_row) - 1);
     }
     if (!match) return std::nullopt;
-    Position start = buffer.lines.position(match->start),
-             end = text_position(buffer.lines, match->end);
+    Position start = buffer.text().position(match->start),
+             end = text_position(buffer.text(), match->end);
     if (move_cursor) {
         buffer.cursor_row = start.row;
         buffer.cursor_column = start.column;
@@ -143,11 +143,11 @@ std::optional<Range> search_pattern_backward(Buffer& buffer, const TPUPattern& p
                                              bool move_cursor, Work* work) {
     buffer.clamp_cursor();
     std::uint64_t before =
-        std::min(buffer.cursor_column, buffer.lines.length(buffer.cursor_row) + 1);
-    std::uint64_t start = buffer.lines.row_start(buffer.cursor_row),
-                  end_of_row = start + buffer.lines.length(buffer.cursor_row);
+        std::min(buffer.cursor_column, buffer.text().length(buffer.cursor_row) + 1);
+    std::uint64_t start = buffer.text().row_start(buffer.cursor_row),
+                  end_of_row = start + buffer.text().length(buffer.cursor_row);
     for (std::uint64_t row = buffer.cursor_row;;) {
-        std::string line = buffer.lines.text(start, end_of_row);
+        std::string line = buffer.text().text(start, end_of_row);
         LineMatcher<RememberedRuns> matcher(pattern, line, RememberedRuns(pattern));
         for (std::uint64_t column = before; column-- > 0;) {
             if (work && !work->goes_on()) return std::nullopt;
@@ -161,7 +161,7 @@ std::optional<Range> search_pattern_backward(Buffer& buffer, const TPUPattern& p
         }
         if (row == 0) return std::nullopt;
         end_of_row = start - 1;
-        start = buffer.lines.row_start(--row);
+        start = buffer.text().row_start(--row);
         before = end_of_row - start;
     }
 }
@@ -170,9 +170,9 @@ namespace {
 
 // Moves the cursor to the first occurrence among the bytes [from, to).
 bool find_text(Buffer& buffer, std::string_view text, std::uint64_t from, std::uint64_t to) {
-    auto found = buffer.lines.find(text, from, to);
+    auto found = buffer.text().find(text, from, to);
     if (!found) return false;
-    Position place = buffer.lines.position(*found);
+    Position place = buffer.text().position(*found);
     buffer.cursor_row = place.row;
     buffer.cursor_column = place.column;
     return true;
@@ -180,23 +180,24 @@ bool find_text(Buffer& buffer, std::string_view text, std::uint64_t from, std::u
 
 // Where a search starts that skips what stands at the cursor.
 std::uint64_t past_cursor(const Buffer& buffer) {
-    std::uint64_t row = std::min(buffer.cursor_row, buffer.lines.size() - 1);
-    return buffer.lines.offset({row, std::min(buffer.cursor_column + 1, buffer.lines.length(row))});
+    std::uint64_t row = std::min(buffer.cursor_row, buffer.text().size() - 1);
+    return buffer.text().offset(
+        {row, std::min(buffer.cursor_column + 1, buffer.text().length(row))});
 }
 
 }  // namespace
 
 bool search_forward(Buffer& buffer, std::string_view text) {
-    return find_text(buffer, text, past_cursor(buffer), buffer.lines.bytes());
+    return find_text(buffer, text, past_cursor(buffer), buffer.text().bytes());
 }
 
 bool search_from_top(Buffer& buffer, std::string_view text) {
-    return find_text(buffer, text, 0, buffer.lines.bytes());
+    return find_text(buffer, text, 0, buffer.text().bytes());
 }
 
 bool search_round(Buffer& buffer, std::string_view text) {
     std::uint64_t start = past_cursor(buffer);
-    return find_text(buffer, text, start, buffer.lines.bytes()) ||
+    return find_text(buffer, text, start, buffer.text().bytes()) ||
            find_text(buffer, text, 0, start + text.size());
 }
 

@@ -54,9 +54,9 @@ std::string doubt_about_saving(Buffer& buffer, const std::string& path) {
     }
     if (is_read_only(target)) doubt += "read only; ";
     const bool is_told = buffer.refused_save && buffer.refused_save->version == *now &&
-                         buffer.refused_save->lines.is_same_version(buffer.lines);
+                         buffer.refused_save->lines.is_same_version(buffer.text());
     if (doubt.empty() || is_told) return {};
-    buffer.refused_save = {*now, buffer.lines};
+    buffer.refused_save = {*now, buffer.text()};
     return doubt + "save again to overwrite";
 }
 

@@ -38,8 +38,8 @@ bool load_file(Buffer& buffer, const std::string& path, Loading how,
         if (!was_read) note_unread(buffer, errno);
         return false;
     }
-    buffer.lines = std::move(*text);
-    buffer.saved_lines = buffer.lines;
+    buffer.set_text(std::move(*text));
+    buffer.saved_lines = buffer.text();
     buffer.loading_size = mapped;
     buffer.loaded_block = mapped > 0 ? std::move(block) : Ref<TextBlock>();
     buffer.cursor_row = buffer.cursor_column = buffer.view_line = 0;
@@ -69,10 +69,7 @@ std::string finish_loading(Buffer& buffer) {
     bool unchanged =
         now && now->size == buffer.loading_size && now->milliseconds() == buffer.file_time;
     if (!unchanged || damaged) {
-        buffer.lines.recount();
-        buffer.saved_lines.recount();
-        for (Buffer::Snapshot& snapshot : buffer.undo_stack) snapshot.lines.recount();
-        for (Buffer::Snapshot& snapshot : buffer.redo_stack) snapshot.lines.recount();
+        buffer.recount_lines();
         buffer.clamp_cursor();
     }
     buffer.loading_size = 0;  // when all of it is done: memory may run out before

@@ -50,9 +50,9 @@ bool write_file(Buffer& buffer, const std::string& path) {
     }
     if (buffer.loaded_block && buffer.loaded_block->is_damaged()) note_unread(buffer, EIO);
     if (target.empty() || !write_refusal(buffer, target).empty()) return false;
-    auto write = [&buffer](int fd) { return write_lines(fd, buffer.lines); };
+    auto write = [&buffer](int fd) { return write_lines(fd, buffer.text()); };
     // What follows the writing needs no memory.
-    LineStore reloaded = as_loaded(buffer.lines);
+    LineStore reloaded = as_loaded(buffer.text());
     const bool is_as_known =
         target == buffer.file_name && FileVersion::of(target) == buffer.known_version;
     if (!write_safely(target, buffer.backup_on_write, write, buffer.save_note)) {

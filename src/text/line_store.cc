@@ -184,30 +184,33 @@ std::optional<std::uint64_t> LineStore::find_in_bytes(std::string_view needle, s
     return result;
 }
 
-void LineStore::insert(std::uint64_t offset, std::string_view bytes) {
+void LineStore::replace(std::uint64_t from, std::uint64_t to, std::string_view bytes) {
     if (bytes.size() > tree::kMaxPiece) {
         TextBuilder builder;
         builder.append(bytes);
-        insert(offset, builder.take());
+        replace(from, to, builder.take());
         return;
     }
-    if (bytes.empty()) return;
+    if (bytes.empty()) {
+        if (from < to) erase(from, to);
+        return;
+    }
     bool raw = bytes.find('\n') != std::string_view::npos;
     has_raw_ |= raw;
     Pieces pieces{tree::store_text(bytes, raw, tail_)};
-    tree::replace(tree_, offset, offset, std::move(pieces), tail_);
-    bool inside = known_.start <= offset && offset <= known_.end;
+    tree::replace(tree_, from, to, std::move(pieces), tail_);
+    bool inside = known_.start <= from && to <= known_.end;
     if (inside) {
-        known_.end += bytes.size();
-    } else if (offset < known_.start) {
+        known_.end += bytes.size() - (to - from);
+    } else if (from <= known_.end) {
         forget_row();
     }
 }
 
-void LineStore::insert_break(std::uint64_t offset) {
+void LineStore::replace_by_break(std::uint64_t from, std::uint64_t to) {
     forget_row();
     Pieces pieces{tree::store_text("\n", false, tail_)};
-    tree::replace(tree_, offset, offset, std::move(pieces), tail_);
+    tree::replace(tree_, from, to, std::move(pieces), tail_);
 }
 
 void LineStore::insert(std::uint64_t offset, const LineStore& text) {

@@ -78,11 +78,15 @@ class LineStore {
     bool may_hold_feeds() const { return has_raw_; }
 
     // Changing. Offsets are at most bytes().
-    void insert(std::uint64_t offset, std::string_view bytes);  // into a line; line feeds are text
-    void insert_break(std::uint64_t offset);                    // ends a line here
+    void insert(std::uint64_t offset, std::string_view bytes) { replace(offset, offset, bytes); }
+    void insert_break(std::uint64_t offset) { replace_by_break(offset, offset); }
     void insert(std::uint64_t offset, const LineStore& text);
     void erase(std::uint64_t from, std::uint64_t to);
     void replace(std::uint64_t from, std::uint64_t to, const LineStore& text);
+    // The same by a part of a line, in which line feeds are text.
+    void replace(std::uint64_t from, std::uint64_t to, std::string_view bytes);
+    // The same by the end of a line.
+    void replace_by_break(std::uint64_t from, std::uint64_t to);
 
     // Changing whole lines.
     void set(std::uint64_t row, std::string_view line);

@@ -126,11 +126,11 @@ struct Work {
             editor.run();
             failed = failing::any();
             failing::none();
-            main->lines.check_invariants();
-            outcome.text = main->lines.text();
+            main->text().check_invariants();
+            outcome.text = main->text().text();
             outcome.cursor = {main->cursor_row, main->cursor_column};
-            while (main->undo()) main->lines.check_invariants();
-            undone = main->lines.text();
+            while (main->undo()) main->text().check_invariants();
+            undone = main->text().text();
             lost = typist.lost;
         }
         outcome.saved = folder.read("file.txt");
@@ -143,7 +143,7 @@ struct Work {
         next.editor.recovery = std::make_unique<Recovery>(next.editor, state);
         EXPECT_EQ(edit_file(*next.buffer, file), "");
         next.editor.execute_command("RECOVER_BUFFER");
-        return next.buffer->lines.text();
+        return next.buffer->text().text();
     }
 
     bool begun = false, failed = false;

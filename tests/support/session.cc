@@ -72,7 +72,7 @@ Session::Session(std::vector<std::string> lines, int rows, int cols)
     terminal.screen = {rows, cols};
     editor.charset = Charset::utf8;
     buffer = editor.create_buffer("MAIN", "");
-    buffer->lines = LineStore(lines);
+    buffer->set_text(LineStore(lines));
     editor.init_screen();
     editor.define_default_keys();
 }

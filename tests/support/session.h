@@ -76,7 +76,7 @@ struct Session {
     void press(std::string_view keys);
     // What a person would see, a text for each row, without trailing blanks.
     std::vector<std::string> screen();
-    std::vector<std::string> lines() { return buffer->lines.lines(); }
+    std::vector<std::string> lines() { return buffer->text().lines(); }
     Position cursor() const { return {buffer->cursor_row, buffer->cursor_column}; }
 
     FakeTerminal terminal;

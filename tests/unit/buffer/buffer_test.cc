@@ -12,7 +12,7 @@ using Lines = std::vector<std::string>;
 // A buffer with a text and a cursor.
 struct Text : Buffer {
     explicit Text(const Lines& text, Position cursor = {}) : Buffer("TEXT", "") {
-        lines = LineStore(text);
+        set_text(LineStore(text));
         go(cursor.row, cursor.column);
     }
     void go(std::uint64_t row, std::uint64_t column) {
@@ -24,7 +24,7 @@ struct Text : Buffer {
     Range range(Position from, Position to) {
         return Range(at(from.row, from.column), at(to.row, to.column));
     }
-    Lines all() const { return lines.lines(); }
+    Lines all() const { return this->text().lines(); }
 };
 
 TEST(Cursor, crosses_one_line_end_at_most) {
@@ -172,7 +172,7 @@ TEST(Undo, goes_back_two_hundred_snapshots_and_forth_again) {
     EXPECT_EQ(text.all(), (Lines{"x"}));
     while (text.redo()) --undone;
     EXPECT_EQ(undone, 0);
-    EXPECT_EQ(text.lines.length(0), 201u);
+    EXPECT_EQ(text.text().length(0), 201u);
     text.modified = false;
     text.undo();
     EXPECT_TRUE(text.modified);
@@ -258,8 +258,8 @@ TEST(Typing, survives_margins_and_stops_beyond_all_reason) {
     text.wrap_current_line();
     text.copy_text("\t\r");
     text.fill_range(text.range({0, 0}, {0, 2}), UINT64_MAX, 0);
-    EXPECT_EQ(text.lines.size(), 2u);
-    EXPECT_LT(text.lines.bytes(), 1'000'000u);
+    EXPECT_EQ(text.text().size(), 2u);
+    EXPECT_LT(text.text().bytes(), 1'000'000u);
 }
 
 TEST(Typing, of_a_string_is_typing_of_its_characters) {
@@ -297,7 +297,7 @@ TEST(Typing, of_a_string_is_typing_of_its_characters) {
         ASSERT_EQ(once.cursor(), steps.cursor());
         ASSERT_EQ(range.end.position(), steps.cursor());
         ASSERT_EQ(range.start.position(), start.position());
-        once.lines.check_invariants();
+        once.text().check_invariants();
     }
 }
 
@@ -307,7 +307,7 @@ TEST(Typing, of_tabs_goes_to_the_next_stop) {
     EXPECT_EQ(text.cursor_column, 8u);
     text.insert_tab();
     EXPECT_EQ(text.cursor_column, 16u);
-    text.lines = LineStore();
+    text.set_text(LineStore());
     text.go(0, 0);
     text.tab_stops = {5, 10};
     text.insert_tab();
@@ -346,15 +346,15 @@ TEST(Characters, of_several_bytes_are_one_for_the_keys) {
     EXPECT_EQ(text.cursor_column, 3u);
     text.cursor_column = 4;
     text.type_character("\xc3\xbc", Charset::utf8);
-    EXPECT_EQ(text.lines[0], "a\xc3\xa9\xc3\xbc\xe2\x82\xac\xff");
+    EXPECT_EQ(text.text()[0], "a\xc3\xa9\xc3\xbc\xe2\x82\xac\xff");
     text.cursor_column = 6;
     text.erase_character_at_cursor(Charset::utf8);
     text.erase_character_left(Charset::utf8);
-    EXPECT_EQ(text.lines[0], "a\xc3\xa9\xff");
+    EXPECT_EQ(text.text()[0], "a\xc3\xa9\xff");
     text.insert_mode = false;
     text.cursor_column = 1;
     text.copy_text("xy", Charset::utf8);
-    EXPECT_EQ(text.lines[0], "axy");
+    EXPECT_EQ(text.text()[0], "axy");
     text.erase_character_left(Charset::bytes);
     EXPECT_EQ(text.cursor(), (Position{0, 2}));
 }
@@ -379,7 +379,7 @@ TEST(Fill, makes_lines_no_longer_than_the_margin_but_for_long_words) {
 TEST(Case, is_changed_in_words_ranges_and_buffers) {
     Text text({"  one TWO", "x\xc3\xa9Y"});
     text.change_case_word(Buffer::Case::upper);
-    EXPECT_EQ(text.lines[0], "  ONE TWO");
+    EXPECT_EQ(text.text()[0], "  ONE TWO");
     EXPECT_EQ(text.cursor_column, 5u);
     text.change_case_range(text.range({0, 6}, {1, 1}), Buffer::Case::invert);
     EXPECT_EQ(text.all(), (Lines{"  ONE two", "X\xc3\xa9Y"}));
@@ -397,9 +397,9 @@ TEST(Translate, maps_bytes_and_keeps_those_without_a_partner) {
     EXPECT_EQ(text.all(), (Lines{"xbcxbc", "xb"}));
     text.translate_range(text.range({0, 1}, {1, 1}), "xb", "\ny");
     EXPECT_EQ(text.all(), (Lines{"xyc\nyc", "\nb"}));
-    EXPECT_EQ(text.lines.size(), 2u);
+    EXPECT_EQ(text.text().size(), 2u);
     text.translate("", "x");
-    EXPECT_EQ(text.lines[1], "\nb");
+    EXPECT_EQ(text.text()[1], "\nb");
 }
 
 TEST(Shift, moves_every_line) {

@@ -29,7 +29,7 @@ struct Commands : testing::Test {
         editor.current_buffer->select();
         go(to.row, to.column);
     }
-    std::string text() { return editor.current_buffer->lines.text(); }
+    std::string text() { return editor.current_buffer->text().text(); }
     std::string current() { return editor.current_buffer->name; }
 
     Session session{{"one two", "three", "four five six"}};
@@ -207,9 +207,9 @@ TEST_F(Commands, cut_copy_and_paste_by_name) {
 }
 
 TEST_F(Commands, delete_the_selection_or_a_character) {
-    editor.current_buffer->lines = LineStore::from_text(
-        "\xc3\xa4"
-        "b");
+    editor.current_buffer->set_text(
+        LineStore::from_text("\xc3\xa4"
+                             "b"));
     EXPECT_EQ(run("DEL"), "");
     EXPECT_EQ(text(), "b");
     select({0, 0}, {0, 1});
@@ -268,7 +268,7 @@ TEST_F(Commands, cut_and_paste_rectangles) {
 }
 
 TEST_F(Commands, take_no_character_apart) {
-    main.lines = LineStore::from_text("h\xc3\xa4user\nabcd");
+    main.set_text(LineStore::from_text("h\xc3\xa4user\nabcd"));
     const std::string before = text();
     go(0, 2);
     run("SELECT");
@@ -307,7 +307,7 @@ TEST_F(Commands, replace_one_some_or_all_matches) {
 }
 
 TEST_F(Commands, replacing_ends_with_ctrl_c_and_can_be_undone) {
-    main.lines = LineStore::from_text(std::string(1000, 'o'));
+    main.set_text(LineStore::from_text(std::string(1000, 'o')));
     session.clock.step = std::chrono::milliseconds(100);
     session.terminal.keys = {control('C')};
     EXPECT_EQ(run("REPLACE o 0 ALL"), "Replaced 256, stopped by Ctrl-C");
@@ -324,9 +324,9 @@ TEST_F(Commands, what_takes_long_ends_with_ctrl_c) {
           "FILL()", "TOP; SEARCH(SPAN(\"c\") + \"d\")", "SEARCH(ANY(\"c\") + \"d\", REVERSE)",
           "COPY_TEXT(SELECT_RANGE + FAO(\"!_\"))", "SHIFT RIGHT", "FILL", "CHANGE CASE UPPER",
           "BOX COPY", "BOX CUT", "BOX PASTE", "FIND ANY(\"c\") + \"d\""}) {
-        main.lines = LineStore::from_text(long_text);
+        main.set_text(LineStore::from_text(long_text));
         main.box_register = std::vector<std::string>(1000, "box");
-        select({0, 0}, {main.lines.size() - 2, 2});
+        select({0, 0}, {main.text().size() - 2, 2});
         if (std::string_view(line).ends_with("+ \"d\"")) go(0, 0);
         main.box_select = std::string_view(line).starts_with("BOX");
         session.clock.step = std::chrono::milliseconds(100);
@@ -334,7 +334,7 @@ TEST_F(Commands, what_takes_long_ends_with_ctrl_c) {
         std::string message = run(line);
         EXPECT_TRUE(message == "ABORT" || message == "Stopped by Ctrl-C") << line << message;
         EXPECT_TRUE(session.terminal.keys.empty()) << line;
-        EXPECT_TRUE(main.lines == LineStore::from_text(long_text)) << line;
+        EXPECT_TRUE(main.text() == LineStore::from_text(long_text)) << line;
         EXPECT_EQ(main.box_register.size(), 1000u) << line;
         EXPECT_FALSE(editor.parser.interrupted) << line;
     }
@@ -349,16 +349,16 @@ TEST_F(Commands, make_no_more_text_than_there_can_be) {
     for (const char* line : {"SHIFT RIGHT 65535", "SHIFT(2147483647)", "FILL", "FILL()",
                              "COPY_TEXT(FAO(\"!_!_!_\"))", "SET(WRAP); COPY_TEXT(\"o o o o\")",
                              "BOX PASTE", "REPLACE o 123456789012345678901234567890 ALL"}) {
-        main.lines = LineStore::from_text(words + "\n\n" + words);
-        const LineStore before = main.lines;
+        main.set_text(LineStore::from_text(words + "\n\n" + words));
+        const LineStore before = main.text();
         main.box_register = std::vector<std::string>(100, "box");
         select({0, 4'000}, {2, 4'000});
         std::string message = run(line);
         EXPECT_TRUE(message.ends_with(" would make the text larger by more than 1 GB"))
             << line << ": " << message;
-        EXPECT_LT(main.lines.bytes(), 120'000u) << line;
+        EXPECT_LT(main.text().bytes(), 120'000u) << line;
         if (message.starts_with("Replaced")) run("UNDO");
-        EXPECT_TRUE(main.lines == before) << line;
+        EXPECT_TRUE(main.text() == before) << line;
         main.auto_wrap = false;
     }
 }
@@ -464,11 +464,11 @@ TEST_F(Commands, list_and_make_buffers) {
 }
 
 TEST_F(Commands, compile_the_buffer) {
-    editor.current_buffer->lines =
-        LineStore::from_text("PROCEDURE p\nMESSAGE(\"p ran\")\nENDPROCEDURE");
+    editor.current_buffer->set_text(
+        LineStore::from_text("PROCEDURE p\nMESSAGE(\"p ran\")\nENDPROCEDURE"));
     EXPECT_EQ(run("COMPILE"), "Compiled current buffer");
     EXPECT_EQ(run("p"), "p ran");
-    editor.current_buffer->lines = LineStore::from_text("nonsense\nmore");
+    editor.current_buffer->set_text(LineStore::from_text("nonsense\nmore"));
     EXPECT_TRUE(run("COMPILE").starts_with("Compiled current buffer, faults: 2; the last: "));
 }
 
@@ -495,13 +495,13 @@ TEST_F(Commands, take_odd_arguments) {
     const std::string before = text();
     auto run_on = [&](const std::string& line, bool modifiable, bool selected) {
         editor.position(&main);
-        main.lines = LineStore::from_text(before);
+        main.set_text(LineStore::from_text(before));
         main.modifiable = modifiable;
         main.select_anchor.reset();
         if (selected) select({2, 40}, {0, 1});
         main.box_select = selected;
         run(line);
-        main.lines.check_invariants();
+        main.text().check_invariants();
     };
     for (const Command* command : all_commands()) {
         if (acts_outside(*command)) continue;
@@ -513,7 +513,7 @@ TEST_F(Commands, take_odd_arguments) {
             for (bool selected : {false, true}) {
                 run_on(line, true, selected);
                 run_on(line, false, selected);
-                EXPECT_EQ(main.lines.text(), before);
+                EXPECT_EQ(main.text().text(), before);
             }
             editor.current_buffer = nullptr;
             run(line);
@@ -532,7 +532,7 @@ TEST_F(FileCommands, get_and_include_files) {
     EXPECT_EQ(run("GET \"" + file + "\""), "Got file " + file);
     EXPECT_EQ(current(), file);
     EXPECT_EQ(text(), "alpha\nbeta");
-    editor.current_buffer->lines.insert(0, "changed ");
+    editor.current_buffer->edit(0, 0, "changed ");
     run("BUFFER MAIN");
     std::string link = folder.path("link");
     ASSERT_EQ(symlink(file.c_str(), link.c_str()), 0);

@@ -25,7 +25,7 @@ struct ShowHelp : testing::Test {
     // Runs a command line; the text of the current buffer afterwards.
     std::string after(const std::string& line) {
         session.editor.execute_command(line);
-        return session.editor.current_buffer->lines.text() + '\n';
+        return session.editor.current_buffer->text().text() + '\n';
     }
     std::string message_of(const std::string& line) {
         session.editor.execute_command(line);
@@ -76,7 +76,7 @@ TEST_F(ShowHelp, show_buffers_are_filled_anew_and_never_written) {
     EXPECT_EQ(message_of("WRITE /dev/null/x"), "Write failed: /dev/null/x");
     EXPECT_FALSE(write_file(*shown, testing::TempDir() + "show_help_test"));
     session.editor.open_show_buffer("$SHOW_VERSION", "");
-    EXPECT_EQ(shown->lines.size(), 1u);
+    EXPECT_EQ(shown->text().size(), 1u);
     session.editor.previous_buffer();
     session.editor.next_buffer();
     EXPECT_EQ(current(), "$SHOW_VERSION");
@@ -88,7 +88,7 @@ TEST_F(ShowHelp, a_buffer_that_somebody_made_is_left_alone) {
     Buffer* mine = session.editor.current_buffer;
     after("HELP");
     EXPECT_NE(session.editor.current_buffer, mine);
-    EXPECT_EQ(mine->lines.text(), "mine");
+    EXPECT_EQ(mine->text().text(), "mine");
 }
 
 TEST_F(ShowHelp, pastes_are_listed_with_their_sizes_and_beginnings) {
@@ -113,7 +113,7 @@ TEST_F(ShowHelp, variables_are_the_global_ones_with_types_and_values) {
     session.editor.parser.compile_text(
         "n := -5; s := \"a\"; k := REVERSE; w2 := CURRENT_BUFFER; a{1} := 2\n"
         "PROCEDURE p\nLOCAL hidden := 1, n := 7;\nSHOW(VARIABLES);\nENDPROCEDURE;\np");
-    std::string text = session.editor.current_buffer->lines.text();
+    std::string text = session.editor.current_buffer->text().text();
     for (const char* line :
          {"  N (integer)  =  -5\n", "  S (string)  =  a\n", "  K (keyword)  =  REVERSE\n",
           "  W2 (buffer)  =  $SHOW_VARIABLES", "  A (array)  =  <array>\n", "\xe2\x82\xac...\n"}) {
@@ -223,7 +223,7 @@ TEST_F(ShowHelp, f2_opens_the_overview) {
     EXPECT_EQ(current(), "HELP");
     EXPECT_EQ(session.editor.message, "HELP buffer (Ctrl-X to exit, NEXT BUFFER to leave)");
     EXPECT_EQ(session.editor.current_buffer->eob_text, "[End of HELP]");
-    std::string text = session.editor.current_buffer->lines.text() + '\n';
+    std::string text = session.editor.current_buffer->text().text() + '\n';
     EXPECT_TRUE(text.starts_with("Vorlane HELP\nType  HELP <topic>  for details. Topics:\n"));
     EXPECT_TRUE(text.ends_with("Press Ctrl-X to leave the help buffer.\n"));
     EXPECT_EQ(text, help_text("overview"));

@@ -102,7 +102,7 @@ TEST(Keys, never_tear_a_character) {
             Session s({"abcd", "\xe2\x82\xac."});
             s.buffer->insert_mode = insert;
             s.press(std::string("<RIGHT><DOWN>") + keys);
-            std::string text = s.buffer->lines.text(0, s.buffer->lines.bytes());
+            std::string text = s.buffer->text().text(0, s.buffer->text().bytes());
             bool whole = text.find("\xe2\x82\xac.") != std::string::npos;
             bool gone = text.find_first_of("\xe2\x82\xac") == std::string::npos;
             EXPECT_TRUE(whole || gone) << keys << (insert ? " inserted" : " overstruck");
@@ -186,7 +186,7 @@ TEST(Keys, act_whatever_the_procedures_around_them_do) {
     EXPECT_EQ(s.lines(), (Rows{"aone"}));
     EXPECT_FALSE(s.editor.parser.error_list.empty());
     Buffer* log = s.editor.find_buffer("$MESSAGE_BUFFER");
-    EXPECT_NE(log->lines.find("Unknown command: nonsense here", 0), std::nullopt);
+    EXPECT_NE(log->text().find("Unknown command: nonsense here", 0), std::nullopt);
 
     s.editor.pre_key_procedure = "SET(PRE_KEY_PROCEDURE, \"\"); POSITION(CREATE_BUFFER(\"b\"))";
     s.editor.post_key_procedure = "DELETE(CURRENT_BUFFER)";
@@ -270,7 +270,7 @@ TEST(Find, moves_with_the_query_and_comes_back_when_cancelled) {
     s.terminal.keys = {'q', 'x', 7};
     s.editor.prompt_find();
     Buffer* log = s.editor.find_buffer("$MESSAGE_BUFFER");
-    EXPECT_NE(log->lines.find("I-find: qx  (not found)", 0), std::nullopt);
+    EXPECT_NE(log->text().find("I-find: qx  (not found)", 0), std::nullopt);
 }
 
 TEST(CommandLine, is_edited_on_the_message_line) {
@@ -345,7 +345,7 @@ TEST(AttachedProcess, gets_characters_and_nothing_else) {
     expected += "\b\n";  // the backspace key and Enter of the keypad
     s.editor.handle_event(Event::of_key(control('D')));
     while (!s.editor.processes.running.empty()) s.editor.processes.poll();
-    EXPECT_EQ(s.buffer->lines.text(), expected);
+    EXPECT_EQ(s.buffer->text().text(), expected);
 }
 
 TEST(AttachedProcess, says_when_it_takes_no_more) {
@@ -363,7 +363,7 @@ TEST(Processes, that_are_deleted_end_and_are_reaped) {
     run("p := CREATE_PROCESS(\"echo up; sleep 1000\")");
     run("ATTACH(p)");
     const pid_t pid = s.editor.processes.running.front()->pid();
-    while (s.buffer->lines.size() < 2) s.editor.processes.poll();
+    while (s.buffer->text().size() < 2) s.editor.processes.poll();
     run("DELETE(p)");
     EXPECT_TRUE(s.editor.processes.running.empty());
     EXPECT_EQ(s.editor.processes.attached, nullptr);
@@ -382,7 +382,7 @@ TEST(Processes, that_are_deleted_and_will_not_end_are_killed_with_the_session) {
         auto run = [&](const char* text) { s.editor.parser.execute_statement(text); };
         run("p := CREATE_PROCESS(\"trap '' TERM PIPE; echo up; while :; do sleep 1; done\")");
         pid = s.editor.processes.running.front()->pid();
-        while (s.buffer->lines.size() < 2) s.editor.processes.poll();
+        while (s.buffer->text().size() < 2) s.editor.processes.poll();
         run("DELETE(p)");
         s.editor.processes.poll();
         EXPECT_EQ(kill(pid, 0), 0);
@@ -396,7 +396,7 @@ TEST(MainLoop, waits_for_processes_too_but_leaves_time_after_their_output) {
     auto process = s.editor.processes.running.front();
     s.terminal.before_key = [&] {
         if (process->pid() > 0) s.terminal.keys.push_front(kNoKey);
-        if (s.buffer->lines.size() == 2) process->send("\n");
+        if (s.buffer->text().size() == 2) process->send("\n");
     };
     s.editor.run();
     EXPECT_EQ(s.lines(), (Rows{"one", "two", ""}));

@@ -99,7 +99,7 @@ TEST(Paste, keeps_named_texts_for_all_buffers) {
     EXPECT_EQ(s.editor.message, "Recalled paste \"ABC\"");
     s.editor.recall_named_paste("ABC", true);
     EXPECT_EQ(s.editor.message, "Pasted \"ABC\"");
-    EXPECT_EQ(s.editor.current_buffer->lines[0], "text");
+    EXPECT_EQ(s.editor.current_buffer->text()[0], "text");
 }
 
 TEST(Save, asks_for_a_name_and_says_what_happened) {

@@ -46,7 +46,7 @@ class Process : public testing::Test {
     bool shows(std::string_view text) {
         return eventually([&] { return process.poll_output() && contents() == text; });
     }
-    std::string contents() const { return buffer.lines.text(0, buffer.lines.bytes()); }
+    std::string contents() const { return buffer.text().text(0, buffer.text().bytes()); }
 
     Buffer buffer{"OUT", ""};
     TPUProcess process;
@@ -80,20 +80,20 @@ TEST_F(Process, writes_into_an_unmodifiable_buffer_and_drops_without_one) {
 TEST_F(Process, delivers_all_output_before_it_reports_the_end) {
     ASSERT_TRUE(start("i=0; while [ $i -lt 20000 ]; do echo $i; i=$((i+1)); done"));
     ASSERT_TRUE(ends());
-    ASSERT_EQ(buffer.lines.size(), 20001u);
-    EXPECT_EQ(buffer.lines[0], "0");
-    EXPECT_EQ(buffer.lines[1024], "1024");
-    EXPECT_EQ(buffer.lines[19999], "19999");
+    ASSERT_EQ(buffer.text().size(), 20001u);
+    EXPECT_EQ(buffer.text()[0], "0");
+    EXPECT_EQ(buffer.text()[1024], "1024");
+    EXPECT_EQ(buffer.text()[19999], "19999");
 }
 
 TEST_F(Process, one_poll_of_an_endless_writer_takes_its_share) {
     ASSERT_TRUE(start("cat /dev/zero"));
-    EXPECT_TRUE(eventually([&] { return process.poll_output(1) && buffer.lines.bytes() > 0; }));
-    EXPECT_EQ(buffer.lines.bytes(), 1u);
+    EXPECT_TRUE(eventually([&] { return process.poll_output(1) && buffer.text().bytes() > 0; }));
+    EXPECT_EQ(buffer.text().bytes(), 1u);
     EXPECT_TRUE(process.is_talking());
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     EXPECT_TRUE(process.poll_output());
-    EXPECT_LE(buffer.lines.bytes(), TPUProcess::kPollShare + 1);
+    EXPECT_LE(buffer.text().bytes(), TPUProcess::kPollShare + 1);
 }
 
 TEST_F(Process, characters_that_come_in_pieces_are_delivered_whole) {
@@ -171,7 +171,7 @@ TEST_F(Process, children_have_the_descriptors_that_they_would_have_alone) {
     ASSERT_TRUE(running.start(this_system, "cat", nullptr));
     ASSERT_TRUE(start("ls /dev/fd"));
     ASSERT_TRUE(ends());
-    EXPECT_EQ(contents(), alone.lines.text());
+    EXPECT_EQ(contents(), alone.text().text());
 }
 
 TEST_F(Process, is_awaited_while_it_may_write_or_has_room) {
@@ -204,7 +204,7 @@ TEST_F(Process, leave_nothing_behind_however_many_there_were) {
         for (pid_t pid : pids)
             EXPECT_EQ(waitpid(pid, nullptr, WNOHANG), -1);  // not even a dead one
     }
-    EXPECT_EQ(buffer.lines.size(), 101u);
+    EXPECT_EQ(buffer.text().size(), 101u);
     EXPECT_EQ(lowest_free(), lowest);
 }
 

@@ -33,19 +33,19 @@ TEST_P(RandomKeys, leave_a_session_that_undo_leads_back_through) {
             s.editor.resize_screen();
         }
         s.editor.draw();
-        s.buffer->lines.check_invariants();
-        ASSERT_LT(s.buffer->cursor_row, s.buffer->lines.size());
+        s.buffer->text().check_invariants();
+        ASSERT_LT(s.buffer->cursor_row, s.buffer->text().size());
         ASSERT_TRUE(s.buffer->free_cursor || s.buffer->cursor_column <= s.buffer->line_length());
     }
     while (s.buffer->redo()) {
     }
-    const LineStore newest = s.buffer->lines;
+    const LineStore newest = s.buffer->text();
     while (s.buffer->undo()) {
     }
     EXPECT_EQ(s.lines(), start);
     while (s.buffer->redo()) {
     }
-    EXPECT_EQ(s.buffer->lines, newest);
+    EXPECT_EQ(s.buffer->text(), newest);
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomKeys, testing::Range(1u, 5u));

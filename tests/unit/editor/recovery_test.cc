@@ -34,7 +34,7 @@ struct RecoveryTest : testing::Test {
             while (editor.recovery->serve() == std::chrono::milliseconds(0)) {
             }
         }
-        std::string text() { return buffer->lines.text(); }
+        std::string text() { return buffer->text().text(); }
     };
 
     std::vector<LeftBehind> left() { return left_behind(state, file); }
@@ -214,7 +214,7 @@ TEST_F(RecoveryTest, on_a_file_that_has_changed_gets_a_buffer_of_its_own) {
         EXPECT_EQ(next.text(), "something else");
         Buffer& work = *next.editor.current_buffer;
         EXPECT_EQ(work.name, "RECOVERED " + file);
-        EXPECT_EQ(work.lines.text(), "one\ntyped two\nthree");
+        EXPECT_EQ(work.text().text(), "one\ntyped two\nthree");
         EXPECT_TRUE(work.modified);
         EXPECT_EQ(work.file_name, "");  // not to be written over the other text
         EXPECT_EQ(greeting(next), "");
@@ -224,7 +224,7 @@ TEST_F(RecoveryTest, on_a_file_that_has_changed_gets_a_buffer_of_its_own) {
     Session unnamed;
     unnamed.editor.recovery = std::make_unique<Recovery>(unnamed.editor, state);
     unnamed.editor.execute_command("RECOVER_BUFFER");
-    EXPECT_EQ(unnamed.buffer->lines.text(), "one\ntyped two\nthree");
+    EXPECT_EQ(unnamed.buffer->text().text(), "one\ntyped two\nthree");
 }
 
 TEST_F(RecoveryTest, on_a_text_that_nobody_has_any_more_is_shown_on_that_of_now) {
@@ -241,7 +241,7 @@ TEST_F(RecoveryTest, on_a_text_that_nobody_has_any_more_is_shown_on_that_of_now)
     next.editor.execute_command("RECOVER_BUFFER");
     EXPECT_EQ(next.editor.message,
               "The file has changed: look over what the work made of the text of now");
-    EXPECT_EQ(next.editor.current_buffer->lines.text(), "typed something else");
+    EXPECT_EQ(next.editor.current_buffer->text().text(), "typed something else");
     EXPECT_EQ(next.text(), "something else");
 }
 
@@ -262,7 +262,7 @@ TEST_F(RecoveryTest, keeps_texts_without_a_file) {
     std::set<std::string> texts;
     for (int i = 0; i < 2; ++i) {
         next.editor.execute_command("RECOVER_BUFFER");
-        texts.insert(next.editor.current_buffer->lines.text());
+        texts.insert(next.editor.current_buffer->text().text());
     }
     EXPECT_EQ(texts, (std::set<std::string>{"first", "second"}));
     next.editor.execute_command("WRITE " + folder.path("saved"));
@@ -344,7 +344,7 @@ TEST_F(RecoveryTest, that_finds_no_room_goes_on_once_there_is_some) {
         }
         EXPECT_EQ(dying.editor.message, "Unsaved work is not kept: File too large");
         dying.editor.execute_command("SHOW SYSTEM");
-        EXPECT_NE(dying.editor.current_buffer->lines.text().find("not kept: File too large"),
+        EXPECT_NE(dying.editor.current_buffer->text().text().find("not kept: File too large"),
                   std::string::npos);
         dying.editor.execute_command("BUFFER MAIN");
         dying.editor.set_message("");
@@ -412,12 +412,13 @@ TEST_F(RecoveryTest, brings_back_changes_at_any_places) {
             Buffer& buffer = *dying.buffer;
             buffer.free_cursor = seed % 3 == 0;
             for (int i = 0; i < 60; ++i) {
-                buffer.cursor_row = random() % buffer.lines.size();
+                buffer.cursor_row = random() % buffer.text().size();
                 buffer.cursor_column = random() % 8;
                 for (int n = 0; n < 5; ++n) dying.press(keys[random() % std::size(keys)]);
                 if (random() % 10 == 0) {
-                    std::uint64_t from = random() % (buffer.lines.bytes() / 2);
-                    buffer.lines.insert(random() % from, buffer.lines.part(from, from + 10'000));
+                    std::uint64_t from = random() % (buffer.text().bytes() / 2);
+                    std::uint64_t to = random() % from;
+                    buffer.edit(to, to, buffer.text().part(from, from + 10'000));
                 }
                 if (random() % 20 == 0) dying.idle();
             }
@@ -444,10 +445,10 @@ TEST_F(RecoveryTest, brings_back_any_bytes) {
     {
         Worker dying(state, file);
         dying.press("x");
-        dying.buffer->lines.replace(50'000, 60'000, LineStore::from_text(bytes()));
+        dying.buffer->edit(50'000, 60'000, LineStore::from_text(bytes()));
         dying.idle();
         // Line feeds that are text have no line of their own.
-        dying.buffer->lines.insert(20'000, "a\nb\tc");
+        dying.buffer->edit(20'000, 20'000, "a\nb\tc");
         dying.idle();
         dying.buffer->end_of_buffer();
         dying.press("y");

@@ -45,9 +45,9 @@ TEST(Screen, of_24_rows_has_its_window_status_on_row_21_and_the_global_one_hidde
 }
 
 TEST(Screen, scrolls_no_further_than_it_takes_to_keep_the_cursor_in_view) {
-    Session s(Rows(100, "x"), 7, 20);
-    for (int i = 0; i < 100; ++i)
-        s.buffer->lines.set(static_cast<std::uint64_t>(i), std::to_string(i));
+    Rows numbers;
+    for (int i = 0; i < 100; ++i) numbers.push_back(std::to_string(i));
+    Session s(numbers, 7, 20);
     s.screen();
     s.press("<DOWN><DOWN><DOWN><DOWN><DOWN>");
     EXPECT_EQ(s.screen()[0], "2");
@@ -117,7 +117,7 @@ TEST(Screen, never_holds_a_control_character_whatever_is_shown) {
     for (Charset charset : {Charset::utf8, Charset::bytes}) {
         Session s({}, 8, 300);
         s.editor.charset = charset;
-        s.buffer->lines = LineStore(Rows{all, std::string(1, '\0')});
+        s.buffer->set_text(LineStore(Rows{all, std::string(1, '\0')}));
         s.buffer->name = s.buffer->file_name = s.buffer->eob_text = s.editor.message = all;
         s.editor.draw();
         Surface visible = s.terminal.shown.visible();
@@ -150,7 +150,7 @@ TEST(Screen, blanks_a_wide_glyph_that_a_later_window_cuts) {
 
 TEST(StatusLine, follows_its_template) {
     Buffer buffer("main.c", "src/main.c");
-    buffer.lines = LineStore(Rows{"a", "b"});
+    buffer.set_text(LineStore(Rows{"a", "b"}));
     buffer.cursor_row = 1;
     EXPECT_EQ(window_status(buffer, false, ""), " main.c   Saved INSERT 2/2:1");
     EXPECT_EQ(window_status(buffer, true, "%n|%f|%l/%t:%c %m %i %d 100%% %x%"),

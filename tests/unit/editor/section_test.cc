@@ -235,7 +235,7 @@ TEST_F(Sections, are_shown_as_they_stand) {
     EXPECT_EQ(s.editor.message, "EXPAND -> buffer $EXPAND");
     EXPECT_EQ(s.editor.current_buffer->name, "$EXPAND");
     run(s.editor, "COPY_TEXT(\"x\"); ERASE_LINE; UNDO");
-    EXPECT_EQ(s.editor.current_buffer->lines.lines(),
+    EXPECT_EQ(s.editor.current_buffer->text().lines(),
               (Lines{"#ZKSECT 1", "IDENT=", "\tany\\nthing"}));
 }
 

@@ -128,9 +128,9 @@ TEST(Messages, fill_their_buffer_line_by_line_up_to_the_limit) {
     log->cursor_row = 0;
     log->modifiable = false;
     s.editor.set_message("second\nlines");
-    EXPECT_EQ(log->lines.lines(), (std::vector<std::string>{"first", "second", "lines"}));
+    EXPECT_EQ(log->text().lines(), (std::vector<std::string>{"first", "second", "lines"}));
     s.editor.set_message("third");
-    EXPECT_EQ(log->lines.lines(), (std::vector<std::string>{"second", "lines", "third"}));
+    EXPECT_EQ(log->text().lines(), (std::vector<std::string>{"second", "lines", "third"}));
     EXPECT_EQ(log->cursor_row, 0u);
     EXPECT_FALSE(log->modified || log->modifiable);
     EXPECT_TRUE(log->no_write && log->system);

@@ -150,12 +150,12 @@ TEST_P(RandomPatterns, are_found_where_a_plain_reading_of_the_rules_finds_them) 
         Lines lines = some_lines();
         TPUPattern pattern = some_pattern();
         Buffer buffer("B", "");
-        buffer.lines = LineStore(lines);
+        buffer.set_text(LineStore(lines));
         std::uint64_t row = below(lines.size()), column = below(lines[row].size() + 1);
 
         PlainMatcher plain{lines, row, column};
         std::uint64_t end_row = 77, end_column = 77;
-        bool matched = pattern.match_at_buffer(buffer.lines, row, column, end_row, end_column);
+        bool matched = pattern.match_at_buffer(buffer.text(), row, column, end_row, end_column);
         ASSERT_EQ(matched, plain.match(pattern));
         Position untouched{77, 77}, end{end_row, end_column};
         Position plain_end{plain.row, plain.column};
@@ -189,7 +189,7 @@ TEST_P(RandomPatterns, are_found_backward_from_line_to_line) {
         Lines lines = some_lines();
         TPUPattern pattern = some_pattern();
         Buffer buffer("B", "");
-        buffer.lines = LineStore(lines);
+        buffer.set_text(LineStore(lines));
         buffer.cursor_row = below(lines.size());
         buffer.cursor_column = below(lines[buffer.cursor_row].size() + 1);
         Position from{buffer.cursor_row, buffer.cursor_column};
@@ -247,7 +247,7 @@ TEST(Pattern, matches_from_a_column_past_the_end_of_a_line) {
 
 TEST(Search, skips_the_occurrence_under_the_cursor_and_does_not_wrap) {
     Buffer buffer("B", "");
-    buffer.lines = LineStore(Lines{"ab ab", "xab"});
+    buffer.set_text(LineStore(Lines{"ab ab", "xab"}));
     EXPECT_TRUE(search_forward(buffer, "ab"));
     EXPECT_EQ(buffer.cursor_column, 3u);
     EXPECT_TRUE(search_forward(buffer, "ab"));
@@ -258,7 +258,8 @@ TEST(Search, skips_the_occurrence_under_the_cursor_and_does_not_wrap) {
     EXPECT_EQ(buffer.cursor_row, 0u);
     EXPECT_FALSE(search_forward(buffer, ""));
     EXPECT_FALSE(search_forward(buffer, "ab\nx"));
-    buffer.lines.insert(buffer.lines.bytes(), "\n");  // a line feed that ends no line
+    buffer.edit(buffer.text().bytes(), buffer.text().bytes(),
+                "\n");  // a line feed that ends no line
     EXPECT_TRUE(search_forward(buffer, "\n"));
     EXPECT_EQ(buffer.cursor_row, 1u);
 }
@@ -268,7 +269,7 @@ TEST(Search, skips_the_occurrence_under_the_cursor_and_does_not_wrap) {
 TEST(Search, is_linear_for_patterns_that_never_match) {
     const std::string long_line(1'000'000, 'a');
     Buffer buffer("B", "");
-    buffer.lines = LineStore(Lines{long_line, "", long_line});
+    buffer.set_text(LineStore(Lines{long_line, "", long_line}));
     const TPUPattern hopeless[] = {
         {{token(Token::kScan, "x")}, false},
         {{token(Token::kSpan, "a"), token(Token::kLiteral, "b")}, false},

@@ -194,11 +194,11 @@ class XServer {
             return {};
         }
         const auto give_up = steady_clock::now() + kLong;
-        while (output_.lines.size() < 2 && server_.poll_output()) {
+        while (output_.text().size() < 2 && server_.poll_output()) {
             if (steady_clock::now() > give_up) return {};
             usleep(1000);
         }
-        return output_.lines.size() < 2 ? std::string() : ":" + output_.lines[0];
+        return output_.text().size() < 2 ? std::string() : ":" + output_.text()[0];
     }
 
   private:

@@ -154,7 +154,7 @@ TEST(Crashes, at_any_call_leave_a_journal_without_a_hole) {
                 finished = WIFEXITED(status) && WEXITSTATUS(status) == 0;
                 Session s;
                 replay_journal(s.editor, journal);
-                const std::string replayed = s.buffer->lines.text();
+                const std::string replayed = s.buffer->text().text();
                 EXPECT_TRUE(text.starts_with(replayed)) << replayed;
                 EXPECT_TRUE(!finished || replayed == text);
                 ASSERT_LT(call, 1000);
@@ -186,7 +186,7 @@ struct Expected {
         for (std::size_t i = 0; i < 2; ++i) {
             for (const auto& buffer : session.editor.buffers) {
                 if (buffer->file_name != files[i]) continue;
-                const std::string text = without_line_ends(buffer->lines);
+                const std::string text = without_line_ends(buffer->text());
                 if (text.size() > next.text[i].size()) _exit(1);
                 next.size[i] = text.copy(next.text[i].data(), text.size());
             }
@@ -225,7 +225,7 @@ void random_step(Session& s, std::mt19937& random, const std::string (&files)[2]
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     s.editor.processes.poll();
     Buffer& buffer = *s.editor.current_buffer;
-    if (buffer.lines.bytes() > 20'000) buffer.replace_text(0, 10'000, {});
+    if (buffer.text().bytes() > 20'000) buffer.replace_text(0, 10'000, {});
 }
 
 void work_for_ever(const std::string& state, const std::string (&files)[2], unsigned seed,
@@ -277,7 +277,7 @@ TEST(Crashes, leave_unsaved_work_as_it_was) {
             if (!next.editor.recovery->greeting(*loaded).empty()) {
                 next.editor.execute_command("RECOVER_BUFFER");
             }
-            const std::string text = without_line_ends(next.editor.current_buffer->lines);
+            const std::string text = without_line_ends(next.editor.current_buffer->text());
             EXPECT_TRUE(expected->may_be(file, text)) << next.editor.message << '\n' << text;
             next.editor.recovery->discard();
         }

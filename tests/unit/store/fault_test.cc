@@ -55,15 +55,15 @@ TEST_F(Faults, while_loading_leave_the_text_as_it_was) {
     std::string path = folder.write("file", std::string(3'000'000, 'x') + "\nlast");
     auto prepare = [&] {
         buffer = std::make_unique<Buffer>("b", "");
-        buffer->lines = LineStore::from_text(old_text);
+        buffer->set_text(LineStore::from_text(old_text));
     };
     int calls = for_each_fault(
         prepare, [&] { return load_file(*buffer, path); },
         [&](int, bool loaded) {
-            EXPECT_EQ(buffer->lines.size(), 2u);
-            EXPECT_EQ(buffer->lines[1], loaded ? "last" : "text");
+            EXPECT_EQ(buffer->text().size(), 2u);
+            EXPECT_EQ(buffer->text()[1], loaded ? "last" : "text");
             EXPECT_TRUE(load_file(*buffer, path));
-            EXPECT_EQ(buffer->lines.length(0), 3'000'000u);
+            EXPECT_EQ(buffer->text().length(0), 3'000'000u);
         });
     EXPECT_GE(calls, 2);
 }
@@ -104,11 +104,11 @@ TEST_F(Faults, while_a_journal_is_kept_stop_no_statement_and_leave_no_hole) {
             return opened;
         },
         [&](int, bool opened) {
-            EXPECT_EQ(session->buffer->lines.text(), "abc");
+            EXPECT_EQ(session->buffer->text().text(), "abc");
             if (!opened) return;
             Session again;
             EXPECT_TRUE(replay_journal(again.editor, path));
-            const std::string text = again.buffer->lines.text();
+            const std::string text = again.buffer->text().text();
             EXPECT_TRUE(std::string("abc").starts_with(text)) << text;
             EXPECT_EQ(text == "abc", session->buffer->journal_fault.empty());
         });
@@ -125,7 +125,7 @@ TEST_F(Faults, while_a_journal_is_replayed_end_the_replay) {
         [&] { return replay_journal(again->editor, path); },
         [&](int, bool opened) {
             bool whole = again->editor.message.ends_with("the end of the journal was reached");
-            EXPECT_EQ(again->buffer->lines.text(), whole ? "a" : "");
+            EXPECT_EQ(again->buffer->text().text(), whole ? "a" : "");
             EXPECT_TRUE(whole || !opened ||
                         again->editor.message.find("the journal cannot be read from") !=
                             std::string::npos)
@@ -167,7 +167,7 @@ TEST_F(Faults, while_unsaved_work_is_kept_are_told_and_lose_nothing) {
             idle();
             begin();
             session->editor.recovery->recover(*session->buffer);
-            EXPECT_EQ(session->buffer->lines.text(), "abcd" + old_text) << session->editor.message;
+            EXPECT_EQ(session->buffer->text().text(), "abcd" + old_text) << session->editor.message;
         });
     EXPECT_GE(calls, 7);
 }

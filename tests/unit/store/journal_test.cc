@@ -32,7 +32,7 @@ struct Journaled : Session {
     // The message that was shown and the one before it.
     Lines recover(const std::string& path) {
         run("RECOVER_BUFFER(\"" + path + "\")");
-        Lines all = editor.find_buffer("$MESSAGE_BUFFER")->lines.lines();
+        Lines all = editor.find_buffer("$MESSAGE_BUFFER")->text().lines();
         return {all.size() < 2 ? "" : all[all.size() - 2], all.back()};
     }
 };
@@ -407,7 +407,7 @@ TEST_P(JournaledKeys, that_are_random_are_rebuilt_exactly) {
         if (random() % 50 == 0) s.editor.insert_paste("pasted\ttext\nand more");
         if (random() % 100 == 0) s.run("IF SEARCH_QUIETLY(\"e\") THEN; COPY_TEXT(\"x\ty\"); ENDIF");
         // Output of a process comes from no statement at all.
-        if (random() % 200 == 0) s.buffer->lines.insert_line(0, "output\t");
+        if (random() % 200 == 0) s.buffer->edit(0, 0, LineStore(Lines{"output\t", ""}));
     }
     flush_journals(s.editor, true);
     const Lines said = again.recover(path);

@@ -62,7 +62,7 @@ TEST(Load, splits_at_line_feeds_and_drops_one_cr_at_a_line_end) {
     for (std::string text : {std::string("a\0b\n\xff\xc3\n", 7), std::string("\n\rc\r\n")}) {
         Buffer buffer("B", "");
         ASSERT_TRUE(load_file(buffer, folder.write("file", text)));
-        EXPECT_EQ(buffer.lines.lines(), split(text)) << testing::PrintToString(text);
+        EXPECT_EQ(buffer.text().lines(), split(text)) << testing::PrintToString(text);
     }
 }
 
@@ -82,7 +82,7 @@ TEST(Load, of_every_short_text_gives_its_lines_whichever_way_it_is_read) {
         std::string path = folder.write("file", text);
         Buffer buffer("B", "");
         ASSERT_TRUE(load_file(buffer, path));
-        EXPECT_EQ(buffer.lines.lines(), split(text));
+        EXPECT_EQ(buffer.text().lines(), split(text));
         Descriptor file = open_file(path, O_RDONLY);
         Ref<TextBlock> block;
         if (std::optional<LineStore> mapped = map_lines(file.get(), text.size(), block)) {
@@ -95,7 +95,7 @@ TEST(Load, of_every_short_text_gives_its_lines_whichever_way_it_is_read) {
         for (char c : text) EXPECT_EQ(write(ends[1], &c, 1), 1);
         close(ends[1]);
         ASSERT_TRUE(load_file(buffer, "/dev/fd/" + std::to_string(ends[0])));
-        EXPECT_EQ(buffer.lines.lines(), split(text));
+        EXPECT_EQ(buffer.text().lines(), split(text));
         close(ends[0]);
 #endif
     }
@@ -108,7 +108,7 @@ TEST(Load, finds_pairs_wherever_the_parts_of_a_large_file_meet) {
         Buffer buffer("B", "");
         ASSERT_TRUE(load_file(buffer, folder.write("file", text)));
         SCOPED_TRACE(testing::PrintToString(mark));
-        expect_lines(buffer.lines, split(text));
+        expect_lines(buffer.text(), split(text));
     }
 }
 
@@ -132,12 +132,12 @@ TEST(Load, in_steps_gives_the_same_lines_and_owns_them_once_settled) {
         Buffer buffer("B", "");
         ASSERT_TRUE(load_file(buffer, path, Loading::in_steps));
         EXPECT_EQ(buffer.loading_size > 0, *mark == '\n' || mark[1] == 'x');
-        expect_lines(buffer.lines, split(text));
+        expect_lines(buffer.text(), split(text));
         settle();
         std::filesystem::resize_file(path, 3);
         finish_loading(buffer);
         EXPECT_EQ(buffer.loading_size, 0u);
-        expect_lines(buffer.lines, split(text));
+        expect_lines(buffer.text(), split(text));
     }
 }
 
@@ -160,11 +160,11 @@ TEST(Load, in_steps_stays_sound_when_the_file_is_changed_meanwhile) {
     }
     settle();
     finish_loading(buffer);
-    buffer.lines.check_invariants();
-    EXPECT_NE(buffer.lines.find("new", 0), std::nullopt);
+    buffer.text().check_invariants();
+    EXPECT_NE(buffer.text().find("new", 0), std::nullopt);
     EXPECT_TRUE(buffer.undo());
     std::string now = folder.read("file");
-    expect_lines(buffer.lines, split(now));
+    expect_lines(buffer.text(), split(now));
 }
 
 #ifdef __linux__
@@ -177,13 +177,13 @@ TEST(Load, in_steps_has_zeros_for_what_the_file_has_lost_meanwhile) {
     ASSERT_GT(buffer.loading_size, 0u);
     handle_faults();
     std::filesystem::resize_file(path, 100'000);
-    EXPECT_EQ(buffer.lines.find("none of that", 0), std::nullopt);
+    EXPECT_EQ(buffer.text().find("none of that", 0), std::nullopt);
     settle();
     EXPECT_TRUE(finish_loading(buffer).starts_with(path + " shrank while it was read"));
-    buffer.lines.check_invariants();
-    EXPECT_EQ(buffer.lines.bytes(), text.size());
-    EXPECT_EQ(buffer.lines.text(0, 100'000), text.substr(0, 100'000));
-    EXPECT_EQ(buffer.lines.text(1'000'000, 1'000'002), std::string(2, '\0'));
+    buffer.text().check_invariants();
+    EXPECT_EQ(buffer.text().bytes(), text.size());
+    EXPECT_EQ(buffer.text().text(0, 100'000), text.substr(0, 100'000));
+    EXPECT_EQ(buffer.text().text(1'000'000, 1'000'002), std::string(2, '\0'));
     EXPECT_FALSE(write_file(buffer, "")) << "what is left is given up for zeros";
     EXPECT_EQ(std::filesystem::file_size(path), 100'000u);
     EXPECT_TRUE(write_file(buffer, folder.path("elsewhere")));
@@ -197,7 +197,7 @@ TEST(Load, drops_a_final_line_feed_that_fills_up_a_piece) {
         std::string line(size - 1, 'x');
         Buffer buffer("B", "");
         ASSERT_TRUE(load_file(buffer, folder.write("file", line + "\n")));
-        expect_lines(buffer.lines, {line});
+        expect_lines(buffer.text(), {line});
     }
 }
 
@@ -209,7 +209,7 @@ TEST(Load, reads_a_pipe_of_unknown_size) {
     Buffer buffer("B", "");
     EXPECT_TRUE(load_file(buffer, pipe));
     writer.join();
-    expect_lines(buffer.lines, split(text));
+    expect_lines(buffer.text(), split(text));
 }
 
 TEST(Load, gives_up_on_a_pipe_that_nobody_writes_to_but_not_on_a_slow_writer) {
@@ -247,7 +247,7 @@ TEST(Load, begins_at_the_top_unmodified_and_keeps_the_undo_stack) {
     EXPECT_EQ(file_mtime_ms(path), 1234567891u);
     EXPECT_EQ(file_mtime_ms(folder.path("nothing")), 0u);
     ASSERT_TRUE(buffer.undo());
-    EXPECT_EQ(buffer.lines.lines(), Lines{"old text"});
+    EXPECT_EQ(buffer.text().lines(), Lines{"old text"});
 }
 
 TEST(Load, takes_the_name_but_not_the_text_of_what_cannot_be_read) {
@@ -261,7 +261,7 @@ TEST(Load, takes_the_name_but_not_the_text_of_what_cannot_be_read) {
         buffer.copy_text("text");
         EXPECT_FALSE(load_file(buffer, name)) << name;
         EXPECT_EQ(buffer.file_name, name);
-        EXPECT_EQ(buffer.lines.lines(), Lines{"text"});
+        EXPECT_EQ(buffer.text().lines(), Lines{"text"});
         EXPECT_TRUE(buffer.modified);
         EXPECT_EQ(buffer.cursor_column, 4u);
     }

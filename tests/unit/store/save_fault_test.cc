@@ -115,7 +115,7 @@ struct SaveFaults : testing::Test {
         kind.prepare(folder);
         old = folder.read("file");
         buffer = std::make_unique<Buffer>("b", path);
-        buffer->lines = LineStore::from_text(kNew);
+        buffer->set_text(LineStore::from_text(kNew));
         buffer->backup_on_write = kind.backup;
         buffer->modified = true;
         if (kind.section) prepare_section();
@@ -171,7 +171,7 @@ struct SaveFaults : testing::Test {
         const bool is_kept = now == old || folder.read("file.bak") == old || kept() == old;
         EXPECT_TRUE(is_kept || !kind.backup || kind.locked || old == "(no file)");
         EXPECT_EQ(now, done ? wanted : now);
-        EXPECT_EQ(buffer->lines.text(), kNew);
+        EXPECT_EQ(buffer->text().text(), kNew);
     }
     // Nothing is left that a session does not want, but the old text, and that only where
     // it could not be removed.
@@ -258,7 +258,7 @@ TEST_F(SaveFaults, are_told_when_the_file_is_opened_again) {
 TEST_F(SaveFaults, in_a_folder_that_takes_no_files_are_few) {
     folder.write("file", kOld);
     lock(true);
-    session.buffer->lines = LineStore::from_text(kNew);
+    session.buffer->set_text(LineStore::from_text(kNew));
     session.buffer->file_name = path;
     session.press("<CTRL_S>");
     EXPECT_EQ(session.editor.message, "Written " + path + " (no .bak: the folder is read-only)");
@@ -285,13 +285,13 @@ TEST_F(SaveFaults, of_a_protected_file_are_prevented_by_asking_once) {
         session.buffer->file_name = path;
         session.buffer->known_version.reset();
         session.buffer->backup_on_write = backup;
-        session.buffer->lines = LineStore::from_text(kNew);
+        session.buffer->set_text(LineStore::from_text(kNew));
         EXPECT_EQ(message_of_save(), refusal);
         session.press("x");
         EXPECT_EQ(message_of_save(), refusal);
         EXPECT_EQ(folder.read("file"), kOld);
         EXPECT_EQ(message_of_save(), "Written " + path);
-        EXPECT_EQ(folder.read("file"), session.buffer->lines.text());
+        EXPECT_EQ(folder.read("file"), session.buffer->text().text());
         EXPECT_EQ(folder.read("file.bak"), kOld);
         EXPECT_EQ(session.buffer->backup_on_write, backup);
         EXPECT_EQ(message_of_save(), refusal);

@@ -25,7 +25,7 @@ using Files = std::set<std::string>;
 // A modified buffer with these lines that belongs to no file.
 struct Text : Buffer {
     explicit Text(const Lines& text) : Buffer("TEXT", "none") {
-        lines = LineStore(text);
+        set_text(LineStore(text));
         modified = true;
         file_time = 7;
     }
@@ -48,7 +48,7 @@ TEST(Save, writes_lines_with_line_feeds_between_them) {
     for (const Lines& lines :
          {Lines{""}, {"a", "b"}, {"", ""}, {std::string("\0\r\xff", 3), "a\nb", ""}}) {
         Text text(lines);
-        std::string bytes = text.lines.text(0, text.lines.bytes());
+        std::string bytes = text.text().text(0, text.text().bytes());
         ASSERT_TRUE(write_file(text, folder.path("file")));
         EXPECT_EQ(folder.read("file"), bytes);
         EXPECT_FALSE(text.modified);
@@ -66,11 +66,11 @@ TEST(Save, writes_long_runs_and_scattered_changes_in_order) {
     std::string bytes;
     for (int i = 0; i < 300000; ++i) bytes += std::to_string(i) + "\n";
     Text text({});
-    text.lines = LineStore::from_text(bytes);
+    text.set_text(LineStore::from_text(bytes));
     std::mt19937 random(5);
     for (int i = 0; i < 300; ++i) {
         std::size_t at = random() % (bytes.size() / 4);
-        text.lines.insert(at, "<changed>");
+        text.edit(at, at, "<changed>");
         bytes.insert(at, "<changed>");
     }
     ASSERT_TRUE(write_file(text, folder.path("file")));
@@ -83,7 +83,7 @@ TEST(Save, keeps_one_backup_of_the_text_before) {
     ASSERT_TRUE(write_file(text, folder.path("file")));
     EXPECT_EQ(folder.files(), Files{"file"});
     for (const char* line : {"2", "3"}) {
-        text.lines = LineStore({line});
+        text.set_text(LineStore({line}));
         ASSERT_TRUE(write_file(text, ""));
     }
     EXPECT_EQ(folder.read("file"), "3");

@@ -38,7 +38,7 @@ TEST(Value, integer_is_read_from_the_front_of_a_string) {
 
 TEST(Value, renders_as_text) {
     Buffer main("MAIN", "");
-    main.lines = LineStore::from_text("one\ntwo\nthree");
+    main.set_text(LineStore::from_text("one\ntwo\nthree"));
     TPUWindow window, on_main;
     on_main.buffer = &main;
     const std::pair<Value, const char*> cases[] = {
