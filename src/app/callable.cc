@@ -9,7 +9,7 @@
 #include "app/this_system.h"
 #include "commands/vocabulary.h"
 #include "editor/editor.h"
-#include "editor/journal_mirror.h"
+#include "editor/journal_follower.h"
 
 struct TPU_Context {
     tpu::NoTerminal terminal;

@@ -27,7 +27,7 @@
 
 namespace tpu {
 
-class JournalMirror;
+class JournalFollower;
 
 class Buffer {
   public:
@@ -95,7 +95,7 @@ class Buffer {
     std::string journal_fault;  // why the recording ended against our will
     bool journal_fault_told = false;
     bool journal_strayed = false;  // its statements so far leave another buffer current
-    std::shared_ptr<JournalMirror> journal_mirror;
+    std::shared_ptr<JournalFollower> journal_follower;
     std::uint64_t file_time = 0;  // milliseconds since the epoch; 0: unknown
     // The file as it was read or written last, or found missing. Nothing: never looked at.
     std::optional<FileVersion> known_version;
@@ -115,6 +115,8 @@ class Buffer {
     std::uint64_t history_moves = 0;  // how often undo and redo have succeeded
     Snapshot last_restored;           // what the latest of them brought back
     LineStore saved_lines;            // what loading the file gives, as far as we know
+    Change since_saved_lines;         // leads from there to the text that was saved ...
+    std::uint64_t saved_version = 1;  // ... which was this version
     std::uint64_t loading_size = 0;   // bytes of the file that is being loaded in steps; 0: none
     Ref<TextBlock> loaded_block;      // of that file
 

@@ -82,13 +82,17 @@ void erase(Call& call) {
     if (Buffer* buffer = buffer_to_change(call, what)) buffer->erase_range(*what.range());
 }
 
-// REPLACE_TEXT(offset, count, text); negative numbers count as 0.
+// REPLACE_TEXT(offset, count, text [, ON]); negative numbers count as 0.
 void replace_text(Call& call) {
     auto bytes = [&](std::size_t i) {
         return static_cast<std::uint64_t>(std::max(0LL, call.args.number(i)));
     };
     const std::uint64_t offset = bytes(0), count = bytes(1);
-    call.buffer().replace_text(offset, count, LineStore::from_text(call.args.text(2)));
+    const std::string text = call.args.text(2);
+    TextBuilder line;
+    line.append(text);
+    const bool is_line = call.args.count() > 3 && ascii::upper(call.args.raw(3)) == "ON";
+    call.buffer().replace_text(offset, count, is_line ? line.take() : LineStore::from_text(text));
 }
 
 Range insert(Call& call, std::string_view text) {
@@ -194,9 +198,9 @@ constexpr Builtin kRows[] = {
     {.name = "COPY_TEXT", .statement = copy_text, .function = copy_text_range, .most = 1,
      .form = "COPY_TEXT(text or SELECT_RANGE)",
      .help = "Insert the text at the cursor, or copy the selection to the paste register."},
-    {.name = "REPLACE_TEXT", .statement = replace_text, .least = 3, .most = 3,
-     .form = "REPLACE_TEXT(offset, count, text)",
-     .help = "Put a text in the place of so many bytes behind so many others, whatever the modes are; the cursor goes behind it."},
+    {.name = "REPLACE_TEXT", .statement = replace_text, .least = 3, .most = 4,
+     .form = "REPLACE_TEXT(offset, count, text [, ON])",
+     .help = "Put a text in the place of so many bytes behind so many others, whatever the modes are; the cursor goes behind it. With ON its line feeds end no lines."},
     {.name = "ERASE", .statement = erase, .least = 1, .most = 1,
      .form = "ERASE(range)", .help = "Erase the text of a range."},
     {.name = "LINE_BEGIN", .statement = [](Call& c) { c.buffer().cursor_column = 0; },

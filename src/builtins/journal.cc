@@ -5,7 +5,7 @@
 
 #include "builtins/families.h"
 #include "editor/editor.h"
-#include "editor/journal_mirror.h"
+#include "editor/journal_follower.h"
 #include "editor/journal_replay.h"
 #include "editor/recovery.h"
 #include "os/trust.h"
@@ -23,12 +23,13 @@ bool is_empty_journal(const std::string& path) {
 
 // Whoever replays the journal of a saved text has what loading its file gives, and the
 // cursor at its begin.
-void record_start(JournalMirror& mirror, const Buffer& buffer) {
+void record_start(JournalFollower& follower, const Buffer& buffer) {
     if (buffer.modified || buffer.file_name.empty()) return;
-    const std::vector<std::string> changes = text_changes(buffer.saved_lines, buffer.text());
-    for (const std::string& statement : changes) mirror.record(statement);
+    const std::vector<std::string> changes =
+        text_changes(differences(buffer.saved_lines, buffer.text()), buffer.text());
+    for (const std::string& statement : changes) follower.record(statement);
     const std::uint64_t place = buffer.current_offset_in_line();
-    if (place > 0 || !changes.empty()) mirror.record(text_place(place));
+    if (place > 0 || !changes.empty()) follower.record(text_place(place));
 }
 
 // JOURNAL_OPEN(file [, "TEXT" or "BINARY"])
@@ -45,8 +46,8 @@ void journal_open(Call& call) {
     bool opened = call.args.count() > 0 && tpu_journal_open(call.buffer(), name, binary, note);
     if (!note.empty()) editor_of(call).set_message(note);
     if (!opened) return editor_of(call).set_message("JOURNAL_OPEN: cannot write " + name);
-    JournalMirror& mirror = mirror_of(call.buffer());  // what else the statement does counts too
-    if (is_empty_journal(name)) record_start(mirror, call.buffer());
+    JournalFollower& follower = follower_of(call.buffer());  // what else the statement does counts too
+    if (is_empty_journal(name)) record_start(follower, call.buffer());
     editor_of(call).set_message(
         (binary ? "Journaling (binary TPJB) to " : "Journaling (text) to ") + name);
 }

@@ -1,6 +1,6 @@
 // What keys, the mouse and pastes do.
 #include "editor/editor.h"
-#include "editor/journal_mirror.h"
+#include "editor/journal_follower.h"
 #include "editor/process.h"
 #include "editor/undo_step.h"
 #include "lang/nesting.h"
@@ -140,6 +140,7 @@ bool press(TPUEditor& editor, int key, std::string_view text) {
         typed = act_on_key(editor, key, text);
     }
     run_procedure(editor, editor.post_key_procedure);
+    journaled.record();
     return typed;
 }
 
@@ -189,6 +190,7 @@ void TPUEditor::insert_paste(const std::string& text) {
         UndoStep step(*this);
         JournaledKey journaled(*this);
         current_buffer->copy_text(text, charset);
+        journaled.record();
     }
 }
 

@@ -1,8 +1,8 @@
 #include "editor/journal_entry.h"
 
-#include <exception>
+#include <utility>
 
-#include "editor/journal_mirror.h"
+#include "editor/journal_follower.h"
 #include "editor/undo_step.h"
 #include "os/short_memory.h"
 #include "store/journal.h"
@@ -27,39 +27,39 @@ bool recovers(const std::string& statement) {
 
 void JournalEntry::begin(const std::string& text) {
     buffer_ = editor_.current_buffer;
-    JournalMirror& mirror = mirror_of(*buffer_);
-    mirror.follow(editor_.charset, editor_.ports.clock.now());
-    mirror.flush();
+    JournalFollower& follower = follower_of(*buffer_);
+    follower.follow(editor_.ports.clock.now());
+    follower.flush();
     // What is one step here is several when the records are replayed.
-    if (editor_.undo_step && !editor_.undo_step->takes_record()) mirror.expect_own_steps();
+    if (editor_.undo_step && !editor_.undo_step->takes_record()) follower.expect_own_steps();
     // Steps of undo that a replay does not have are recorded by what they do.
-    by_effect_ = (mirror.has_own_steps() && travels(text)) || recovers(text);
-    exceptions_ = std::uncaught_exceptions();
+    by_effect_ = (follower.has_own_steps() && travels(text)) || recovers(text);
     strayed_ = buffer_->journal_strayed;
     file_ = buffer_->journal_file;
     size_ = tpu_journal_size(file_);
-    if (!by_effect_) mirror.record(text);
+    if (!by_effect_) follower.record(text);
     end_ = tpu_journal_size(file_);
 }
 
 // What memory is too short for now is recorded with the next key or statement.
-void JournalEntry::end() {
-    if (std::uncaught_exceptions() > exceptions_) return take_back();
-    if (!buffer_->journaling) {
-        buffer_->journal_mirror.reset();
+void JournalEntry::finish() {
+    Buffer* buffer = std::exchange(buffer_, nullptr);
+    if (!buffer) return;
+    if (!buffer->journaling) {
+        buffer->journal_follower.reset();
     } else if (by_effect_) {
         enough_memory([&] {
-            mirror_of(*buffer_).follow(editor_.charset, editor_.ports.clock.now());
-            mirror_of(*buffer_).flush();
+            follower_of(*buffer).follow(editor_.ports.clock.now());
+            follower_of(*buffer).flush();
         });
-    } else if (buffer_->journal_mirror) {
-        buffer_->journal_mirror->capture();
+    } else if (buffer->journal_follower) {
+        buffer->journal_follower->capture();
     }
-    if (editor_.current_buffer != buffer_) buffer_->journal_strayed = true;
+    if (editor_.current_buffer != buffer) buffer->journal_strayed = true;
 }
 
 // The statement has failed, and what it did is undone: a replay must not do it.
-void JournalEntry::take_back() {
+void JournalEntry::take_back() noexcept {
     if (!size_ || !end_) return;
     tpu_journal_cut(file_, *end_, *size_);
     buffer_->journal_strayed = strayed_;

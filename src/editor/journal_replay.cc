@@ -138,7 +138,7 @@ JournalReader::End replay(TPUEditor& editor, Descriptor file) {
     Buffer* buffer = editor.current_buffer;
     if (buffer) {
         Kept journal(buffer->journaling, buffer->binary_journal, buffer->journal_file,
-                     buffer->journal_mirror);
+                     buffer->journal_follower);
         replay.run_all();
     } else {
         replay.run_all();

@@ -3,7 +3,7 @@
 
 #include "editor/editor.h"
 #include "editor/input_mode.h"
-#include "editor/journal_mirror.h"
+#include "editor/journal_follower.h"
 #include "editor/recovery.h"
 #include "os/terminal_state.h"
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "editor/editor.h"
-#include "editor/journal_mirror.h"
+#include "editor/journal_follower.h"
 #include "editor/journal_replay.h"
 #include "os/short_memory.h"
 #include "store/buffer_file.h"
@@ -32,8 +32,7 @@ std::string day_and_time(System& system, std::uint64_t ms) {
 
 // The modes that records start from; they switch those on that there were.
 void reset_modes(Buffer& buffer) {
-    copy_recorded_modes(Buffer("", ""), buffer);
-    buffer.select_anchor.reset();
+    reset_recorded_modes(buffer);
     buffer.beginning_of_buffer();
 }
 
@@ -49,7 +48,21 @@ struct Recovery::Kept {
         : saved(buffer.saved_lines),
           file_name(buffer.file_name),
           file_time(buffer.file_time),
-          written(saved) {}
+          written(saved),
+          unwritten(buffer.since_saved_lines),
+          version(buffer.saved_version) {}
+
+    // Statements that lead from what is written to the text of the buffer.
+    std::vector<std::string> changes(const Buffer& buffer) const {
+        std::optional<std::vector<Change>> changes = buffer.changes().since(version);
+        if (changes) changes->insert(changes->begin(), unwritten);
+        return text_changes(differences(written, buffer.text(), changes), buffer.text());
+    }
+    void has_written(const Buffer& buffer) {
+        written = buffer.text();
+        unwritten = {};
+        version = buffer.changes().version();
+    }
 
     // The buffer was neither saved nor loaded since.
     bool is_of(const Buffer& buffer) const {
@@ -60,6 +73,8 @@ struct Recovery::Kept {
     std::string file_name;
     std::uint64_t file_time;
     LineStore written;                 // the text that the file leads to, at first its base
+    Change unwritten;                  // leads from there to a version of the buffer ...
+    std::uint64_t version;             // ... which is this one
     std::optional<RecoveryFile> file;  // made with the first statement
     bool copying_base = false;
 };
@@ -122,7 +137,7 @@ Recovery::Kept& Recovery::kept(const Buffer& buffer) {
 
 void Recovery::write(Buffer& buffer) {
     Kept& work = kept(buffer);
-    const std::vector<std::string> statements = text_changes(work.written, buffer.text());
+    const std::vector<std::string> statements = work.changes(buffer);
     std::string reason;
     if (!statements.empty() && !work.file) {
         work.file =
@@ -131,7 +146,7 @@ void Recovery::write(Buffer& buffer) {
         work.copying_base = work.file->copy_base();
     }
     if (!statements.empty() && !work.file->append(statements, reason)) return fail(reason);
-    work.written = buffer.text();
+    work.has_written(buffer);
     trouble_.clear();
 }
 

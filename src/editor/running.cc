@@ -22,6 +22,7 @@ void TPUEditor::step(const Piece& piece) {
 void TPUEditor::record(const std::function<std::string()>& text, const Piece& piece) {
     JournalEntry entry(*this, text);
     piece();
+    entry.finish();
 }
 
 void TPUEditor::come_to_rest() {

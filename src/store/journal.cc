@@ -128,18 +128,21 @@ bool tpu_journal_write_header(int fd) {
     return write_all(fd, header());
 }
 
-void tpu_journal_append(Buffer* buffer, std::string_view text) {
+void tpu_journal_append(Buffer* buffer, const std::vector<std::string>& texts) {
     if (!buffer || !buffer->journaling || buffer->journal_file.empty()) return;
+    if (texts.empty()) return;
     JournalFile journal = open_journal(buffer->journal_file, O_WRONLY);
     if (!journal.file) return end_recording(*buffer);
     std::string bytes;
     if (journal.size == 0) {
         // A text journal must not begin like a binary one.
-        bool misleads = !buffer->binary_journal && text.starts_with(kJournalMagic);
+        bool misleads = !buffer->binary_journal && texts.front().starts_with(kJournalMagic);
         if (buffer->binary_journal) bytes += header();
         if (misleads) bytes += ' ';
     }
-    bytes += buffer->binary_journal ? as_record(text) : as_line(text);
+    for (const std::string& text : texts) {
+        bytes += buffer->binary_journal ? as_record(text) : as_line(text);
+    }
     if (!append(journal, bytes)) end_recording(*buffer);
 }
 
@@ -166,7 +169,7 @@ bool tpu_journal_open(Buffer& buffer, const std::string& path, bool binary, std:
     buffer.binary_journal = binary;
     buffer.journal_file = path;
     buffer.journal_strayed = false;
-    buffer.journal_mirror.reset();
+    buffer.journal_follower.reset();
     buffer.journal_fault.clear();
     return true;
 }

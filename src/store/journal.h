@@ -20,6 +20,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tpu {
 
@@ -35,10 +36,10 @@ inline constexpr std::uint32_t kLongestRecord = 1u << 24;  // bytes that a repla
 // Begins a binary journal in an open file. False when it cannot be written.
 [[nodiscard]] bool tpu_journal_write_header(int fd);
 
-// Records a text for a buffer, which may be null or keep no journal: then nothing
-// happens. When it cannot be written, the recording ends, since what came behind it would
-// not fit what stands before it; the buffer's `journal_fault` has the reason.
-void tpu_journal_append(Buffer* buffer, std::string_view text);
+// Records texts for a buffer, all or none. It may be null or keep no journal: then nothing
+// happens. When they cannot be written, the recording ends, since what came behind them would
+// not fit what stands before; the buffer's `journal_fault` has the reason.
+void tpu_journal_append(Buffer* buffer, const std::vector<std::string>& texts);
 
 // The bytes that a journal has, and cutting it back unless others have added to it.
 std::optional<off_t> tpu_journal_size(const std::string& path);

@@ -40,6 +40,8 @@ bool load_file(Buffer& buffer, const std::string& path, Loading how,
     }
     buffer.set_text(std::move(*text));
     buffer.saved_lines = buffer.text();
+    buffer.since_saved_lines = {};
+    buffer.saved_version = buffer.changes().version();
     buffer.loading_size = mapped;
     buffer.loaded_block = mapped > 0 ? std::move(block) : Ref<TextBlock>();
     buffer.cursor_row = buffer.cursor_column = buffer.view_line = 0;

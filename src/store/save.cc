@@ -8,6 +8,7 @@
 #include "store/buffer_file.h"
 #include "store/safe_write.h"
 #include "store/saved_text.h"
+#include "text/differences.h"
 
 namespace tpu {
 
@@ -53,6 +54,7 @@ bool write_file(Buffer& buffer, const std::string& path) {
     auto write = [&buffer](int fd) { return write_lines(fd, buffer.text()); };
     // What follows the writing needs no memory.
     LineStore reloaded = as_loaded(buffer.text());
+    const Change dropped = change_between(reloaded, buffer.text());
     const bool is_as_known =
         target == buffer.file_name && FileVersion::of(target) == buffer.known_version;
     if (!write_safely(target, buffer.backup_on_write, write, buffer.save_note)) {
@@ -63,6 +65,8 @@ bool write_file(Buffer& buffer, const std::string& path) {
     buffer.file_name = std::move(target);
     buffer.modified = false;
     buffer.saved_lines = std::move(reloaded);
+    buffer.since_saved_lines = dropped;
+    buffer.saved_version = buffer.changes().version();
     note_written(buffer);
     return true;
 }

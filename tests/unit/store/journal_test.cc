@@ -2,9 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <random>
-
-#include "editor/journal_mirror.h"
+#include "editor/journal_follower.h"
 #include "support/session.h"
 #include "unit/store/temp_folder.h"
 
@@ -302,25 +300,19 @@ TEST_F(Journals, have_keys_as_statements) {
     s.editor.insert_paste("pasted\ttext\nline");
     s.press("<CTRL_V><RIGHT><RIGHT><CTRL_W><GOLD>U<CTRL_Z>y := 1<RETURN>");
     EXPECT_EQ(folder.read("j"), R"(COPY_TEXT(FAO("ab!%Cc", 34))
-MOVE_HORIZONTAL(2)
-ERASE_CHARACTER(-1)
-ERASE_CHARACTER(1)
-SPLIT_LINE
-COPY_TEXT("é")
+REPLACE_TEXT(5, 1, "")
+REPLACE_TEXT(5, 1, "")
+COPY_TEXT(FAO("!/é"))
 MOVE_HORIZONTAL(4)
 COPY_TEXT("z")
-MOVE_VERTICAL(-1)
 SET(OVERSTRIKE)
-COPY_TEXT("xy")
-MOVE_HORIZONTAL(-7)
-COPY_TEXT(FAO("pasted  text!/line"))
+REPLACE_TEXT(5, 0, "xy")
+REPLACE_TEXT(0, 7, FAO("pasted  text!/line"))
 SELECT
 MOVE_VERTICAL(1)
 MOVE_HORIZONTAL(-2)
 MOVE_TEXT
-SET(INSERT)
-COPY_TEXT(FAO("!/é"))
-SET(OVERSTRIKE)
+REPLACE_TEXT(17, 0, FAO("!/é"))
 y := 1
 )");
 }
@@ -344,80 +336,6 @@ TEST_F(Journals, write_what_was_typed_after_a_second_or_32_characters) {
     EXPECT_EQ(s.terminal.waits, (std::vector<int>{-1, 200}));
     EXPECT_TRUE(folder.read("j").ends_with("COPY_TEXT(\"d\")\n"));
 }
-
-class JournaledKeys : public Journals, public testing::WithParamInterface<unsigned> {};
-
-TEST_P(JournaledKeys, that_are_random_are_rebuilt_exactly) {
-    const Lines start{"one two", "", "\xe4\xb8\xad\xff\tthree", "tab\t\"quoted\"!"};
-    const Lines presses{
-        "a",
-        "\xc3\xa9",
-        " ",
-        "<RETURN>",
-        "<TAB>",
-        "<LEFT>",
-        "<RIGHT>",
-        "<UP>",
-        "<DOWN>",
-        "<HOME>",
-        "<END>",
-        "<DELETE>",
-        "word ",
-        "<INSERT>",
-        "<CTRL_V>",
-        "<CTRL_W>",
-        "<CTRL_Y>",
-        "<CTRL_O>",
-        "<CTRL_N>",
-        "<GOLD>U",
-        "<GOLD>R",
-        "<PAGEUP>",
-        "<PAGEDOWN>",
-        "<PF4>",
-        "<GOLD>E",
-        "<GOLD>T",
-        "<F9>",
-        "\xff",
-        "\"!",
-        "<BACKSPACE>",
-        "<F8>",
-        "<CTRL_Z>ERASE_LINE; SET(WRAP)<RETURN>",
-        "<CTRL_Z>TOP<RETURN>",
-        "<CTRL_Z>n := n + 1; COPY_TEXT(n & \"\")<RETURN>",
-        "<CTRL_Z>SET(NO_WRAP)<RETURN>",
-        "<CTRL_Z>FILL<RETURN>",
-        "<CTRL_F>o<RETURN>",
-    };
-    std::mt19937 random(GetParam());
-    Journaled s(start, 12, 20);
-    s.run("DEFINE_KEY(\"COPY_TEXT(9); UNDO; MOVE_HORIZONTAL(-1)\", \"F8\")");
-    s.buffer->right_margin = 15;
-    s.buffer->free_cursor = GetParam() % 2 == 0;
-    Journaled again(start, 12, 20);
-    again.buffer->right_margin = 15;
-    again.buffer->free_cursor = s.buffer->free_cursor;
-    s.open(path, GetParam() % 4 < 2 ? "TEXT" : "BINARY");
-#ifdef TPU_SANITIZE
-    constexpr int kMost = 2'000;
-#else
-    constexpr int kMost = 10'000;
-#endif
-    for (int i = 0; i < (GetParam() == 1 ? kMost : 2'000); ++i) {
-        s.press(presses[random() % presses.size()]);
-        if (random() % 50 == 0) s.editor.insert_paste("pasted\ttext\nand more");
-        if (random() % 100 == 0) s.run("IF SEARCH_QUIETLY(\"e\") THEN; COPY_TEXT(\"x\ty\"); ENDIF");
-        // Output of a process comes from no statement at all.
-        if (random() % 200 == 0) s.buffer->edit(0, 0, LineStore(Lines{"output\t", ""}));
-    }
-    flush_journals(s.editor, true);
-    const Lines said = again.recover(path);
-    EXPECT_TRUE(said[0].ends_with("the end of the journal was reached")) << said[0];
-    EXPECT_EQ(again.lines(), s.lines());
-    EXPECT_EQ(again.cursor(), s.cursor());
-    EXPECT_TRUE(again.editor.parser.error_list.empty()) << again.editor.parser.error_list.front();
-}
-
-INSTANTIATE_TEST_SUITE_P(Seeds, JournaledKeys, testing::Range(1u, 5u));
 
 }  // namespace
 }  // namespace tpu
