@@ -62,19 +62,25 @@ void run_statement(TPUEditor& editor, const CommandLine& line) {
     editor.parser.execute_text(typed);
 }
 
+void run_line(TPUEditor& editor, CommandLine& line, const std::string& text) {
+    // A variable may have any name: q := 1 is no QUIT.
+    if (line.word(1).starts_with(":=")) return editor.parser.execute_text(text);
+    line.words[0] = resolve_command(ascii::upper(line.words[0]));
+    if (run_in_layer(editor, Layer::eve, line) || run_procedure(editor, line) ||
+        run_in_layer(editor, Layer::editor, line)) {
+        return;
+    }
+    run_statement(editor, line);
+}
+
 }  // namespace
 
 void execute_command(TPUEditor& editor, const std::string& text) {
     CommandLine line(text);
     if (line.words.empty()) return;
     UndoStep step(editor);
-    // A variable may have any name: q := 1 is no QUIT.
-    if (line.word(1).starts_with(":=")) return editor.parser.execute_text(text);
-    line.words[0] = resolve_command(ascii::upper(line.words[0]));
-    if (run_in_layer(editor, Layer::eve, line)) return;
-    if (run_procedure(editor, line)) return;
-    if (run_in_layer(editor, Layer::editor, line)) return;
-    run_statement(editor, line);
+    run_line(editor, line, text);
+    step.finish();
 }
 
 bool is_command(const std::string& text) {

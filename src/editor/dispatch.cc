@@ -141,6 +141,7 @@ bool press(TPUEditor& editor, int key, std::string_view text) {
     }
     run_procedure(editor, editor.post_key_procedure);
     journaled.record();
+    step.finish();
     return typed;
 }
 
@@ -191,6 +192,7 @@ void TPUEditor::insert_paste(const std::string& text) {
         JournaledKey journaled(*this);
         current_buffer->copy_text(text, charset);
         journaled.record();
+        step.finish();
     }
 }
 

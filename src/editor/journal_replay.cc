@@ -69,19 +69,15 @@ class Replay {
         step_under_way_ = std::exchange(editor_.undo_step, nullptr);
     }
     ~Replay() {
-        editor_.undo_step = step_under_way_;
-        for (const auto& steps : steps_aside_) {
-            if (!editor_.owns(steps->of())) step_under_way_->forget(steps->of());
-        }
-        // What the replay has made begins with its first step.
-        for (const auto& buffer : editor_.buffers) {
-            if (!step_under_way_->watches(*buffer) && buffer->undo_stack.size() > 1) {
-                buffer->undo_stack.resize(1);
-            }
-        }
+        if (step_under_way_) lay_back();
     }
     Replay(const Replay&) = delete;
     Replay& operator=(const Replay&) = delete;
+
+    void finish() {
+        lay_back();
+        step_.finish();
+    }
 
     void run_all() {
         Kept session(editor_.running, editor_.exit_status);
@@ -99,12 +95,26 @@ class Replay {
     }
 
   private:
+    void lay_back() noexcept {
+        for (const auto& steps : steps_aside_) {
+            if (!editor_.owns(steps->of())) step_under_way_->forget(steps->of());
+        }
+        // What the replay has made begins with its first step.
+        for (const auto& buffer : editor_.buffers) {
+            if (!step_under_way_->watches(*buffer) && buffer->undo_stack.size() > 1) {
+                buffer->undo_stack.resize(1);
+            }
+        }
+        editor_.undo_step = std::exchange(step_under_way_, nullptr);
+        steps_aside_.clear();
+    }
+
     void run_one(const std::string& statement) {
         UndoStep step(editor_);
         run_.look_for_interrupt();
-        if (run_.interrupted) return;
-        run_.execute_whole(statement);
+        if (!run_.interrupted) run_.execute_whole(statement);
         if (!run_.interrupted) run_.control_signal = Signal::none;
+        step.finish();
     }
 
     std::string where_it_stopped() const {
@@ -144,6 +154,7 @@ JournalReader::End replay(TPUEditor& editor, Descriptor file) {
         replay.run_all();
     }
     replay.report();
+    replay.finish();
     return reader.end();
 }
 

@@ -17,6 +17,7 @@ bool TPUEditor::interrupt_waiting() {
 void TPUEditor::step(const Piece& piece) {
     UndoStep step(*this);
     piece();
+    step.finish();
 }
 
 void TPUEditor::record(const std::function<std::string()>& text, const Piece& piece) {

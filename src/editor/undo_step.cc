@@ -1,7 +1,6 @@
 #include "editor/undo_step.h"
 
 #include <algorithm>
-#include <exception>
 
 #include "editor/editor.h"
 #include "os/short_memory.h"
@@ -12,8 +11,7 @@ UndoStep::UndoStep(TPUEditor& editor)
     : editor_(editor),
       outer_(editor.undo_step),
       current_(editor.current_buffer),
-      window_(editor.current_window),
-      exceptions_(std::uncaught_exceptions()) {
+      window_(editor.current_window) {
     watch_current_buffer();
     if (!outer_) editor_.undo_step = this;  // when nothing can fail any more
 }
@@ -21,16 +19,16 @@ UndoStep::UndoStep(TPUEditor& editor)
 UndoStep::~UndoStep() {
     if (outer_) return;
     editor_.undo_step = nullptr;
-    if (std::uncaught_exceptions() > exceptions_) {
-        take_back();
-    } else {
-        // Where memory is too short the change stays, and undoing goes back to before it.
-        enough_memory([&] { finish(); });
-    }
+    if (!finished_) take_back();
 }
 
+// Where memory is too short the change stays, and undoing goes back to before it.
 void UndoStep::finish() {
-    for (const Watched& watched : watched_) finish(watched);
+    finished_ = true;
+    if (outer_) return;
+    enough_memory([&] {
+        for (const Watched& watched : watched_) finish(watched);
+    });
 }
 
 UndoStep::Watched& UndoStep::note(Buffer& buffer) {
@@ -76,7 +74,7 @@ void UndoStep::finish(const Watched& watched) const {
     if (watched.gets_undo) buffer.push_undo(watched.before.text, true);
 }
 
-void UndoStep::take_back() {
+void UndoStep::take_back() noexcept {
     for (const Watched& watched : watched_) {
         if (editor_.owns(watched.buffer)) watched.buffer->put_back(watched.before);
     }

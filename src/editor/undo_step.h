@@ -10,11 +10,11 @@ namespace tpu {
 class TPUEditor;
 struct TPUWindow;
 
-// While the outermost step lives, no snapshots are taken. When it ends, each
+// While the outermost step lives, no snapshots are taken. When it is finished, each
 // buffer it watched gets one: the state in which the step found it, if text or
 // cursor have changed since. A step that did nothing but undo or redo gets none,
-// and a step without effect leaves the redo stack alone. One that an exception ends has
-// not been: the buffers are put back into those states.
+// and a step without effect leaves the redo stack alone. One that is not finished, since an
+// exception has ended it, has not been: the buffers are put back into those states.
 class UndoStep {
   public:
     // Watches the current buffer, if there is one. Inner steps watch for the outer one.
@@ -23,6 +23,7 @@ class UndoStep {
     UndoStep(const UndoStep&) = delete;
     UndoStep& operator=(const UndoStep&) = delete;
 
+    void finish();
     void forget(const Buffer* buffer);  // it is being deleted
     // Watches the buffer that is current now, or another one, as well.
     void watch_current_buffer();
@@ -57,13 +58,13 @@ class UndoStep {
     Watched* find(const Buffer* buffer);
     void finish(const Watched& watched) const;
     Watched& note(Buffer& buffer);
-    void take_back();
+    void take_back() noexcept;
 
     TPUEditor& editor_;
     UndoStep* outer_;
     Buffer* current_;  // buffer and window at the begin
     TPUWindow* window_;
-    int exceptions_;  // under way at the begin
+    bool finished_ = false;
     std::vector<Watched> watched_;
     std::uint64_t records_ = 0;
 };
