@@ -51,12 +51,6 @@ std::string header() {
     return bytes;
 }
 
-std::string as_record(std::string_view text) {
-    std::string record;
-    put_number(record, static_cast<std::uint32_t>(text.size()));
-    return record.append(text);
-}
-
 std::string as_line(std::string_view text) {
     bool is_line = text.find('\n') == std::string_view::npos;
     return (is_line ? std::string(text) : on_one_line(text)) + '\n';
@@ -123,6 +117,11 @@ bool make_ready(const JournalFile& journal, bool binary, std::string& note) {
 
 }  // namespace
 
+void add_journal_record(std::string& bytes, std::string_view text) {
+    put_number(bytes, static_cast<std::uint32_t>(text.size()));
+    bytes += text;
+}
+
 bool tpu_journal_write_header(int fd) {
     HeldSignal size_limit(SIGXFSZ);
     return write_all(fd, header());
@@ -141,7 +140,11 @@ void tpu_journal_append(Buffer* buffer, const std::vector<std::string>& texts) {
         if (misleads) bytes += ' ';
     }
     for (const std::string& text : texts) {
-        bytes += buffer->binary_journal ? as_record(text) : as_line(text);
+        if (buffer->binary_journal) {
+            add_journal_record(bytes, text);
+        } else {
+            bytes += as_line(text);
+        }
     }
     if (!append(journal, bytes)) end_recording(*buffer);
 }

@@ -36,6 +36,9 @@ inline constexpr std::uint32_t kLongestRecord = 1u << 24;  // bytes that a repla
 // Begins a binary journal in an open file. False when it cannot be written.
 [[nodiscard]] bool tpu_journal_write_header(int fd);
 
+// Adds a record of a binary journal to those in `bytes`.
+void add_journal_record(std::string& bytes, std::string_view text);
+
 // Records texts for a buffer, all or none. It may be null or keep no journal: then nothing
 // happens. When they cannot be written, the recording ends, since what came behind them would
 // not fit what stands before; the buffer's `journal_fault` has the reason.

@@ -110,14 +110,6 @@ std::optional<std::uint64_t> file_time_in(std::string_view rest) {
     return whole ? std::optional(time) : std::nullopt;
 }
 
-void add_record(std::string& records, std::string_view statement) {
-    auto size = static_cast<std::uint32_t>(statement.size());
-    for (int shift = 0; shift < 32; shift += 8) {
-        records += static_cast<char>(size >> shift & 0xff);
-    }
-    records += statement;
-}
-
 // In pieces, since what was replaced in a large text is large. How many bytes there were;
 // nothing when they could not be written.
 std::optional<off_t> write_records(int fd, const std::vector<std::string>& statements) {
@@ -131,7 +123,7 @@ std::optional<off_t> write_records(int fd, const std::vector<std::string>& state
         return good;
     };
     for (const std::string& statement : statements) {
-        add_record(records, statement);
+        add_journal_record(records, statement);
         if (records.size() >= kPiece && !flush()) return std::nullopt;
     }
     return flush() ? std::optional(written) : std::nullopt;

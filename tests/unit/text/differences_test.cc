@@ -16,6 +16,7 @@ LineStore numbered_lines(int count) {
 
 // A text that keeps a log, and pictures of it that others have.
 struct Logged {
+    explicit Logged(int lines = 100'000) : text(numbered_lines(lines)) {}
     void change(std::uint64_t from, std::uint64_t to, const LineStore& part) {
         log.make_room();
         text.replace(from, to, part);
@@ -40,7 +41,7 @@ struct Logged {
         return replaced;
     }
 
-    LineStore text = numbered_lines(100'000);
+    LineStore text;
     ChangeLog log;
     std::vector<std::pair<LineStore, std::uint64_t>> pictures{{text, log.version()}};
 };
@@ -48,7 +49,7 @@ struct Logged {
 TEST(ChangeLog, leads_from_any_version_to_that_of_now) {
     for (unsigned seed = 1; seed <= 20; ++seed) {
         std::mt19937 random(seed);
-        Logged logged;
+        Logged logged(2000);
         std::uint64_t place = 0;
         for (int i = 0; i < 300; ++i) {
             const std::uint64_t bytes = logged.text.bytes();
