@@ -46,7 +46,8 @@ void journal_open(Call& call) {
     bool opened = call.args.count() > 0 && tpu_journal_open(call.buffer(), name, binary, note);
     if (!note.empty()) editor_of(call).set_message(note);
     if (!opened) return editor_of(call).set_message("JOURNAL_OPEN: cannot write " + name);
-    JournalFollower& follower = follower_of(call.buffer());  // what else the statement does counts too
+    JournalFollower& follower =
+        follower_of(call.buffer());  // what else the statement does counts too
     if (is_empty_journal(name)) record_start(follower, call.buffer());
     editor_of(call).set_message(
         (binary ? "Journaling (binary TPJB) to " : "Journaling (text) to ") + name);

@@ -57,13 +57,13 @@ void FindSession::paste(std::string_view text) {
 void FindSession::step_aside() {
     if (!buffer_) return;
     found_at_ = cursor();
-    text_ = buffer_->lines;
+    text_ = buffer_->text();
     go_to(origin_);
 }
 
 bool FindSession::step_back() {
     if (!buffer_) return true;
-    const bool same = cursor() == origin_ && text_.is_same_version(buffer_->lines);
+    const bool same = cursor() == origin_ && text_.is_same_version(buffer_->text());
     if (same) {
         go_to(found_at_);
     } else {
@@ -77,9 +77,9 @@ bool FindSession::step_back() {
 void FindSession::move_start() {
     const bool is_there = start_ == origin_;
     origin_ = cursor();
-    const std::uint64_t bytes = buffer_->lines.bytes();
+    const std::uint64_t bytes = buffer_->text().bytes();
     const std::uint64_t behind = text_.bytes() - std::min(text_.offset(start_), text_.bytes());
-    start_ = is_there ? origin_ : buffer_->lines.position(bytes - std::min(behind, bytes));
+    start_ = is_there ? origin_ : buffer_->text().position(bytes - std::min(behind, bytes));
 }
 
 void FindSession::forget(const Buffer& buffer) {

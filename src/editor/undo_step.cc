@@ -86,6 +86,7 @@ void UndoStep::take_back() noexcept {
 
 // Buffers that are gone by now are left out; new ones are for those who change them.
 void UndoStep::begin_again() {
+    finished_ = false;
     std::erase_if(watched_, [&](const Watched& watched) { return !editor_.owns(watched.buffer); });
     for (Watched& watched : watched_) {
         Buffer& buffer = *watched.buffer;

@@ -23,7 +23,10 @@ class UndoStep {
     UndoStep(const UndoStep&) = delete;
     UndoStep& operator=(const UndoStep&) = delete;
 
+    // Makes steps of what has changed so far.
     void finish();
+    // Goes on with the same buffers as they are now.
+    void begin_again();
     void forget(const Buffer* buffer);  // it is being deleted
     // Watches the buffer that is current now, or another one, as well.
     void watch_current_buffer();
@@ -33,9 +36,6 @@ class UndoStep {
     void protect(Buffer& buffer);
     // What has changed so far is no concern of an UNDO that follows.
     void begin_part();
-    // Makes steps of what has changed so far, and goes on with those buffers as they are now.
-    void finish();
-    void begin_again();
     // A statement of this step gets a record of its own; false: it is not the first one.
     bool takes_record() { return records_++ == 0; }
 

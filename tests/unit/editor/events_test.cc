@@ -116,7 +116,7 @@ TEST(Prompts, for_a_text_stay_where_they_have_found_it) {
     s.wait_and_press("<CTRL_F>two<CTRL_F>~~~~~<RETURN>");
     EXPECT_EQ(s.lines(), (Rows{"new", "new", "one two two two"}));
     EXPECT_EQ(s.cursor(), (Position{2, 8}));
-    const std::string told = s.editor.find_buffer("$MESSAGE_BUFFER")->lines.text();
+    const std::string told = s.editor.find_buffer("$MESSAGE_BUFFER")->text().text();
     EXPECT_EQ(told, "I-find: \nI-find: t\nI-find: tw\nI-find: two\nI-find: two\nFound");
     s.press("<GOLD>U");
     EXPECT_EQ(s.cursor(), (Position{2, 0}));
@@ -154,7 +154,7 @@ TEST(Prompts, survive_whatever_the_timer_does) {
         if (action == std::string("POSITION(other)")) {
             EXPECT_EQ(s.cursor(), (Position{0, 0}));
         }
-        EXPECT_EQ(s.editor.find_buffer("OTHER")->lines.text(), "kept two");
+        EXPECT_EQ(s.editor.find_buffer("OTHER")->text().text(), "kept two");
         EXPECT_EQ(s.editor.input_mode, nullptr);
         EXPECT_EQ(s.editor.undo_step, nullptr);
     }

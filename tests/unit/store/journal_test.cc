@@ -317,6 +317,15 @@ y := 1
 )");
 }
 
+TEST_F(Journals, rebuild_what_a_process_wrote_within_a_character) {
+    Journaled s({"\xc3\xa9"}), again({"\xc3\xa9"});
+    s.open(path);
+    s.buffer->edit(1, 1, "x");
+    s.press("<END>");
+    again.recover(path);
+    EXPECT_EQ(again.lines(), Lines{"\xc3x\xa9"});
+}
+
 TEST_F(Journals, write_what_was_typed_after_a_second_or_32_characters) {
     Journaled s({""});
     s.open(path, "TEXT");
