@@ -29,12 +29,6 @@ class TakingOver : public testing::Test {
             EXPECT_EQ(tty.output()[last + mode.size()], 'l') << mode.substr(1);
         }
     }
-    // The program refuses to start: one line, and the terminal is untouched.
-    void expect_refusal(const std::string& line) {
-        EXPECT_EQ(tty.exit_status(), 1);
-        EXPECT_EQ(tty.errors(), line + "\n");
-        EXPECT_EQ(tty.output(), "");
-    }
 
     PtySession tty;
 };
@@ -156,29 +150,26 @@ TEST_F(TakingOver, survives_a_file_that_shrinks_while_it_is_read) {
     }
 }
 
-TEST_F(TakingOver, has_a_terminal_type_of_its_own_when_none_is_set) {
+TEST_F(TakingOver, refuses_what_is_no_terminal_or_cannot_place_its_cursor) {
+    const struct {
+        const char *variable, *value, *input, *complaint;
+    } cases[] = {
+        {"TERM", "no-such-terminal", "", "newterm() failed for TERM=no-such-terminal"},
+        {"TERM", "dumb", "", "tpu: a terminal of type dumb cannot place its cursor"},
+        {"TERM", "xterm", "/dev/null", "tpu: standard input is not a terminal"},
+        {"ZK_TTY", "/dev/null", "", "ZK_TTY is not a TTY: /dev/null"},
+    };
+    for (const auto& c : cases) {
+        PtySession session;
+        session.environment[c.variable] = c.value;
+        session.start({"a.txt"}, c.input);
+        EXPECT_EQ(session.exit_status(), 1);
+        EXPECT_EQ(session.errors(), std::string(c.complaint) + "\n");
+        EXPECT_EQ(session.output(), "");
+    }
     tty.environment.erase("TERM");
     tty.edit("a.txt", "text");
     EXPECT_TRUE(tty.shows(0, "text"));
-    tty.type("\030");
-    EXPECT_EQ(tty.exit_status(), 0);
-}
-
-TEST_F(TakingOver, refuses_an_unknown_terminal_type) {
-    tty.environment["TERM"] = "no-such-terminal";
-    tty.start({"a.txt"});
-    expect_refusal("newterm() failed for TERM=no-such-terminal");
-}
-
-TEST_F(TakingOver, refuses_a_terminal_that_cannot_place_its_cursor) {
-    tty.environment["TERM"] = "dumb";
-    tty.start({"a.txt"});
-    expect_refusal("tpu: a terminal of type dumb cannot place its cursor");
-}
-
-TEST_F(TakingOver, refuses_standard_input_that_is_no_terminal) {
-    tty.start({"a.txt"}, "/dev/null");
-    expect_refusal("tpu: standard input is not a terminal");
 }
 
 TEST_F(TakingOver, version_and_help_need_no_terminal) {
@@ -207,10 +198,24 @@ TEST_F(TakingOver, works_on_another_terminal_when_told_to) {
     EXPECT_EQ(home.output(), "");
 }
 
-TEST_F(TakingOver, refuses_another_terminal_that_is_none) {
-    tty.environment["ZK_TTY"] = "/dev/null";
-    tty.start({});
-    expect_refusal("ZK_TTY is not a TTY: /dev/null");
+TEST_F(TakingOver, reports_the_mouse_from_SET_to_the_end_of_the_program) {
+    constexpr std::string_view kOn = "\033[?1000h", kOff = "\033[?1000l";
+    tty.edit("a.txt", "one\ntwo\nthree");
+    auto command = [&](const std::string& line) { tty.type("\032" + line + "\r"); };
+    EXPECT_EQ(tty.output().find(kOn), std::string::npos);
+    command("SET(MOUSE, ON)");
+    EXPECT_TRUE(tty.eventually([&] { return tty.output().find(kOn) != std::string::npos; }));
+    tty.type("\033[<0;3;2M");
+    EXPECT_TRUE(tty.has_cursor_at(1, 2)) << tty.screen();
+    command("SET(MOUSE, OFF)");
+    EXPECT_TRUE(
+        tty.eventually([&] { return tty.output().rfind(kOff) + 1 > tty.output().rfind(kOn) + 1; }));
+    command("SET(MOUSE, ON)");
+    EXPECT_TRUE(tty.eventually([&] { return tty.output().rfind(kOn) > tty.output().rfind(kOff); }));
+    tty.type("\030");
+    EXPECT_EQ(tty.exit_status(), 0);
+    EXPECT_GT(tty.output().rfind(kOff), tty.output().rfind(kOn));
+    EXPECT_NE(tty.output().rfind(kOff), std::string::npos);
 }
 
 }  // namespace

@@ -114,13 +114,6 @@ TEST(Callable, takes_any_text) {
     EXPECT_EQ(host.value("\"a\tb\r\""), "a\tb\r");
 }
 
-TEST(Callable, knows_the_texts_of_status_names) {
-    Host host;
-    host.run("MESSAGE(\"TPU$_STRNOTFOUND\")");
-    EXPECT_EQ(host.message(), "string not found");
-    EXPECT_EQ(host.value("MESSAGE_TEXT(\"strnotfound\")"), "string not found");
-}
-
 TEST(Callable, compiles_procedures_and_collects_the_output_of_subprocesses) {
     Host host;
     host.run("COMPILE(\"PROCEDURE twice(n) ! doubles\nRETURN n + n;\nENDPROCEDURE\")");

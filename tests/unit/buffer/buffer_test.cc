@@ -27,27 +27,6 @@ struct Text : Buffer {
     Lines all() const { return this->text().lines(); }
 };
 
-TEST(Cursor, crosses_one_line_end_at_most) {
-    Text text({"first", "second", "third", "abcdef"}, {3, 2});
-    text.move_horizontal(-5);
-    EXPECT_EQ(text.cursor(), (Position{2, 5}));
-    text.move_horizontal(3);
-    EXPECT_EQ(text.cursor(), (Position{3, 0}));
-    text.move_horizontal(10);
-    EXPECT_EQ(text.cursor(), (Position{3, 6}));
-    text.go(0, 2);
-    text.move_horizontal(-3);
-    EXPECT_EQ(text.cursor(), (Position{0, 0}));
-    text.move_vertical(INT32_MAX);
-    EXPECT_EQ(text.cursor_row, 3u);
-    text.move_vertical(INT32_MIN);
-    EXPECT_EQ(text.cursor_row, 0u);
-    text.go(2, 5);
-    text.move_vertical(-1);
-    text.move_vertical(-1);
-    EXPECT_EQ(text.cursor(), (Position{0, 5}));
-}
-
 TEST(Cursor, stands_past_the_text_only_when_free_and_not_too_far) {
     Text text({"ab"});
     text.free_cursor = true;
@@ -67,14 +46,6 @@ TEST(Cursor, stands_past_the_text_only_when_free_and_not_too_far) {
     EXPECT_EQ(text.cursor_column, 5u);
 }
 
-TEST(Cursor, knows_its_offset_and_character) {
-    Text text({"ab", "", "cde"}, {2, 1});
-    EXPECT_EQ(text.current_offset_in_line(), 5u);
-    EXPECT_EQ(text.current_character(), 'd');
-    text.go(1, 0);
-    EXPECT_EQ(text.current_character(), '\n');
-}
-
 TEST(Ranges, are_put_in_order_and_stay_in_one_buffer) {
     Text text({"abc", "def"}), other({"x"});
     Range backward = text.range({1, 2}, {0, 1});
@@ -89,23 +60,6 @@ TEST(Ranges, are_put_in_order_and_stay_in_one_buffer) {
     EXPECT_TRUE(text.position_in_range(0, 1, backward));
     EXPECT_FALSE(text.position_in_range(1, 0, backward));
     EXPECT_FALSE(text.position_in_range(0, 2, backward));
-}
-
-TEST(Lines, are_split_joined_and_erased) {
-    Text text({"one", "two", "three"}, {1, 1});
-    text.split_line();
-    EXPECT_EQ(text.all(), (Lines{"one", "t", "wo", "three"}));
-    EXPECT_EQ(text.cursor(), (Position{2, 0}));
-    text.append_line();
-    EXPECT_EQ(text.all(), (Lines{"one", "two", "three"}));
-    EXPECT_EQ(text.cursor(), (Position{1, 1}));
-    text.go(2, 5);
-    text.erase_line();
-    EXPECT_EQ(text.cursor(), (Position{1, 3}));
-    text.erase_line();
-    text.erase_line();
-    EXPECT_EQ(text.all(), (Lines{""}));
-    EXPECT_EQ(text.cursor(), (Position{0, 0}));
 }
 
 TEST(Lines, lose_characters_one_by_one_as_in_one_go) {
@@ -126,38 +80,6 @@ TEST(Lines, lose_characters_one_by_one_as_in_one_go) {
         ASSERT_EQ(once.cursor(), steps.cursor());
         ASSERT_EQ(once.modified, steps.modified);
     }
-}
-
-TEST(Lines, stay_when_the_buffer_may_not_be_modified) {
-    Text text({"one two", "three"}, {1, 2});
-    text.modifiable = false;
-    text.right_margin = 2;
-    text.free_cursor = true;
-    text.box_register = {"x"};
-    text.split_line();
-    text.append_line();
-    text.erase_line();
-    text.erase_n_characters(1);
-    text.copy_text('x');
-    text.copy_text("x");
-    text.insert_tab();
-    text.go(0, 6);
-    text.wrap_current_line();
-    text.cursor_column = 20;
-    text.materialize_cursor_column();
-    text.erase_range(text.range({0, 0}, {1, 0}));
-    text.change_case_range(text.range({0, 0}, {1, 0}), Buffer::Case::upper);
-    text.translate_range(text.range({0, 0}, {1, 0}), "o", "0");
-    text.change_case_buffer(Buffer::Case::upper);
-    text.change_case_word(Buffer::Case::upper);
-    text.translate("o", "0");
-    text.fill_range(text.range({0, 0}, {1, 0}), 1, 4);
-    text.box_cut(0, 1, 0, 2);
-    text.box_paste(0, 0);
-    EXPECT_EQ(text.all(), (Lines{"one two", "three"}));
-    EXPECT_FALSE(text.modified);
-    text.shift_columns(1);  // which does not ask
-    EXPECT_EQ(text.all(), (Lines{" one two", " three"}));
 }
 
 TEST(Undo, goes_back_two_hundred_snapshots_and_forth_again) {
@@ -194,47 +116,6 @@ TEST(Undo, keeps_the_view_and_can_be_switched_off) {
     text.push_undo(true);
     EXPECT_EQ(text.undo_stack.size(), 0u);
     EXPECT_EQ(text.redo_stack.size(), 1u);
-}
-
-// What sets the modified flag although it may change nothing, and what does not.
-TEST(Modified, is_set_by_every_operation_that_says_so) {
-    Text other({"x"});
-    struct Case {
-        const char* name;
-        void (*run)(Text&, Text&);
-        bool modified;
-    };
-    const Case cases[] = {
-        {"erase_range",
-         [](Text& t, Text&) {
-             t.erase_range(t.range({0, 1}, {0, 1}));
-         },
-         true},
-        {"of another",
-         [](Text& t, Text& o) {
-             t.erase_range(o.range({0, 0}, {0, 1}));
-         },
-         false},
-        {"box_paste", [](Text& t, Text&) { t.box_register = {""}, t.box_paste(0, 0); }, true},
-        {"no box", [](Text& t, Text&) { t.box_paste(0, 0); }, false},
-        {"shift", [](Text& t, Text&) { t.shift_columns(0); }, true},
-        {"translate", [](Text& t, Text&) { t.translate("z", "y"); }, true},
-        {"translate nothing", [](Text& t, Text&) { t.translate("", "y"); }, false},
-        {"case",
-         [](Text& t, Text&) {
-             t.change_case_range(t.range({7, 0}, {9, 0}), {});
-         },
-         true},
-        {"erase at the end", [](Text& t, Text&) { t.go(0, 3), t.erase_n_characters(9); }, false},
-        {"append", [](Text& t, Text&) { t.append_line(); }, false},
-    };
-    for (const Case& c : cases) {
-        Text text({"abc"});
-        c.run(text, other);
-        EXPECT_EQ(text.modified, c.modified) << c.name;
-        EXPECT_EQ(text.all(), (Lines{"abc"})) << c.name;
-    }
-    EXPECT_EQ(other.text_of_range(Text({"abc"}).range({0, 0}, {0, 1})), "");
 }
 
 TEST(Cursor, ignores_markers_of_other_buffers) {
@@ -301,23 +182,6 @@ TEST(Typing, of_a_string_is_typing_of_its_characters) {
     }
 }
 
-TEST(Typing, of_tabs_goes_to_the_next_stop) {
-    Text text({""});
-    text.insert_tab();
-    EXPECT_EQ(text.cursor_column, 8u);
-    text.insert_tab();
-    EXPECT_EQ(text.cursor_column, 16u);
-    text.set_text(LineStore());
-    text.go(0, 0);
-    text.tab_stops = {5, 10};
-    text.insert_tab();
-    EXPECT_EQ(text.cursor_column, 4u);
-    text.insert_tab();
-    EXPECT_EQ(text.cursor_column, 9u);
-    text.insert_tab();
-    EXPECT_EQ(text.all(), (Lines{std::string(16, ' ')}));
-}
-
 TEST(Typing, wraps_at_the_last_blank_before_the_cursor) {
     Text text({"aaa bbb  ccc ddd"}, {0, 11});
     text.right_margin = 10;
@@ -329,34 +193,6 @@ TEST(Typing, wraps_at_the_last_blank_before_the_cursor) {
     word.right_margin = 10;
     word.wrap_current_line();
     EXPECT_EQ(word.all(), (Lines{"aaaaaaaaaaaaaaaa bb"}));
-}
-
-TEST(Characters, of_several_bytes_are_one_for_the_keys) {
-    Text text({"a\xc3\xa9\xe2\x82\xac\xff", "\xc3"}, {0, 0});
-    std::vector<std::uint64_t> stops;
-    for (int i = 0; i < 5; ++i, text.move_character_right(Charset::utf8)) {
-        stops.push_back(text.cursor_column);
-    }
-    EXPECT_EQ(stops, (std::vector<std::uint64_t>{0, 1, 3, 6, 7}));
-    EXPECT_EQ(text.cursor(), (Position{1, 0}));
-    for (int i = 0; i < 3; ++i) text.move_character_left(Charset::utf8);
-    EXPECT_EQ(text.cursor(), (Position{0, 3}));
-    text.cursor_column = 5;  // inside the euro sign
-    text.move_character_left(Charset::utf8);
-    EXPECT_EQ(text.cursor_column, 3u);
-    text.cursor_column = 4;
-    text.type_character("\xc3\xbc", Charset::utf8);
-    EXPECT_EQ(text.text()[0], "a\xc3\xa9\xc3\xbc\xe2\x82\xac\xff");
-    text.cursor_column = 6;
-    text.erase_character_at_cursor(Charset::utf8);
-    text.erase_character_left(Charset::utf8);
-    EXPECT_EQ(text.text()[0], "a\xc3\xa9\xff");
-    text.insert_mode = false;
-    text.cursor_column = 1;
-    text.copy_text("xy", Charset::utf8);
-    EXPECT_EQ(text.text()[0], "axy");
-    text.erase_character_left(Charset::bytes);
-    EXPECT_EQ(text.cursor(), (Position{0, 2}));
 }
 
 TEST(Fill, makes_lines_no_longer_than_the_margin_but_for_long_words) {
@@ -376,40 +212,6 @@ TEST(Fill, makes_lines_no_longer_than_the_margin_but_for_long_words) {
     EXPECT_EQ(empty.all(), (Lines{"   "}));
 }
 
-TEST(Case, is_changed_in_words_ranges_and_buffers) {
-    Text text({"  one TWO", "x\xc3\xa9Y"});
-    text.change_case_word(Buffer::Case::upper);
-    EXPECT_EQ(text.text()[0], "  ONE TWO");
-    EXPECT_EQ(text.cursor_column, 5u);
-    text.change_case_range(text.range({0, 6}, {1, 1}), Buffer::Case::invert);
-    EXPECT_EQ(text.all(), (Lines{"  ONE two", "X\xc3\xa9Y"}));
-    text.change_case_buffer(Buffer::Case::lower);
-    EXPECT_EQ(text.all(), (Lines{"  one two", "x\xc3\xa9y"}));
-    text.go(1, 4);
-    text.modified = false;
-    text.change_case_word(Buffer::Case::upper);
-    EXPECT_TRUE(text.modified);
-}
-
-TEST(Translate, maps_bytes_and_keeps_those_without_a_partner) {
-    Text text({"abcabc", "ab"});
-    text.translate("abc", "x");
-    EXPECT_EQ(text.all(), (Lines{"xbcxbc", "xb"}));
-    text.translate_range(text.range({0, 1}, {1, 1}), "xb", "\ny");
-    EXPECT_EQ(text.all(), (Lines{"xyc\nyc", "\nb"}));
-    EXPECT_EQ(text.text().size(), 2u);
-    text.translate("", "x");
-    EXPECT_EQ(text.text()[1], "\nb");
-}
-
-TEST(Shift, moves_every_line) {
-    Text text({"abcd", "", "xy"});
-    text.shift_columns(2);
-    EXPECT_EQ(text.all(), (Lines{"  abcd", "  ", "  xy"}));
-    text.shift_columns(-3);
-    EXPECT_EQ(text.all(), (Lines{"bcd", "", "y"}));
-}
-
 TEST(Ranges, are_read_and_erased_across_lines) {
     Text text({"one", "two", "three"});
     EXPECT_EQ(text.text_of_range(text.range({0, 0}, {2, 0})), "one\ntwo\n");
@@ -422,21 +224,6 @@ TEST(Ranges, are_read_and_erased_across_lines) {
     EXPECT_EQ(text.cursor(), (Position{0, 1}));
     text.erase_range(text.range({0, 2}, {0, 99}));
     EXPECT_EQ(text.all(), (Lines{"or"}));
-}
-
-TEST(Boxes, are_cut_and_pasted_with_padding) {
-    Text text({"abcdef", "xy", "123456"});
-    text.box_cut(2, 0, 4, 2);
-    EXPECT_EQ(text.box_register, (Lines{"cd", "", "34"}));
-    EXPECT_EQ(text.all(), (Lines{"abef", "xy", "1256"}));
-    EXPECT_EQ(text.cursor(), (Position{0, 2}));
-    text.box_cut(0, 0, 0, 0);
-    EXPECT_EQ(text.box_register, (Lines{""}));
-    text.box_register = {"cd", "", "34"};
-    text.go(0, 2);
-    text.box_paste(2, 5);
-    EXPECT_EQ(text.all(), (Lines{"abef", "xy", "1256 cd", "     ", "     34"}));
-    EXPECT_EQ(text.cursor(), (Position{0, 2}));
 }
 
 }  // namespace

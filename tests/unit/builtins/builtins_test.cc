@@ -35,45 +35,5 @@ TEST(Builtins, no_name_means_two_things) {
     }
 }
 
-// What may stand in an expression without parentheses; all else is a variable there.
-TEST(Builtins, only_some_stand_bare) {
-    const std::set<std::string_view> expected = {
-        "ANCHOR",
-        "UNANCHOR",
-        "REMAIN",
-        "PAGE_BREAK",
-        "LINE_BEGIN",
-        "LINE_END",
-        "CREATE_ARRAY",
-        "MARK",
-        "CURRENT_LINE",
-        "CURRENT_COLUMN",
-        "CURRENT_ROW",
-        "CURRENT_OFFSET",
-        "CURRENT_BUFFER",
-        "CURRENT_CHARACTER",
-        "CURRENT_DIRECTION",
-        "CURRENT_WINDOW",
-        "SELECT_RANGE",
-        "LAST_KEY",
-        "ERROR",
-        "ERROR_LINE",
-        "ERROR_TEXT",
-        "LEARN_END",
-        "READ_LINE",
-        "PROMPT",
-        "READ_CHAR",
-        "READ_CLIPBOARD",
-    };
-    std::set<std::string_view> bare;
-    for (std::span<const Builtin> family : all_builtins().families()) {
-        for (const Builtin& row : family) {
-            if (row.bare) bare.insert(row.name);
-        }
-    }
-    bare.insert("READ_CLIPBOARD");
-    EXPECT_EQ(bare, expected);
-}
-
 }  // namespace
 }  // namespace tpu

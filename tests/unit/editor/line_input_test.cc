@@ -77,14 +77,5 @@ TEST(LineInput, completes_what_is_common_and_then_goes_through_the_rest) {
     EXPECT_EQ(typed("x<TAB>"), "x|");
 }
 
-TEST(LineInput, is_recalled_on_the_command_line_of_the_session) {
-    Session session({"one"});
-    session.press("<CTRL_Z>bottom<RETURN><CTRL_Z>what line<RETURN><CTRL_Z>bottom<RETURN>");
-    session.press("<CTRL_Z>bot<CTRL_G>");
-    EXPECT_EQ(session.editor.command_history, (std::vector<std::string>{"what line", "bottom"}));
-    session.press("<CTRL_Z><UP><UP><RETURN>");
-    EXPECT_EQ(session.editor.message, "Line 1 of 1  Col 4");
-}
-
 }  // namespace
 }  // namespace tpu

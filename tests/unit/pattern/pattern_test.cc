@@ -245,25 +245,6 @@ TEST(Pattern, matches_from_a_column_past_the_end_of_a_line) {
     EXPECT_EQ((Position{row, column}), (Position{1, 1}));
 }
 
-TEST(Search, skips_the_occurrence_under_the_cursor_and_does_not_wrap) {
-    Buffer buffer("B", "");
-    buffer.set_text(LineStore(Lines{"ab ab", "xab"}));
-    EXPECT_TRUE(search_forward(buffer, "ab"));
-    EXPECT_EQ(buffer.cursor_column, 3u);
-    EXPECT_TRUE(search_forward(buffer, "ab"));
-    EXPECT_EQ((Position{buffer.cursor_row, buffer.cursor_column}), (Position{1, 1}));
-    EXPECT_FALSE(search_forward(buffer, "ab"));
-    EXPECT_EQ(buffer.cursor_row, 1u);
-    EXPECT_TRUE(search_from_top(buffer, "ab"));
-    EXPECT_EQ(buffer.cursor_row, 0u);
-    EXPECT_FALSE(search_forward(buffer, ""));
-    EXPECT_FALSE(search_forward(buffer, "ab\nx"));
-    buffer.edit(buffer.text().bytes(), buffer.text().bytes(),
-                "\n");  // a line feed that ends no line
-    EXPECT_TRUE(search_forward(buffer, "\n"));
-    EXPECT_EQ(buffer.cursor_row, 1u);
-}
-
 // Every one of these is quadratic when starts repeat what earlier ones walked. The
 // lines are long enough that such a search would run into the tests' time limit.
 TEST(Search, is_linear_for_patterns_that_never_match) {
