@@ -5,8 +5,10 @@
 #include "commands/help.h"
 #include "commands/show.h"
 #include "editor/editor.h"
+#include "pattern/pattern_text.h"
 #include "pattern/search.h"
 #include "text/ascii.h"
+#include "value/call_text.h"
 
 namespace tpu {
 
@@ -54,7 +56,7 @@ bool is_pattern(std::string_view text) {
 
 // Without the quotes around it, of either kind.
 std::string unquoted(const std::string& text) {
-    std::string bare = MiniTPUParser::strip_quotes(text);
+    std::string bare = strip_quotes(text);
     bool single = bare.size() >= 2 && bare.front() == '\'' && bare.back() == '\'';
     return single ? bare.substr(1, bare.size() - 2) : bare;
 }
@@ -63,7 +65,7 @@ bool search(TPUEditor& editor, Line line, Work& work) {
     std::string text(line.from_word(1));
     Buffer& buffer = *editor.current_buffer;
     if (!is_pattern(text)) return search_forward(buffer, unquoted(text));
-    TPUPattern pattern = MiniTPUParser::parse_pattern_expression(text);
+    TPUPattern pattern = parse_pattern_expression(text);
     return search_pattern_forward(buffer, pattern, true, false, &work).has_value();
 }
 

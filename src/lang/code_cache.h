@@ -9,11 +9,12 @@
 
 namespace tpu {
 
+struct StmtCode;
+
 // Text to shared code. Bounded: a full cache is emptied, which changes no result.
-template <class Code>
-class TextCache {
+class CodeCache {
   public:
-    using Shared = std::shared_ptr<const Code>;
+    using Shared = std::shared_ptr<const StmtCode>;
 
     template <class Make>
     Shared get(const std::string& text, Make make) {
@@ -31,14 +32,6 @@ class TextCache {
     static constexpr std::size_t kLongest = 4096;  // bytes of text
 
     std::unordered_map<std::string, Shared> codes_;
-};
-
-class Node;
-struct StmtCode;
-
-struct CodeCache {
-    TextCache<StmtCode> statements;
-    TextCache<Node> expressions;
 };
 
 }  // namespace tpu

@@ -34,30 +34,41 @@ unsigned radix_of(char letter) {
     }
 }
 
+// How tightly the operators of an expression bind.
+enum class Level { or_, and_, compare, add, multiply, unary, primary };
+
+// Passes blanks.
+void skip_blanks(std::string_view text, std::size_t& position) {
+    while (position < text.size() && ascii::is_space(text[position])) ++position;
+}
+
+// Passes blanks and then `word` in any case, unless more of a word follows it. True
+// when the word stood there; otherwise only blanks are passed.
+bool match_word(std::string_view text, std::size_t& position, std::string_view word) {
+    skip_blanks(text, position);
+    std::string_view here = text.substr(position);
+    if (here.size() < word.size()) return false;
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        if (ascii::to_upper(here[i]) != word[i]) return false;
+    }
+    if (here.size() > word.size()) {
+        char next = here[word.size()];
+        if (ascii::is_letter(next) || ascii::is_digit(next) || next == '_') return false;
+    }
+    position += word.size();
+    return true;
+}
+
 class Compiler {
   public:
-    Compiler(std::string_view text, std::size_t position, SymbolTable& symbols)
-        : text_(text), at_(position), symbols_(symbols) {}
+    Compiler(std::string_view text, SymbolTable& symbols) : text_(text), symbols_(symbols) {}
 
-    std::size_t position() const { return at_; }
-
-    // The expression from here on, wrapped for where it is nested deeply.
-    NodePtr whole(Level level) {
+    // The expression, wrapped for where it is nested deeply.
+    NodePtr whole() {
         NodePtr node;
-        auto work = [&] { node = read(level); };
+        auto work = [&] { node = read(Level::or_); };
         if (!with_stack_for_it(work)) node = too_deep();
         return wrapped(std::move(node));
-    }
-
-    // The same for the arguments of a call.
-    CallSite whole_arguments() {
-        CallSite site;
-        auto work = [&] { site = arguments(); };
-        if (!with_stack_for_it(work)) site.arguments.push_back({"", too_deep()});
-        for (Argument& argument : site.arguments) {
-            argument.code = wrapped(std::move(argument.code));
-        }
-        return site;
     }
 
   private:
@@ -286,7 +297,7 @@ class Compiler {
     }
 
     std::string_view text_;
-    std::size_t at_;
+    std::size_t at_ = 0;
     std::shared_ptr<const std::string> source_;  // a copy of the text, once a call needs it
     SymbolTable& symbols_;
     int depth_ = 0;
@@ -295,61 +306,25 @@ class Compiler {
 
 }  // namespace
 
-void skip_blanks(std::string_view text, std::size_t& position) {
-    while (position < text.size() && ascii::is_space(text[position])) ++position;
-}
-
-bool match_word(std::string_view text, std::size_t& position, std::string_view word) {
-    skip_blanks(text, position);
-    std::string_view here = text.substr(position);
-    if (here.size() < word.size()) return false;
-    for (std::size_t i = 0; i < word.size(); ++i) {
-        if (ascii::to_upper(here[i]) != word[i]) return false;
-    }
-    if (here.size() > word.size()) {
-        char next = here[word.size()];
-        if (ascii::is_letter(next) || ascii::is_digit(next) || next == '_') return false;
-    }
-    position += word.size();
-    return true;
-}
-
 NodePtr compile_expression(std::string_view text, SymbolTable& symbols) {
     text = ascii::trim(text);
     if (text.empty()) return nullptr;
-    return Compiler(text, 0, symbols).whole(Level::or_);
-}
-
-NodePtr compile_level(std::string_view text, std::size_t& position, Level level,
-                      SymbolTable& symbols) {
-    Compiler compiler(text, position, symbols);
-    NodePtr node = compiler.whole(level);
-    position = compiler.position();
-    return node;
-}
-
-CallSite compile_arguments(std::string_view text, std::size_t& position, SymbolTable& symbols) {
-    Compiler compiler(text, position, symbols);
-    CallSite site = compiler.whole_arguments();
-    position = compiler.position();
-    return site;
+    return Compiler(text, symbols).whole();
 }
 
 std::vector<std::string_view> split_top_args(std::string_view text) {
     std::vector<std::string_view> pieces;
     if (ascii::trim(text).empty()) return pieces;
-    bool in_string = false;
     std::size_t start = 0;
     int depth = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char c = text[i];
-        if (c == '"') in_string = !in_string;
-        if (in_string) continue;
+    for (SourceScan scan(text); scan.next();) {
+        const char c = scan.byte();
+        if (scan.in_string()) continue;
         if (c == '(' || c == '{') ++depth;
         if ((c == ')' || c == '}') && depth > 0) --depth;
         if (c == ',' && depth == 0) {
-            pieces.push_back(text.substr(start, i - start));
-            start = i + 1;
+            pieces.push_back(text.substr(start, scan.at() - start));
+            start = scan.at() + 1;
         }
     }
     pieces.push_back(text.substr(start));

@@ -192,9 +192,12 @@ void MiniTPUParser::run_body(const std::vector<Stmt>& statements) {
     run_nested(*this, statements);
 }
 
-void MiniTPUParser::execute_stmt(const Stmt& stmt) {
-    Nesting nesting(*this);
-    run_one(*this, stmt);
+Value MiniTPUParser::eval_root(const Node& node) {
+    if (!node.may_stop) return Value::adopt(node.eval(*this));
+    bool outer = std::exchange(stopped, false);
+    Value value = Value::adopt(node.eval(*this));
+    stopped = outer;
+    return value;
 }
 
 void MiniTPUParser::run_assignment(const StmtCode& code) {

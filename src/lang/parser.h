@@ -90,44 +90,12 @@ class MiniTPUParser {
     // Bytes; an expression whose text would be longer fails, and what adds more to a buffer.
     std::size_t longest_text = std::size_t{1} << 30;
 
-    // source.cc, block_parser.cc: reading source text
-    static std::string trim(const std::string& text);
-    static std::string upper(const std::string& text);
-    static std::string strip_quotes(const std::string& text);
-    static std::string first_call_argument(const std::string& text);
-    static std::string strip_comments(const std::string& text);
-    static std::string join_continuations(const std::string& text);
-    static std::vector<std::string> split_statements(const std::string& text,
-                                                     std::vector<int>& lines);
-    static std::vector<std::string> split_statements(const std::string& text);
-    static std::vector<Stmt> parse_block(const std::vector<std::string>& statements,
-                                         const std::vector<int>& lines, std::size_t& index,
-                                         const std::vector<std::string_view>& terminators);
-    static std::vector<std::string> split_pattern_terms(const std::string& text);
-    static TPUPattern parse_pattern_expression(const std::string& text);
-
-    // expressions.cc: the value of a text; a position is left behind what was read
-    Value eval_expression(const std::string& text);
-    Value eval_or(const std::string& text, std::size_t& position);
-    Value eval_and(const std::string& text, std::size_t& position);
-    Value eval_compare(const std::string& text, std::size_t& position);
-    Value eval_add(const std::string& text, std::size_t& position);
-    Value eval_mul(const std::string& text, std::size_t& position);
-    Value eval_unary(const std::string& text, std::size_t& position);
-    Value eval_primary(const std::string& text, std::size_t& position);
-    static void skip_ws(const std::string& text, std::size_t& position);
-    static bool match_word(const std::string& text, std::size_t& position, const std::string& word);
-    std::vector<Value> parse_args(const std::string& text, std::size_t& position);
-    // Calls a function; its name is in upper case.
-    Value eval_function(const std::string& name, const std::vector<Value>& arguments);
-    Value eval_root(const Node& node);  // of a whole expression
-
     // execute.cc
     void execute_block(const std::vector<Stmt>& statements);
-    void execute_stmt(const Stmt& stmt);
     // The same for code that may be gone afterwards, while its RETURN is still pending.
     void execute_program(std::shared_ptr<const std::vector<Stmt>> program);
     void run_body(const std::vector<Stmt>& statements);  // of a procedure, in its scope
+    Value eval_root(const Node& node);                   // of a whole expression
     void abort();                                        // the statement ABORT
     // Ends all running code like ABORT, but for good: no handler catches it.
     void interrupt();
@@ -171,15 +139,12 @@ class MiniTPUParser {
     int line_at(std::size_t index) const;  // of the statement of the source being compiled
     // False: there is no such procedure.
     bool execute_procedure(const std::string& name);
-    bool execute_procedure_with_args(const std::string& name, const std::vector<Value>& args);
     // Calls a procedure with as many arguments as `arguments` has, which it takes over,
     // from code that runs. The value of its RETURN, if the value is wanted and there is
     // one, else the value of no type.
     Word call(const Procedure& procedure, std::span<const Word> arguments, bool value_wanted);
 
     // variables.cc
-    Value* lookup_var(const std::string& name);  // null: there is no such variable
-    void assign_var(const std::string& name, const Value& value);
     void assign(Symbol& symbol, Value value) {
         if (symbol.constant) return assign_constant(symbol, std::move(value));
         symbols.assign(symbol, std::move(value));

@@ -215,17 +215,10 @@ void MiniTPUParser::define(Procedure procedure) {
 }
 
 bool MiniTPUParser::execute_procedure(const std::string& name) {
-    return execute_procedure_with_args(name, {});
-}
-
-bool MiniTPUParser::execute_procedure_with_args(const std::string& name,
-                                                const std::vector<Value>& args) {
     auto found = procedures.find(ascii::upper(name));
     if (found == procedures.end()) return false;
-    std::vector<Word> words;
-    for (const Value& value : args) words.push_back(value.share());
     Nesting nesting(*this);
-    Value::adopt(call(*found->second, words, false));
+    Value::adopt(call(*found->second, {}, false));
     return true;
 }
 

@@ -1,5 +1,7 @@
 #include "lang/source.h"
 
+#include <algorithm>
+
 #include "text/ascii.h"
 
 namespace tpu::source {
@@ -22,14 +24,12 @@ std::string_view leading_word(std::string_view text) {
 std::string strip_comments(std::string_view text) {
     std::string result;
     result.reserve(text.size());
-    bool in_string = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '!' && !in_string) {
-            i = text.find('\n', i);
-            if (i == kNone) break;
+    for (SourceScan scan(text); scan.next();) {
+        if (scan.byte() == '!' && !scan.in_string()) {
+            scan.continue_at(std::min(text.find('\n', scan.at()), text.size()));
+        } else {
+            result += scan.byte();
         }
-        if (text[i] == '"') in_string = !in_string;
-        result += text[i];
     }
     return result;
 }
@@ -37,17 +37,15 @@ std::string strip_comments(std::string_view text) {
 std::string join_continuations(std::string_view text) {
     std::string result;
     result.reserve(text.size());
-    bool in_string = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '"') in_string = !in_string;
-        if (text[i] == '-' && !in_string) {
-            std::size_t next = text.find_first_not_of(" \t", i + 1);
+    for (SourceScan scan(text); scan.next();) {
+        if (scan.byte() == '-' && !scan.in_string()) {
+            std::size_t next = text.find_first_not_of(" \t", scan.at() + 1);
             if (next != kNone && text[next] == '\n') {
-                i = next;
+                scan.continue_at(next + 1);
                 continue;
             }
         }
-        result += text[i];
+        result += scan.byte();
     }
     return result;
 }
@@ -58,7 +56,6 @@ std::vector<std::string> split_statements(std::string_view text, std::vector<int
     std::vector<std::string> statements;
     int line = 1, start_line = 1;
     std::size_t start = 0;
-    bool in_string = false;
     auto end_statement = [&](std::size_t end) {
         std::string_view statement = ascii::trim(all.substr(start, end - start));
         if (!statement.empty()) {
@@ -67,12 +64,11 @@ std::vector<std::string> split_statements(std::string_view text, std::vector<int
         }
         start = end + 1;
     };
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        char c = all[i];
-        if (c == '"') in_string = !in_string;
-        if (in_string || (c != ';' && c != '\n')) continue;
+    for (SourceScan scan(all); scan.next();) {
+        const char c = scan.byte();
+        if (scan.in_string() || (c != ';' && c != '\n')) continue;
         if (c == '\n') ++line;
-        end_statement(i);
+        end_statement(scan.at());
         start_line = line;
     }
     if (start < all.size()) end_statement(all.size());
@@ -85,15 +81,12 @@ std::vector<std::string> split_statements(std::string_view text) {
 }
 
 std::size_t find_assignment(std::string_view statement) {
-    bool in_string = false;
     int depth = 0;
-    for (std::size_t i = 0; i + 1 < statement.size(); ++i) {
-        char c = statement[i];
-        if (c == '"') in_string = !in_string;
-        if (in_string) continue;
-        if (c == '(') ++depth;
-        if (c == ')') --depth;
-        if (depth == 0 && c == ':' && statement[i + 1] == '=') return i;
+    for (SourceScan scan(statement); scan.next();) {
+        if (scan.in_string()) continue;
+        if (scan.byte() == '(') ++depth;
+        if (scan.byte() == ')') --depth;
+        if (depth == 0 && statement.substr(scan.at()).starts_with(":=")) return scan.at();
     }
     return kNone;
 }

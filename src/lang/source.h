@@ -11,9 +11,6 @@
 
 namespace tpu::source {
 
-using tpu::first_call_argument;
-using tpu::strip_quotes;
-
 // The leading run of letters, digits, "_" and "$".
 std::string_view leading_word(std::string_view text);
 

@@ -58,8 +58,7 @@ bool MiniTPUParser::knows(std::string_view text) const {
 bool MiniTPUParser::execute_statement(const std::string& text) {
     std::string statement(ascii::trim(text));
     if (statement.empty()) return true;
-    auto code =
-        code_cache.statements.get(statement, [&] { return compile_plain(statement, symbols); });
+    auto code = code_cache.get(statement, [&] { return compile_plain(statement, symbols); });
     Nesting nesting(*this);
     if (nesting.is_outermost()) {
         auto text_itself = [&] { return statement; };
@@ -81,7 +80,7 @@ void MiniTPUParser::execute_whole(const std::string& statement) {
 }
 
 void MiniTPUParser::execute_text(const std::string& text) {
-    std::vector<std::string> statements = split_statements(text);
+    std::vector<std::string> statements = source::split_statements(text);
     if (statements.size() == 1) {
         execute_whole(statements.front());
     } else {

@@ -4,15 +4,6 @@
 
 namespace tpu {
 
-Value* MiniTPUParser::lookup_var(const std::string& name) {
-    Symbol* symbol = symbols.find(name);
-    return symbol && symbol->is_bound() ? &symbol->value : nullptr;
-}
-
-void MiniTPUParser::assign_var(const std::string& name, const Value& value) {
-    assign(symbols.intern(name), value);
-}
-
 void MiniTPUParser::assign_constant(Symbol& symbol, Value value) {
     if (symbol.is_bound()) {
         record_error("TPU$_CONTRADEF", "CONSTANT " + symbol.name + " may not be reassigned");

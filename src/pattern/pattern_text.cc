@@ -60,23 +60,21 @@ std::vector<std::string> split_pattern_terms(std::string_view text) {
     std::vector<std::string> terms;
     std::string mark;
     std::size_t start = 0, depth = 0;
-    bool in_string = false;
     auto end_term = [&](std::size_t end) {
         std::string term = mark.append(text.substr(start, end - start));
         if (std::string_view trimmed = ascii::trim(term); !trimmed.empty()) {
             terms.emplace_back(trimmed);
         }
     };
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '"') in_string = !in_string;
-        if (in_string) continue;
+    for (SourceScan scan(text); scan.next();) {
+        const char c = scan.byte();
+        if (scan.in_string()) continue;
         if (c == '(') ++depth;
         if (c == ')' && depth > 0) --depth;
         if (depth > 0 || (c != '+' && c != '&' && c != '|')) continue;
-        end_term(i);
+        end_term(scan.at());
         mark = {kJoinMark, c};
-        start = i + 1;
+        start = scan.at() + 1;
     }
     end_term(text.size());
     return terms;

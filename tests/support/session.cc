@@ -2,6 +2,9 @@
 
 #include "commands/vocabulary.h"
 #include "keys/key_names.h"
+#include "lang/compile.h"
+#include "lang/nesting.h"
+#include "lang/nodes.h"
 
 namespace tpu {
 
@@ -95,6 +98,17 @@ std::vector<std::string> Session::screen() {
         rows.push_back(text);
     }
     return rows;
+}
+
+const Value* variable(TPUEditor& editor, std::string_view name) {
+    const Symbol* symbol = editor.parser.symbols.find(name);
+    return symbol && symbol->is_bound() ? &symbol->value : nullptr;
+}
+
+Value value_of(TPUEditor& editor, const std::string& expression) {
+    NodePtr code = compile_expression(expression, editor.parser.symbols);
+    Nesting nesting(editor.parser);
+    return code ? editor.parser.eval_root(*code) : Value();
 }
 
 }  // namespace tpu

@@ -86,4 +86,9 @@ struct Session {
     Buffer* buffer;
 };
 
+// The variable of an upper-case name; null: there is none.
+const Value* variable(TPUEditor& editor, std::string_view name);
+// What an expression gives.
+Value value_of(TPUEditor& editor, const std::string& expression);
+
 }  // namespace tpu

@@ -311,7 +311,7 @@ class CaseFile {
                        const std::string& expected) {
         if (sign == "=>") {
             if (verb != "value") return editor().message;
-            return editor().parser.eval_expression(operand).as_string();
+            return value_of(editor(), operand).as_string();
         }
         if (!editor().current_buffer) return "no buffer";
         if (sign == "@") {

@@ -51,7 +51,7 @@ TEST_F(Attributes, the_timer_leaves_time_for_keys_however_long_it_takes) {
     session.terminal.keys = {'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h', 'i', 'j', 'k', 'l'};
     session.editor.run();
     EXPECT_EQ(session.lines()[0], "abcdefghijklabcdef");
-    long long ticks = session.editor.parser.lookup_var("SESSION_TICKS")->as_int();
+    long long ticks = variable(session.editor, "SESSION_TICKS")->as_int();
     EXPECT_GE(ticks, 1);
     EXPECT_LE(ticks, 4);
 }
@@ -77,7 +77,7 @@ TEST_F(Attributes, every_item_can_be_asked_of_every_object) {
             for (std::string object; objects >> object;) {
                 std::string call = "GET_INFO(" + object + ", \"";
                 call.append(name) += "\")";
-                Value value = session.editor.parser.eval_expression(call);
+                Value value = value_of(session.editor, call);
                 given = given || !tpu_value_is_unspecified(value);
             }
             EXPECT_TRUE(given) << name;

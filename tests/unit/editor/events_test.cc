@@ -69,7 +69,7 @@ TEST(Prompts, let_processes_and_the_timer_go_on) {
         s.press(open);
         EXPECT_TRUE(is_shown) << s.shown(0) << '\n' << s.shown(23);
         EXPECT_EQ(s.lines(), (Rows{"output", "one two"}));
-        EXPECT_EQ(s.editor.parser.lookup_var("TICKS")->as_int() > 0, runs_timer);
+        EXPECT_EQ(variable(s.editor, "TICKS")->as_int() > 0, runs_timer);
     }
 }
 
@@ -167,7 +167,7 @@ TEST(Events, hold_whole_characters_and_bindings_take_their_first_byte) {
     s.editor.pre_key_procedure = "seen := seen + STR(LAST_KEY) + \" \"";
     s.press("\xc3\xa9\xe2\x82x\xff");
     EXPECT_EQ(s.lines(), Rows{"\xc3\xa9\xe2\x82x\xff"});
-    EXPECT_EQ(s.editor.parser.lookup_var("SEEN")->as_string(), "195 226 120 255 ");
+    EXPECT_EQ(variable(s.editor, "SEEN")->as_string(), "195 226 120 255 ");
     s.press("<GOLD>U<GOLD>U<GOLD>U<GOLD>U");
     EXPECT_EQ(s.lines(), Rows{""});
     s.run("seen := \"\"");
@@ -175,7 +175,7 @@ TEST(Events, hold_whole_characters_and_bindings_take_their_first_byte) {
                                                             {"COPY_TEXT(\"!\")", nullptr, ""});
     s.press("\xe2\x82\xac");
     EXPECT_EQ(s.lines(), Rows{"!\x82\xac"});
-    EXPECT_EQ(s.editor.parser.lookup_var("SEEN")->as_string(), "226 130 172 ");
+    EXPECT_EQ(variable(s.editor, "SEEN")->as_string(), "226 130 172 ");
 }
 
 }  // namespace

@@ -85,7 +85,7 @@ DEFINE_KEY("MESSAGE(1)", "F8", "with | bar")
     again.editor.key_maps["TPU$KEY_MAP"]->undefine_key(kKeyDown);
     run(again.editor, "count := 7; " + call("RESTORE") + "; x := risky()");
     auto restored = [&](const std::string& name) {
-        return again.editor.parser.lookup_var(name)->as_string();
+        return variable(again.editor, name)->as_string();
     };
     const std::string keys = std::to_string(s.editor.key_maps["TPU$KEY_MAP"]->bindings.size());
     EXPECT_EQ(again.editor.message,
@@ -121,12 +121,10 @@ TEST_F(Sections, are_read_whatever_is_in_them) {
     EXPECT_EQ(s.editor.parser.error_list,
               (Lines{"error: missing ENDPROCEDURE for open_ended (near line 1)",
                      "Unknown command: rest  (line 4)"}));
-    EXPECT_TRUE(s.editor.parser.lookup_var("LOOSE") && s.editor.parser.lookup_var("V W"));
-    EXPECT_TRUE(s.editor.parser.lookup_var("LAST"))
-        << "an error in one group does not end the rest";
-    EXPECT_TRUE(s.editor.parser.lookup_var("BETWEEN") &&
-                s.editor.parser.procedures.contains("THREE"));
-    EXPECT_FALSE(s.editor.parser.lookup_var("NO"));
+    EXPECT_TRUE(variable(s.editor, "LOOSE") && variable(s.editor, "V W"));
+    EXPECT_TRUE(variable(s.editor, "LAST")) << "an error in one group does not end the rest";
+    EXPECT_TRUE(variable(s.editor, "BETWEEN") && s.editor.parser.procedures.contains("THREE"));
+    EXPECT_FALSE(variable(s.editor, "NO"));
     EXPECT_EQ(binding(s.editor, "MY MAP", 67) + binding(s.editor, "MY MAP", 68), "half/a/b|c");
     EXPECT_TRUE(s.editor.key_maps["MY MAP"]->lookup(kKeyLeft)->action);
     EXPECT_TRUE(s.editor.key_map_lists["L"]->maps.empty());
@@ -151,8 +149,7 @@ TEST_F(Sections, have_procedures_that_say_the_same_when_they_are_parsed_late) {
         run(early.editor, source);
         for (Session* s : {&late, &early}) run(s->editor, "r := p(2)");
         EXPECT_EQ(late.editor.parser.error_list, early.editor.parser.error_list) << body;
-        EXPECT_EQ(late.editor.parser.lookup_var("R")->as_string(),
-                  early.editor.parser.lookup_var("R")->as_string())
+        EXPECT_EQ(variable(late.editor, "R")->as_string(), variable(early.editor, "R")->as_string())
             << body;
     }
 }

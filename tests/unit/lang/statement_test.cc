@@ -8,8 +8,8 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-std::string value_of(Session& s, const std::string& name) {
-    const Value* value = s.editor.parser.lookup_var(name);
+std::string text_of(Session& s, const std::string& name) {
+    const Value* value = variable(s.editor, name);
     return value ? value->as_string() : "no variable";
 }
 
@@ -20,8 +20,8 @@ TEST(Statements, that_are_wrong_are_counted_and_listed) {
     EXPECT_EQ(parser.error_count, 2);
     EXPECT_EQ(parser.error_list, (Lines{"Unknown command: nonsense  (line 2)",
                                         "error: missing ENDPROCEDURE for Open (near line 6)"}));
-    EXPECT_TRUE(parser.execute_procedure_with_args("open", {Value::make_int(5)}));
-    EXPECT_EQ(value_of(s, "Y") + value_of(s, "Z"), "52");
+    parser.execute_statement("open(5)");
+    EXPECT_EQ(text_of(s, "Y") + text_of(s, "Z"), "52");
     EXPECT_FALSE(parser.execute_procedure("nonsense"));
     EXPECT_EQ(parser.error_count, 2);
     // A program may go wrong without end.
@@ -79,11 +79,11 @@ TEST(Statements, without_end_are_ended_by_control_c_whatever_handlers_there_are)
         s.clock.step = std::chrono::milliseconds(1);
         s.terminal.keys = {'x', control('C')};
         parser.compile_text(runaway + "\ny := \"went on\"");
-        EXPECT_EQ(value_of(s, "Y"), "no variable") << runaway;
+        EXPECT_EQ(text_of(s, "Y"), "no variable") << runaway;
         EXPECT_EQ(s.editor.message, "ABORT");
         EXPECT_EQ(parser.error_code, "TPU$_CONTROLC");
         parser.compile_text("x := \"ready\"");
-        EXPECT_EQ(value_of(s, "X"), "ready");
+        EXPECT_EQ(text_of(s, "X"), "ready");
     }
 }
 
@@ -95,12 +95,12 @@ TEST(Statements, read_what_is_typed) {
     s.terminal.keys.assign(keys.begin(), keys.end());
     s.editor.parser.compile_text(
         "x := READ_LINE(\"Name: \") + \",\" + READ_LINE + \",\" + READ_CHAR");
-    EXPECT_EQ(value_of(s, "X"), "Ada,n,q");
+    EXPECT_EQ(text_of(s, "X"), "Ada,n,q");
     EXPECT_EQ(shown, "Press a k");
     EXPECT_TRUE(s.editor.running);
     s.terminal.keys = {0xe2, 0x82, 0xac, '.'};
     s.editor.parser.compile_text("x := READ_CHAR + READ_CHAR");
-    EXPECT_EQ(value_of(s, "X"), "\xe2\x82\xac.");
+    EXPECT_EQ(text_of(s, "X"), "\xe2\x82\xac.");
 }
 
 }  // namespace

@@ -139,7 +139,7 @@ break " & 'x'); UNDO; REDO
         EXPECT_EQ(again.lines(), (Lines{"xstart", "end"}));
         again.run("REDO; REDO");
         EXPECT_EQ(again.lines(), s.lines());
-        EXPECT_EQ(learned_of(*again.editor.parser.lookup_var("AGAIN"))->statements.size(), 1u);
+        EXPECT_EQ(learned_of(*variable(again.editor, "AGAIN"))->statements.size(), 1u);
     }
 }
 
