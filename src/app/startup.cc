@@ -1,5 +1,7 @@
 #include "app/startup.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -86,7 +88,8 @@ int run_session(const Options& options, const StartFiles& files, Ports ports, Ch
     const std::string unusable = editor.init_screen();
     if (!unusable.empty()) {
         std::fprintf(stderr, "%s\n", printable(unusable, charset).c_str());
-        return 1;
+        std::fflush(stderr);
+        _exit(1);  // what curses keeps of a failed start, nobody can free
     }
     const std::string fault = restore_at_start(editor, options.section_file);
     if (!fault.empty()) complain(ports.terminal, printable(fault, charset));
