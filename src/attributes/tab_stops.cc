@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "attributes/set_table.h"
+#include "attributes/set_call.h"
 #include "buffer/buffer.h"
 #include "text/ascii.h"
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "attributes/set_table.h"
+#include "attributes/set_call.h"
 #include "editor/editor.h"
 
 namespace tpu {

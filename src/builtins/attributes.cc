@@ -1,8 +1,5 @@
 // SET and GET_INFO: attributes of buffers, windows and the session.
-#include <algorithm>
-
-#include "attributes/get_info_table.h"
-#include "attributes/set_table.h"
+#include "attributes/attribute.h"
 #include "builtins/families.h"
 #include "editor/editor.h"
 #include "editor/version.h"
@@ -15,24 +12,10 @@ namespace {
 
 using Type = Value::Type;
 
-// SET(keyword [, buffer], value, ...)
-void apply(const SetKeyword& row, Call& call) {
-    Buffer* given = nullptr;
-    if (row.takes_buffer && call.args.count() >= 3) given = call.args.value(1).buffer();
-    SetCall set{editor_of(call), given ? *given : call.buffer(), call.args, given ? 2u : 1u};
-    row.apply(set);
-}
-
 void set(Call& call) {
     std::string keyword = ascii::upper(call.args.raw(0));
-    auto rows = set_keywords();
-    auto row = std::find_if(rows.begin(), rows.end(),
-                            [&](const SetKeyword& known) { return known.name == keyword; });
-    if (row != rows.end()) return apply(*row, call);
-    auto ignored = ignored_set_keywords();
-    if (std::find(ignored.begin(), ignored.end(), keyword) == ignored.end()) {
-        editor_of(call).set_message("SET: unknown attribute " + keyword);
-    }
+    if (set_attribute(editor_of(call), keyword, call.args)) return;
+    editor_of(call).set_message("SET: unknown attribute " + keyword);
 }
 
 constexpr const char* kPlatform = "MACOS";  // what programs expect, wherever this one runs

@@ -6,8 +6,7 @@
 #include <set>
 #include <vector>
 
-#include "attributes/get_info_table.h"
-#include "attributes/set_table.h"
+#include "attributes/attribute.h"
 #include "builtins/families.h"
 #include "builtins/table.h"
 #include "commands/command_words.h"
@@ -107,29 +106,43 @@ void add_commands_and_items(std::string& text) {
     for (const ShowItem& item : show_items()) add_row(text, alternatives(item.names), item.help);
 }
 
-std::string form_of(const SetKeyword& keyword) {
+std::string set_form(const Attribute& row, const Keyword& keyword) {
     std::string form = "SET(" + std::string(keyword.name);
-    if (keyword.takes_buffer) form += " [, buffer]";
-    if (!keyword.value.empty()) form += ", " + std::string(keyword.value);
+    if (row.takes_buffer()) form += " [, buffer]";
+    if (!row.values.empty()) form += ", " + std::string(row.values);
     return form + ")";
 }
 
 // The names of a row, and what it is asked of.
-std::string form_of(const InfoItem& item) {
-    std::string of(name_of(item.of));
+std::string item_form(const Attribute& row) {
+    std::string of(name_of(row.of));
     std::erase(of, '`');
-    return alternatives(item.names) + " (" + of + ")";
+    return alternatives(row.items) + " (" + of + ")";
+}
+
+// Adds how SET is called with the keywords that are wanted.
+template <class Wanted>
+void add_keywords(std::string& text, Wanted wanted) {
+    for (const Attribute* row : all_attributes()) {
+        for (const Keyword& keyword : row->keywords) {
+            if (!keyword.name.empty() && wanted(keyword.name)) {
+                add_row(text, set_form(*row, keyword), keyword.help);
+            }
+        }
+    }
 }
 
 void add_attributes(std::string& text) {
     text += '\n';
-    for (const SetKeyword& keyword : set_keywords()) add_row(text, form_of(keyword), keyword.help);
+    add_keywords(text, [](std::string_view) { return true; });
     text += "\nThese keywords are accepted and change nothing:\n\n  ";
     for (std::string_view name : ignored_set_keywords()) {
         add_words(text, name == ignored_set_keywords().back() ? name : std::string(name) + ",", 2);
     }
     text += "\n\nGET_INFO(object, item) reads these items of what stands in parentheses:\n\n";
-    for (const InfoItem& item : info_items()) add_row(text, form_of(item), item.help);
+    for (const Attribute* row : all_attributes()) {
+        if (row->is_readable()) add_row(text, item_form(*row), row->gives);
+    }
 }
 
 // The family of built-ins that a topic is about.
@@ -189,14 +202,12 @@ void add_language_rows(std::string& text, std::string_view name) {
     if (const Builtin* row = all_builtins().find(name)) {
         add_row(text, row->form, "Built-in: " + std::string(row->help));
     }
-    for (const SetKeyword& keyword : set_keywords()) {
-        if (keyword.name == name) add_row(text, form_of(keyword), keyword.help);
-    }
+    add_keywords(text, [&](std::string_view keyword) { return keyword == name; });
     if (holds(ignored_set_keywords(), name)) {
         add_row(text, "SET(" + std::string(name) + ", ...)", "Accepted, and changes nothing.");
     }
-    for (const InfoItem& item : info_items()) {
-        if (holds(item.names, name)) add_row(text, "GET_INFO, " + form_of(item), item.help);
+    for (const Attribute* row : all_attributes()) {
+        if (holds(row->items, name)) add_row(text, "GET_INFO, " + item_form(*row), row->gives);
     }
 }
 
@@ -223,8 +234,10 @@ std::set<std::string_view> known_names() {
     for (const Command* command : all_commands()) names.insert(command->first_word());
     for (const Builtin* row : sorted_builtins()) names.insert(row->name);
     for (const ShowItem& item : show_items()) names.insert(item.names.begin(), item.names.end());
-    for (const SetKeyword& keyword : set_keywords()) names.insert(keyword.name);
-    for (const InfoItem& item : info_items()) names.insert(item.names.begin(), item.names.end());
+    for (const Attribute* row : all_attributes()) {
+        names.insert(row->items.begin(), row->items.end());
+        for (const Keyword& keyword : row->keywords) names.insert(keyword.name);
+    }
     names.erase("");
     return names;
 }

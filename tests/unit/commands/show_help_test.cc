@@ -5,8 +5,7 @@
 #include <set>
 #include <sstream>
 
-#include "attributes/get_info_table.h"
-#include "attributes/set_table.h"
+#include "attributes/attribute.h"
 #include "builtins/table.h"
 #include "commands/command_words.h"
 #include "commands/help.h"
@@ -125,8 +124,12 @@ TEST(HelpTexts, list_what_the_tables_have) {
     for (std::span<const Builtin> family : all_builtins().families()) {
         for (const Builtin& row : family) line_begins("builtins", row.name);
     }
-    for (const SetKeyword& row : set_keywords()) line_begins("SET", "SET(" + std::string(row.name));
-    for (const InfoItem& row : info_items()) line_begins("SET", row.names[0]);
+    for (const Attribute* row : all_attributes()) {
+        line_begins("SET", row->items[0]);
+        for (const Keyword& keyword : row->keywords) {
+            if (!keyword.name.empty()) line_begins("SET", "SET(" + std::string(keyword.name));
+        }
+    }
     line_begins("COMMANDS", "SEARCH_QUIETLY <pat>      Search without status message.\n");
     line_begins("KEYS", "GOLD_T                    GOLD-T top of buffer\n");
     line_begins("EVE", "NEXT BUFFER               Go to the next buffer.\n");

@@ -1,10 +1,8 @@
-// The keywords of SET: which there are, what values they take, what they change.
+// What SET gives the function that sets an attribute.
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string>
-#include <string_view>
 
 #include "lang/builtin.h"
 
@@ -12,7 +10,7 @@ namespace tpu {
 
 class TPUEditor;
 
-// What the row of a keyword gets: the buffer that is to change, and the values.
+// The buffer that is to change, and the values.
 struct SetCall {
     TPUEditor& editor;
     Buffer& buffer;
@@ -32,21 +30,7 @@ struct SetCall {
     std::string word(std::size_t i = 0);
 };
 
-struct SetKeyword {
-    std::string_view name;  // upper case
-    void (*apply)(SetCall&);
-    std::string_view value = "";  // how its values are written; empty: it takes none
-    bool takes_buffer = false;    // a buffer may stand before the values
-    std::string_view help;        // one sentence
-};
-
-std::span<const SetKeyword> set_keywords();
-
-// The keywords that are accepted and change nothing, since they are about what this
-// editor does not have.
-std::span<const std::string_view> ignored_set_keywords();
-
-// Handlers that have a file of their own.
+// Functions that have a file of their own.
 void set_tab_stops(SetCall& call);
 void set_video(SetCall& call);
 
