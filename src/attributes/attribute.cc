@@ -75,7 +75,7 @@ TPUWindow* window_that_shows(const TPUEditor& editor, const Buffer* buffer) {
     return nullptr;
 }
 
-// Calls use(value) with the value of the field, if there is one.
+// Calls use(value) with the value of the attribute's field, if it has one.
 template <class Use>
 void with_field(const Attribute& row, TPUEditor& editor, Buffer& buffer, Use use) {
     auto use_field = [&](auto field) {
@@ -109,32 +109,29 @@ Value read(const Attribute& row, const Subject& subject) {
     return value;
 }
 
-// What the values of SET say, where `keyword` is the one that was written.
-void take(SetCall& call, const Attribute& row, std::string_view keyword, bool& on) {
-    on = row.values.empty() ? keyword == row.keywords[0].name : call.on();
+// What the values of SET say, or the keyword alone.
+void take(SetCall& call, const NamedAttribute& named, bool& on) {
+    on = named.row->values.empty() ? named.switches_on() : call.on();
 }
 
-void take(SetCall& call, const Attribute&, std::string_view, std::string& text) {
+void take(SetCall& call, const NamedAttribute&, std::string& text) {
     text = call.text();
 }
 
 template <class Integer>
-void take(SetCall& call, const Attribute& row, std::string_view, Integer& n) {
-    n = static_cast<Integer>(call.number(0, 0, row.most));
-}
-
-bool has_keyword(const Attribute& row, std::string_view keyword) {
-    return !keyword.empty() && (row.keywords[0].name == keyword || row.keywords[1].name == keyword);
+void take(SetCall& call, const NamedAttribute& named, Integer& n) {
+    n = static_cast<Integer>(call.number(0, 0, named.row->most));
 }
 
 // SET(keyword [, buffer], value, ...)
-void set(const Attribute& row, TPUEditor& editor, std::string_view keyword, Args& args) {
+void set(const NamedAttribute& named, TPUEditor& editor, Args& args) {
+    const Attribute& row = *named.row;
     Buffer* given = nullptr;
     if (row.takes_buffer() && args.count() >= 3) given = args.value(1).buffer();
     Buffer& buffer = given ? *given : *editor.current_buffer;
     SetCall call{editor, buffer, args, given ? 2u : 1u};
     if (row.set) return row.set(call);
-    with_field(row, editor, buffer, [&](auto& field) { take(call, row, keyword, field); });
+    with_field(row, editor, buffer, [&](auto& field) { take(call, named, field); });
 }
 
 }  // namespace
@@ -179,10 +176,19 @@ Value get_info(TPUEditor& editor, const Value& object, std::string_view item) {
     return tpu_unspecified();
 }
 
-bool set_attribute(TPUEditor& editor, std::string_view keyword, Args& args) {
+NamedAttribute find_keyword(std::string_view name) {
     for (const Attribute* row : all_attributes()) {
-        if (!has_keyword(*row, keyword)) continue;
-        set(*row, editor, keyword, args);
+        for (const Keyword& keyword : row->keywords) {
+            if (keyword.name == name && !name.empty()) return {row, &keyword};
+        }
+    }
+    return {};
+}
+
+bool set_attribute(TPUEditor& editor, std::string_view keyword, Args& args) {
+    NamedAttribute named = find_keyword(keyword);
+    if (named.row) {
+        set(named, editor, args);
         return true;
     }
     return std::find(std::begin(kIgnored), std::end(kIgnored), keyword) != std::end(kIgnored);

@@ -54,10 +54,19 @@ enum class Of : unsigned char {
 // As documents call it.
 std::string_view name_of(Of of);
 
+// A command SET on the command line. Its words in upper case are SET and the keyword.
+struct SetCommand {
+    std::string_view form = {};  // how it is written; empty: there is none
+    std::string_view help = {};  // one sentence
+    std::size_t values = 0;      // that it needs at least
+    std::uint64_t lowest = 0;    // number that it takes
+};
+
 // A name by which SET changes an attribute.
 struct Keyword {
-    std::string_view name;  // upper case
-    std::string_view help;  // one sentence
+    std::string_view name;    // upper case
+    std::string_view help;    // one sentence
+    SetCommand command = {};  // on the command line
 };
 
 struct Attribute {
@@ -66,6 +75,7 @@ struct Attribute {
                                std::uint64_t TPUEditor::*, std::string TPUEditor::*>;
 
     Of of;
+    std::string_view label = {};                 // what people are told it is
     std::array<std::string_view, 3> items = {};  // of GET_INFO, upper case; the rest empty
     Field field = {};                            // what GET_INFO reads and SET sets ...
     Value (*get)(const Subject&) = nullptr;      // ... but for those that have a function
@@ -94,6 +104,18 @@ std::span<const std::string_view> ignored_set_keywords();
 // Reads an item of an object; unspecified when the object has no such item. The item is in
 // upper case.
 Value get_info(TPUEditor& editor, const Value& object, std::string_view item);
+
+// A keyword of SET with its attribute.
+struct NamedAttribute {
+    const Attribute* row = nullptr;  // null: none has that name
+    const Keyword* keyword = nullptr;
+
+    // Of the keywords of a switch that takes no values.
+    bool switches_on() const { return keyword == &row->keywords[0]; }
+};
+
+// The name is in upper case.
+NamedAttribute find_keyword(std::string_view name);
 
 // Does what SET does for a keyword in upper case: its values, and a buffer before them where
 // the attribute takes one, are the arguments from the second on. False: it names nothing.

@@ -1,18 +1,17 @@
 // Commands that change attributes of the buffer and the session, and take bindings away.
+#include <algorithm>
+
+#include "attributes/attribute.h"
 #include "commands/command_words.h"
 #include "editor/editor.h"
 #include "keys/key_code.h"
+#include "text/ascii.h"
 
 namespace tpu::commands {
 
 namespace {
 
 using Line = const CommandLine&;
-
-template <bool insert>
-void set_mode(TPUEditor& editor, Line) {
-    set_insert_mode(editor, insert);
-}
 
 void set_gold_key(TPUEditor& editor, Line line) {
     int code = TPUEditor::key_name_to_code(line.word(3));
@@ -21,50 +20,68 @@ void set_gold_key(TPUEditor& editor, Line line) {
     editor.set_message("Gold key set");
 }
 
-// What is set is what the statement SET(keyword, ...) makes of the words from `first` on,
-// which have to be numbers.
-void set_numbers(TPUEditor& editor, Line line, std::size_t first, const std::string& keyword,
-                 std::string_view form, std::uint64_t least = 0) {
-    std::string statement = "SET(" + keyword;
+// What the words of a command name, and the word that holds the first value.
+struct Setting {
+    const Attribute& row;
+    const Keyword& keyword;
+    std::size_t first;
+};
+
+std::size_t count_words(std::string_view words) {
+    return static_cast<std::size_t>(std::count(words.begin(), words.end(), ' ')) + 1;
+}
+
+Setting setting_of(Line line) {
+    std::string_view words = find_command(Layer::eve, line)->words;
+    std::string name(words.substr(words.find(' ') + 1));
+    std::replace(name.begin(), name.end(), ' ', '_');
+    NamedAttribute named = find_keyword(name);
+    return {*named.row, *named.keyword, count_words(words)};
+}
+
+// Where an attribute of the current buffer or the session is kept, which has to be a T.
+template <class T>
+T& field_of(const Attribute& row, TPUEditor& editor) {
+    auto of_buffer = std::get_if<T Buffer::*>(&row.field);
+    if (of_buffer) return editor.current_buffer->**of_buffer;
+    return editor.*std::get<T TPUEditor::*>(row.field);
+}
+
+// Journals and learn sequences keep the statement that sets the numbers.
+void set_numbers(TPUEditor& editor, Line line) {
+    auto [row, keyword, first] = setting_of(line);
+    std::string statement = "SET(" + std::string(keyword.name);
     for (std::size_t i = first; i < line.words.size(); ++i) {
-        std::optional<std::uint64_t> number = line.number(i, least);
-        if (!number) return editor.set_message(std::string(form));
+        std::optional<std::uint64_t> number = line.number(i, keyword.command.lowest);
+        if (!number) return editor.set_message(std::string(keyword.command.form));
         constexpr std::uint64_t kMost = INT64_MAX;
         statement += ", " + std::to_string(std::min(*number, kMost));
     }
     editor.parser.execute_statement(statement + ")");
 }
 
-constexpr std::string_view kLeft = "SET LEFT MARGIN n", kRight = "SET RIGHT MARGIN n",
-                           kMargins = "SET MARGINS left right",
-                           kTabStops = "SET TAB STOPS width or columns";
-
-void set_left_margin(TPUEditor& editor, Line line) {
-    set_numbers(editor, line, 3, "LEFT_MARGIN", kLeft);
-}
-
-void set_right_margin(TPUEditor& editor, Line line) {
-    set_numbers(editor, line, 3, "RIGHT_MARGIN", kRight);
-}
-
-void set_margins(TPUEditor& editor, Line line) {
-    set_numbers(editor, line, 2, "MARGINS", kMargins);
-}
-
-void set_tab_stops(TPUEditor& editor, Line line) {
-    set_numbers(editor, line, 3, "TAB_STOPS", kTabStops, 1);
-}
-
 // ON, OFF, or the other of them.
-void set_line_numbers(TPUEditor& editor, Line line) {
-    std::string word = line.upper(3);
-    bool& on = editor.show_line_numbers;
+void set_switch(TPUEditor& editor, Line line) {
+    auto [row, keyword, first] = setting_of(line);
+    std::string word = line.upper(first);
+    bool& on = field_of<bool>(row, editor);
     on = word == "ON" || (word != "OFF" && !on);
-    editor.set_message(on ? "Line numbers on" : "Line numbers off");
+    editor.set_message(std::string(row.label) + (on ? " on" : " off"));
 }
 
-void set_eob_text(TPUEditor& editor, Line line) {
-    editor.current_buffer->eob_text = line.rest(3);
+void set_text(TPUEditor& editor, Line line) {
+    auto [row, keyword, first] = setting_of(line);
+    field_of<std::string>(row, editor) = line.rest(first);
+}
+
+void set_mode(TPUEditor& editor, const NamedAttribute& named) {
+    field_of<bool>(*named.row, editor) = named.switches_on();
+    editor.set_message(std::string(named.keyword->name) + " mode");
+}
+
+void set_named_mode(TPUEditor& editor, Line line) {
+    auto [row, keyword, first] = setting_of(line);
+    set_mode(editor, {&row, &keyword});
 }
 
 // Word `i` names the key.
@@ -75,26 +92,34 @@ void undefine_named(TPUEditor& editor, Line line) {
     undefine_key(editor, words);
 }
 
+auto runner_of(const Attribute& row) {
+    auto holds = [&](auto field) { return std::holds_alternative<decltype(field)>(row.field); };
+    if (row.values.empty()) return set_named_mode;
+    if (holds(&Buffer::modified) || holds(&TPUEditor::bell)) return set_switch;
+    return holds(&Buffer::name) ? set_text : set_numbers;
+}
+
+// The words before the first one that is not in upper case.
+std::string_view leading_words(std::string_view form) {
+    std::size_t end = form.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ ");
+    return ascii::trim(form.substr(0, end));
+}
+
+Command command_of(const Attribute& row, const SetCommand& command) {
+    std::string_view words = leading_words(command.form);
+    std::size_t least = command.values > 0 ? count_words(words) + command.values : 0;
+    return {.words = words,
+            .run = runner_of(row),
+            .form = command.form,
+            .help = command.help,
+            .least = least,
+            .without_buffer = row.of == Of::session};
+}
+
 // clang-format off
 constexpr Command kRows[] = {
     {.words = "SET GOLD KEY", .run = set_gold_key, .form = "SET GOLD KEY key",
      .help = "Make another key the GOLD key.", .without_buffer = true},
-    {.words = "SET INSERT", .run = set_mode<true>, .form = "SET INSERT",
-     .help = "Type in insert mode."},
-    {.words = "SET OVERSTRIKE", .run = set_mode<false>, .form = "SET OVERSTRIKE",
-     .help = "Type in overstrike mode."},
-    {.words = "SET LEFT MARGIN", .run = set_left_margin, .form = kLeft,
-     .help = "Set the column where filled and wrapped lines begin.", .least = 4},
-    {.words = "SET RIGHT MARGIN", .run = set_right_margin, .form = kRight,
-     .help = "Set the column up to which filled and wrapped lines reach.", .least = 4},
-    {.words = "SET MARGINS", .run = set_margins, .form = kMargins,
-     .help = "Set both margins.", .least = 4},
-    {.words = "SET LINE NUMBER", .run = set_line_numbers, .form = "SET LINE NUMBER [ON or OFF]",
-     .help = "Show the numbers of lines or not; without a word, the other of the two.", .without_buffer = true},
-    {.words = "SET TAB STOPS", .run = set_tab_stops, .form = kTabStops,
-     .help = "Set tab stops: one every that many columns, or at two columns or more.", .least = 4},
-    {.words = "SET EOB TEXT", .run = set_eob_text, .form = "SET EOB TEXT text",
-     .help = "Set what is shown behind the last line of the buffer."},
     {.words = "UNDEFINE KEY", .run = undefine_named<2>, .form = "UNDEFINE KEY key", .help = "Take the binding of a key away.",
      .without_buffer = true, .in_full = true},
     {.words = "REMOVE_KEY", .run = undefine_named<1>, .form = "REMOVE_KEY key", .help = "Take the binding of a key away.",
@@ -105,12 +130,21 @@ constexpr Command kRows[] = {
 }  // namespace
 
 void set_insert_mode(TPUEditor& editor, bool insert) {
-    editor.current_buffer->insert_mode = insert;
-    editor.set_message(insert ? "INSERT mode" : "OVERSTRIKE mode");
+    set_mode(editor, find_keyword(insert ? "INSERT" : "OVERSTRIKE"));
 }
 
 std::span<const Command> eve_settings() {
-    return kRows;
+    static const std::vector<Command> kAll = [] {
+        std::vector<Command> all;
+        for (const Attribute* row : all_attributes()) {
+            for (const Keyword& keyword : row->keywords) {
+                if (!keyword.command.form.empty()) all.push_back(command_of(*row, keyword.command));
+            }
+        }
+        all.insert(all.end(), std::begin(kRows), std::end(kRows));
+        return all;
+    }();
+    return kAll;
 }
 
 }  // namespace tpu::commands

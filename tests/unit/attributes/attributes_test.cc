@@ -1,6 +1,7 @@
 // What SET does where a script cannot look, and the document of the two tables.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -129,11 +130,14 @@ TEST(AttributeTables, rows_are_whole_and_no_name_occurs_twice) {
         for (std::string_view name : row->items) {
             EXPECT_TRUE(name.empty() || items.insert({name, row->of}).second) << name;
         }
-        for (const auto& [name, help] : row->keywords) {
+        for (const auto& [name, help, command] : row->keywords) {
             if (name.empty()) continue;
             EXPECT_TRUE(row->set || is_field) << name;
             EXPECT_TRUE(help.ends_with('.')) << name;
             EXPECT_TRUE(keywords.insert(name).second) << name;
+            std::string words = "SET " + std::string(name);
+            std::replace(words.begin(), words.end(), '_', ' ');
+            EXPECT_TRUE(command.form.empty() || command.form.starts_with(words)) << name;
         }
     }
 }

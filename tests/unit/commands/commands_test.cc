@@ -145,6 +145,8 @@ TEST_F(Commands, take_odd_arguments) {
     }
     editor.current_buffer = nullptr;
     EXPECT_EQ(run("TOP"), "There is no buffer");
+    EXPECT_EQ(run("SET INSERT"), "There is no buffer");
+    EXPECT_EQ(run("SET LINE NUMBER on"), "Line numbers on");
 }
 
 }  // namespace
