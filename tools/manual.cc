@@ -1,5 +1,5 @@
 // Writes the documentation that HELP shows in the forms that are read elsewhere.
-//   usage: tpu_manual markdown | page1 | page7
+//   usage: tpu_manual markdown | attributes | page1 | page7
 #include <cstdio>
 #include <cstring>
 #include <iomanip>
@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/options.h"
+#include "attribute_page.h"
 #include "commands/help.h"
 #include "editor/editor.h"
 #include "editor/version.h"
@@ -166,10 +167,11 @@ std::string page7() {
 
 int main(int argc, char** argv) {
     std::string_view form = argc == 2 ? argv[1] : "";
-    std::string text = form == "markdown" ? tpu::markdown()
-                       : form == "page1"  ? tpu::page1()
-                       : form == "page7"  ? tpu::page7()
-                                          : "";
+    std::string text = form == "markdown"     ? tpu::markdown()
+                       : form == "attributes" ? tpu::attribute_page()
+                       : form == "page1"      ? tpu::page1()
+                       : form == "page7"      ? tpu::page7()
+                                              : "";
     std::fputs(text.c_str(), stdout);
     return text.empty() || std::fflush(stdout) != 0;
 }

@@ -1,9 +1,7 @@
-// What SET does where a script cannot look, and the document of the two tables.
+// What SET does where a script cannot look, and whether the tables are whole.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <set>
 #include <sstream>
 
@@ -82,39 +80,6 @@ TEST_F(Attributes, every_item_can_be_asked_of_every_object) {
             }
             EXPECT_TRUE(given) << name;
         }
-    }
-}
-
-// The rows that a document shall have for the tables of the code.
-std::vector<std::string> document_rows() {
-    std::vector<std::string> rows;
-    auto code = [](std::string_view text) { return "`" + std::string(text) + "`"; };
-    for (std::string_view name : ignored_set_keywords()) rows.push_back(code(name));
-    for (const Attribute* row : all_attributes()) {
-        for (const Keyword& keyword : row->keywords) {
-            if (keyword.name.empty()) continue;
-            rows.push_back("| " + code(keyword.name) + " | " + std::string(row->values) + " | " +
-                           (row->takes_buffer() ? "yes" : "") + " | " + std::string(keyword.help) +
-                           " |");
-        }
-        std::string names;
-        for (std::string_view name : row->items) {
-            if (!name.empty()) names += (names.empty() ? "" : ", ") + code(name);
-        }
-        if (!row->is_readable()) continue;
-        rows.push_back("| " + names + " | " + std::string(name_of(row->of)) + " | " +
-                       std::string(row->gives) + " |");
-    }
-    return rows;
-}
-
-TEST(AttributeTables, every_row_stands_in_the_document) {
-    auto root = std::filesystem::path(__FILE__).parent_path() / "../../..";
-    std::ifstream file(root / "docs/attributes.md");
-    std::stringstream text;
-    text << file.rdbuf();
-    for (const std::string& row : document_rows()) {
-        EXPECT_NE(text.str().find(row), std::string::npos) << row;
     }
 }
 
