@@ -77,10 +77,10 @@ TPUWindow* window_that_shows(const TPUEditor& editor, const Buffer* buffer) {
 
 // Calls use(value) with the value of the attribute's field, if it has one.
 template <class Use>
-void with_field(const Attribute& row, TPUEditor& editor, Buffer& buffer, Use use) {
+void with_field(const Attribute& row, TPUEditor& editor, Buffer* buffer, Use use) {
     auto use_field = [&](auto field) {
-        if constexpr (requires { buffer.*field; }) {
-            use(buffer.*field);
+        if constexpr (requires { buffer->*field; }) {
+            use(buffer->*field);
         } else if constexpr (requires { editor.*field; }) {
             use(editor.*field);
         }
@@ -104,9 +104,23 @@ Value value_of(Integer n, const Attribute&) {
 Value read(const Attribute& row, const Subject& subject) {
     if (row.get) return row.get(subject);
     Value value = tpu_unspecified();
-    with_field(row, subject.editor, subject.buffer,
+    with_field(row, subject.editor, &subject.buffer,
                [&](const auto& field) { value = value_of(field, row); });
     return value;
+}
+
+std::string shown(bool on, const Attribute& row) {
+    if (row.reads_as_keyword) return std::string(row.keywords[on ? 0 : 1].name);
+    return std::string(on ? row.shown.on : row.shown.off);
+}
+
+std::string shown(const std::string& text, const Attribute& row) {
+    return text.empty() ? std::string(row.shown.none) : text;
+}
+
+template <class Integer>
+std::string shown(Integer n, const Attribute&) {
+    return std::to_string(n);
 }
 
 // What the values of SET say, or the keyword alone.
@@ -131,7 +145,7 @@ void set(const NamedAttribute& named, TPUEditor& editor, Args& args) {
     Buffer& buffer = given ? *given : *editor.current_buffer;
     SetCall call{editor, buffer, args, given ? 2u : 1u};
     if (row.set) return row.set(call);
-    with_field(row, editor, buffer, [&](auto& field) { take(call, named, field); });
+    with_field(row, editor, &buffer, [&](auto& field) { take(call, named, field); });
 }
 
 }  // namespace
@@ -174,6 +188,14 @@ Value get_info(TPUEditor& editor, const Value& object, std::string_view item) {
         if (named && !item.empty() && has_part(subject, row->of)) return read(*row, subject);
     }
     return tpu_unspecified();
+}
+
+std::string shown_text(const Attribute& row, TPUEditor& editor) {
+    if (row.shown.text) return row.shown.text(editor);
+    std::string text;
+    with_field(row, editor, editor.current_buffer,
+               [&](const auto& field) { text = shown(field, row); });
+    return text;
 }
 
 NamedAttribute find_keyword(std::string_view name) {

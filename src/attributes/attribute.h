@@ -1,6 +1,6 @@
 // Attributes of buffers, windows, the session and what else there is: a row says what one is
 // called, what it belongs to, where it is kept and what there is to say on it. SET, GET_INFO,
-// HELP and documents read the rows.
+// commands, HELP, SHOW and documents read the rows.
 //
 // Most attributes are just a field. What is more has functions that read or set it. A row
 // without names of items cannot be read, and one without keywords cannot be set.
@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -69,13 +70,20 @@ struct Keyword {
     SetCommand command = {};  // on the command line
 };
 
+// A line of SHOW.
+struct Shown {
+    std::string_view label = {};  // empty: SHOW leaves the attribute out
+    std::string_view on = "on", off = "off";
+    std::string_view none = {};                       // for an empty text
+    std::string (*text)(const TPUEditor&) = nullptr;  // goes before the field
+};
+
 struct Attribute {
     using Field = std::variant<std::monostate, bool Buffer::*, std::uint64_t Buffer::*,
                                std::string Buffer::*, bool TPUEditor::*, int TPUEditor::*,
                                std::uint64_t TPUEditor::*, std::string TPUEditor::*>;
 
     Of of;
-    std::string_view label = {};                 // what people are told it is
     std::array<std::string_view, 3> items = {};  // of GET_INFO, upper case; the rest empty
     Field field = {};                            // what GET_INFO reads and SET sets ...
     Value (*get)(const Subject&) = nullptr;      // ... but for those that have a function
@@ -88,6 +96,7 @@ struct Attribute {
     std::uint64_t most = INT64_MAX;  // of a number in the field
     void (*set)(SetCall&) = nullptr;
     bool ignores_buffer = false;  // that may stand before the values all the same
+    Shown shown = {};
 
     bool is_readable() const { return !items[0].empty(); }
     // Whether a buffer may stand before the values of SET.
@@ -120,6 +129,9 @@ NamedAttribute find_keyword(std::string_view name);
 // Does what SET does for a keyword in upper case: its values, and a buffer before them where
 // the attribute takes one, are the arguments from the second on. False: it names nothing.
 bool set_attribute(TPUEditor& editor, std::string_view keyword, Args& args);
+
+// What SHOW tells of an attribute of the session, or of the current buffer, which there is then.
+std::string shown_text(const Attribute& row, TPUEditor& editor);
 
 template <class Integer>
 Value number_value(Integer n) {

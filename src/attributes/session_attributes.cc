@@ -39,6 +39,11 @@ void put_timer(SetCall& call) {
     editor.timer.start(editor.ports.clock);
 }
 
+std::string shown_timer(const TPUEditor& editor) {
+    std::string interval = std::to_string(editor.timer.interval) + " ms";
+    return editor.timer.action.empty() ? interval : interval + "  -> " + editor.timer.action;
+}
+
 // A number, or OFF.
 void put_loop_limit(SetCall& call) {
     constexpr std::uint64_t kNever = 0;
@@ -87,27 +92,33 @@ constexpr Attribute kRows[] = {
     {.of = Of::session, .items = {"BELL"}, .field = &TPUEditor::bell,
      .gives = "1 when BELL rings, else 0.",
      .keywords = {{{"BELL", "Whether BELL rings the terminal's bell."}}},
-     .values = "ON or OFF"},
+     .values = "ON or OFF",
+     .shown = {.label = "Bell"}},
     {.of = Of::session, .items = {"MOUSE"}, .field = &TPUEditor::mouse,
      .gives = "1 when the mouse is in use, else 0.",
      .keywords = {{{"MOUSE", "Whether the terminal reports the mouse, so that clicks move the cursor."}}},
-     .values = "ON or OFF", .set = switch_mouse},
+     .values = "ON or OFF", .set = switch_mouse,
+     .shown = {.label = "Mouse"}},
     {.of = Of::session, .items = {"TIMER"}, .get = [](const Subject& s) { return number_value(s.editor.timer.interval); },
      .gives = "The milliseconds between two runs of the timer's statement; 0 when the timer is off.",
      .keywords = {{{"TIMER", "Run a statement again and again, so far apart; 0 or less switches the timer off."}}},
-     .values = "milliseconds [, statement]", .set = put_timer},
+     .values = "milliseconds [, statement]", .set = put_timer,
+     .shown = {.label = "Timer", .text = shown_timer}},
     {.of = Of::session, .items = {"PRE_KEY_PROCEDURE"}, .field = &TPUEditor::pre_key_procedure,
      .gives = "The statement that runs before each key; empty without one.",
      .keywords = {{{"PRE_KEY_PROCEDURE", "What runs before each key; nothing when it is empty or OFF."}}},
-     .values = "statement", .set = put_procedure<&TPUEditor::pre_key_procedure>},
+     .values = "statement", .set = put_procedure<&TPUEditor::pre_key_procedure>,
+     .shown = {.label = "Pre-key proc", .none = "<none>"}},
     {.of = Of::session, .items = {"POST_KEY_PROCEDURE"}, .field = &TPUEditor::post_key_procedure,
      .gives = "The statement that runs after each key; empty without one.",
      .keywords = {{{"POST_KEY_PROCEDURE", "What runs after each key; nothing when it is empty or OFF."}}},
-     .values = "statement", .set = put_procedure<&TPUEditor::post_key_procedure>},
+     .values = "statement", .set = put_procedure<&TPUEditor::post_key_procedure>,
+     .shown = {.label = "Post-key proc", .none = "<none>"}},
     {.of = Of::session, .items = {"UNDEFINED_KEY"}, .field = &TPUEditor::undefined_key_procedure,
      .gives = "The statement for keys without a meaning; empty without one.",
      .keywords = {{{"UNDEFINED_KEY", "What runs for a key that is neither bound nor a character; nothing when it is empty or OFF."}}},
-     .values = "statement", .set = put_procedure<&TPUEditor::undefined_key_procedure>},
+     .values = "statement", .set = put_procedure<&TPUEditor::undefined_key_procedure>,
+     .shown = {.label = "Undef-key proc", .none = "<none>"}},
     {.of = Of::session, .items = {"SHIFT_KEY"}, .field = &TPUEditor::shift_key,
      .gives = "The code of the SHIFT key; 0 without one.",
      .keywords = {{{"SHIFT_KEY", "A second key that works like GOLD, given by its name or code."}}},

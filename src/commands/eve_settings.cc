@@ -66,7 +66,7 @@ void set_switch(TPUEditor& editor, Line line) {
     std::string word = line.upper(first);
     bool& on = field_of<bool>(row, editor);
     on = word == "ON" || (word != "OFF" && !on);
-    editor.set_message(std::string(row.label) + (on ? " on" : " off"));
+    editor.set_message(std::string(row.shown.label) + (on ? " on" : " off"));
 }
 
 void set_text(TPUEditor& editor, Line line) {

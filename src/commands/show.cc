@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "attributes/attribute.h"
 #include "editor/editor.h"
 #include "editor/recovery.h"
 #include "editor/version.h"
@@ -27,16 +28,8 @@ std::string row(std::string label, std::size_t width, const std::string& value) 
     return "  " + label + value + '\n';
 }
 
-std::string or_none(const std::string& text) {
-    return text.empty() ? "<none>" : text;
-}
-
 std::string yes_no(bool yes) {
     return yes ? "yes" : "no";
-}
-
-std::string on_off(bool on) {
-    return on ? "on" : "off";
 }
 
 // What fits of `text` into a line that holds `used` bytes already: its characters but for
@@ -122,46 +115,21 @@ std::string variables(TPUEditor& editor, const std::string&) {
     return text + (list.empty() ? kNothing : list);
 }
 
-std::string tab_stops(const Buffer& buffer) {
-    if (buffer.tab_stops.empty()) {
-        std::string every = "every " + std::to_string(buffer.tab_interval);
-        return buffer.tab_interval == Buffer::kTabInterval ? "default (" + every + ")" : every;
+// The lines of those attributes of a table that have one.
+std::string attribute_rows(std::span<const Attribute> table, std::size_t width, TPUEditor& editor) {
+    std::string text;
+    for (const Attribute& attribute : table) {
+        std::string label(attribute.shown.label);
+        if (label.empty()) continue;
+        text += row(label, width, shown_text(attribute, editor));
     }
-    std::string list;
-    for (std::uint64_t stop : buffer.tab_stops) {
-        if (!list.empty()) list += ' ';
-        list += std::to_string(stop);
-    }
-    return list;
-}
-
-std::string journal(const Buffer& buffer) {
-    if (!buffer.journal_fault.empty() && !buffer.journaling) {
-        return "stopped: " + buffer.journal_fault;
-    }
-    if (!buffer.journaling) return "off";
-    return buffer.journal_file.empty() ? "on" : buffer.journal_file;
+    return text;
 }
 
 std::string defaults(TPUEditor& editor, const std::string&) {
     std::string text = header("SHOW DEFAULTS  (current buffer)");
     if (!editor.current_buffer) return text + kNothing;
-    const Buffer& b = *editor.current_buffer;
-    auto add = [&](const char* label, const std::string& value) { text += row(label, 15, value); };
-    add("Name", b.name);
-    add("File", or_none(b.file_name));
-    add("Modified", yes_no(b.modified));
-    add("Modifiable", yes_no(b.modifiable));
-    add("Direction", b.reverse ? "REVERSE" : "FORWARD");
-    add("Insert mode", b.insert_mode ? "INSERT" : "OVERSTRIKE");
-    add("Margins", std::to_string(b.left_margin) + " ... " + std::to_string(b.right_margin));
-    add("Wrap", on_off(b.auto_wrap));
-    add("Line numbers", on_off(editor.show_line_numbers));
-    add("EOB text", b.eob_text);
-    add("Tab stops", tab_stops(b));
-    add("Journaling", journal(b));
-    add("Key map list", b.key_map_list.empty() ? "(default)" : b.key_map_list);
-    return text;
+    return text + attribute_rows(buffer_attributes(), 15, editor);
 }
 
 std::string summary(TPUEditor& editor, const std::string&) {
@@ -186,22 +154,12 @@ std::string code_and_name(int code) {
     return name == number || code <= 0 ? number : number + " (" + name + ")";
 }
 
-std::string timer(const TPUEditor& editor) {
-    std::string interval = std::to_string(editor.timer.interval) + " ms";
-    return editor.timer.action.empty() ? interval : interval + "  -> " + editor.timer.action;
-}
-
 std::string system(TPUEditor& editor, const std::string&) {
     std::string text = header("SHOW SYSTEM");
     auto add = [&](const char* label, const std::string& value) { text += row(label, 14, value); };
     add("Screen", std::to_string(editor.rows) + " x " + std::to_string(editor.cols));
     add("Headless", yes_no(editor.headless));
-    add("Bell", on_off(editor.bell));
-    add("Mouse", on_off(editor.mouse));
-    add("Timer", timer(editor));
-    add("Pre-key proc", or_none(editor.pre_key_procedure));
-    add("Post-key proc", or_none(editor.post_key_procedure));
-    add("Undef-key proc", or_none(editor.undefined_key_procedure));
+    text += attribute_rows(session_attributes(), 14, editor);
     add("GOLD key", code_and_name(editor.gold_key));
     add("Last key", code_and_name(editor.last_key));
     if (editor.recovery && !editor.recovery->trouble().empty()) {
