@@ -57,9 +57,9 @@ void get_info_shown(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "SET", .statement = set, .least = 1, .most = Builtin::kAny, .form = "SET(keyword [, buffer] [, value, ...])",
+    {.name = "SET", .statement = set, .form = "SET(keyword [, buffer] [, value, ...])",
      .help = "Change an attribute of the current or the given buffer, of a window, or of the editor."},
-    {.name = "GET_INFO", .statement = get_info_shown, .function = get_info_value, .least = 2, .most = 2,
+    {.name = "GET_INFO", .statement = get_info_shown, .function = get_info_value,
      .form = "GET_INFO(object, item)", .help = "An attribute of an object; unspecified when it has none of that name."},
 };
 // clang-format on

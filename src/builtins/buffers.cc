@@ -123,15 +123,15 @@ void delete_object(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "GET_BUFFER", .statement = shown<get_buffer>, .function = get_buffer, .least = 1, .most = 1, .form = "GET_BUFFER(name)",
+    {.name = "GET_BUFFER", .statement = shown<get_buffer>, .function = get_buffer, .form = "GET_BUFFER(name)",
      .help = "The buffer of that name; unspecified without one."},
-    {.name = "CREATE_BUFFER", .function = create_buffer, .most = 2, .form = "CREATE_BUFFER(name [, file])",
+    {.name = "CREATE_BUFFER", .function = create_buffer, .form = "CREATE_BUFFER(name [, file])",
      .help = "The buffer of that name, which is made, and loaded from the file, when there is none."},
-    {.name = "READ_FILE", .statement = read_file, .least = 1, .most = 1, .form = "READ_FILE(file)",
+    {.name = "READ_FILE", .statement = read_file, .form = "READ_FILE(file)",
      .help = "Insert the text of a file at the cursor."},
-    {.name = "WRITE_FILE", .statement = write_file, .most = 2, .form = "WRITE_FILE(buffer or range [, file])",
+    {.name = "WRITE_FILE", .statement = write_file, .form = "WRITE_FILE(buffer or range [, file])",
      .help = "Write a text to a file, a buffer's own without one."},
-    {.name = "DELETE", .statement = delete_object, .most = 1, .form = "DELETE[(object)]",
+    {.name = "DELETE", .statement = delete_object, .form = "DELETE[(object)]",
      .help = "Delete a buffer, window, array, marker, range or process; without one, the selection or the character at the cursor."},
 };
 // clang-format on

@@ -32,7 +32,7 @@ Value clipboard_text(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "WRITE_CLIPBOARD", .statement = write_clipboard, .most = 1, .form = "WRITE_CLIPBOARD[(text)]",
+    {.name = "WRITE_CLIPBOARD", .statement = write_clipboard, .form = "WRITE_CLIPBOARD[(text)]",
      .help = "Put a text on the system's clipboard; without one, what was last cut or copied in the buffer."},
     {.name = "READ_CLIPBOARD", .statement = read_clipboard, .function = clipboard_text, .bare = true,
      .form = "READ_CLIPBOARD", .help = "The text on the system's clipboard; as a statement, the buffer's next paste."},

@@ -82,11 +82,11 @@ Value current_window(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "MESSAGE", .statement = message, .without_buffer = true, .least = 1, .most = 1,
+    {.name = "MESSAGE", .statement = message, .without_buffer = true,
      .form = "MESSAGE(text)", .help = "Show a text, or the text of a status name, as a message."},
-    {.name = "MESSAGE_TEXT", .statement = message, .function = message_text_value, .without_buffer = true, .least = 1, .most = 1,
+    {.name = "MESSAGE_TEXT", .statement = message, .function = message_text_value, .without_buffer = true,
      .form = "MESSAGE_TEXT(text)", .help = "The text that a status name stands for; as a statement, shown as a message."},
-    {.name = "SHOW", .statement = show_item, .most = 2, .form = "SHOW(item [, name])",
+    {.name = "SHOW", .statement = show_item, .form = "SHOW(item [, name])",
      .help = "Show the state of the editor, as the command SHOW does."},
     {.name = "BELL", .statement = bell, .form = "BELL", .help = "Ring the terminal's bell."},
     {.name = "REFRESH", .statement = [](Call& c) { editor_of(c).draw(); },

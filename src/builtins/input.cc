@@ -40,11 +40,11 @@ void last_key_shown(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "READ_LINE", .statement = read_line_shown, .function = read_line, .bare = true, .most = 2,
+    {.name = "READ_LINE", .statement = read_line_shown, .function = read_line, .bare = true,
      .form = "READ_LINE[(prompt [, ECHO or NOECHO])]", .help = "Ask for a line of text."},
-    {.name = "PROMPT", .statement = read_line_shown, .function = read_line, .bare = true, .most = 2,
+    {.name = "PROMPT", .statement = read_line_shown, .function = read_line, .bare = true,
      .form = "PROMPT[(prompt [, ECHO or NOECHO])]", .help = "Ask for a line of text."},
-    {.name = "READ_CHAR", .statement = read_char_shown, .function = read_char, .bare = true, .most = 1,
+    {.name = "READ_CHAR", .statement = read_char_shown, .function = read_char, .bare = true,
      .form = "READ_CHAR[(prompt)]", .help = "Wait for a key; its character."},
     {.name = "LAST_KEY", .statement = last_key_shown, .function = last_key, .bare = true,
      .form = "LAST_KEY", .help = "The code of the key that was pressed last."},

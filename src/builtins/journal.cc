@@ -78,12 +78,12 @@ void recover_buffer(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "JOURNAL_OPEN", .statement = journal_open, .least = 1, .most = 2,
+    {.name = "JOURNAL_OPEN", .statement = journal_open,
      .form = "JOURNAL_OPEN(file [, \"TEXT\" or \"BINARY\"])",
      .help = "Record what runs in the buffer in a file, behind what is there, for RECOVER_BUFFER."},
     {.name = "JOURNAL_CLOSE", .statement = journal_close, .form = "JOURNAL_CLOSE",
      .help = "End the recording of the buffer; the file stays."},
-    {.name = "RECOVER_BUFFER", .statement = recover_buffer, .most = 1, .form = "RECOVER_BUFFER[(file)]",
+    {.name = "RECOVER_BUFFER", .statement = recover_buffer, .form = "RECOVER_BUFFER[(file)]",
      .help = "Run again what a journal holds, on the text that there was when it began; without one, bring back unsaved work on the buffer's file."},
 };
 // clang-format on

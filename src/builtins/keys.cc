@@ -172,22 +172,22 @@ void remove_key_map(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "DEFINE_KEY", .statement = define_key, .least = 2, .most = 4,
+    {.name = "DEFINE_KEY", .statement = define_key,
      .form = "DEFINE_KEY(text, key [, comment [, key map]])",
      .help = "Bind a text, a program or a learn sequence to a key, given by its name, character or code."},
-    {.name = "UNDEFINE_KEY", .statement = undefine_key, .least = 1, .most = 2, .form = "UNDEFINE_KEY(key [, key map])",
+    {.name = "UNDEFINE_KEY", .statement = undefine_key, .form = "UNDEFINE_KEY(key [, key map])",
      .help = "Take the binding of a key away."},
-    {.name = "LOOKUP_KEY", .statement = lookup_key_shown, .function = lookup_key, .least = 1, .most = 2,
+    {.name = "LOOKUP_KEY", .statement = lookup_key_shown, .function = lookup_key,
      .form = "LOOKUP_KEY(key [, PROGRAM or COMMENT])", .help = "The text or the comment that is bound to a key."},
-    {.name = "KEY_NAME", .statement = shown<key_name>, .function = key_name, .least = 1, .most = 2, .form = "KEY_NAME(key [, GOLD])",
+    {.name = "KEY_NAME", .statement = shown<key_name>, .function = key_name, .form = "KEY_NAME(key [, GOLD])",
      .help = "The code of a key, given by its name or character."},
-    {.name = "CREATE_KEY_MAP", .function = create_key_map, .least = 1, .most = 1, .form = "CREATE_KEY_MAP(name)",
+    {.name = "CREATE_KEY_MAP", .function = create_key_map, .form = "CREATE_KEY_MAP(name)",
      .help = "Make an empty key map."},
-    {.name = "CREATE_KEY_MAP_LIST", .function = create_key_map_list, .least = 1, .most = Builtin::kAny,
+    {.name = "CREATE_KEY_MAP_LIST", .function = create_key_map_list,
      .form = "CREATE_KEY_MAP_LIST(name, key map, ...)", .help = "Make a list of key maps, searched in this order."},
-    {.name = "ADD_KEY_MAP", .statement = add_key_map, .least = 3, .most = Builtin::kAny,
+    {.name = "ADD_KEY_MAP", .statement = add_key_map,
      .form = "ADD_KEY_MAP(list, FIRST or LAST, key map, ...)", .help = "Add key maps to a list."},
-    {.name = "REMOVE_KEY_MAP", .statement = remove_key_map, .least = 2, .most = 2, .form = "REMOVE_KEY_MAP(list, key map)",
+    {.name = "REMOVE_KEY_MAP", .statement = remove_key_map, .form = "REMOVE_KEY_MAP(list, key map)",
      .help = "Take a key map out of a list."},
 };
 // clang-format on

@@ -46,13 +46,13 @@ Value expand_learn(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "LEARN_BEGIN", .statement = learn_begin, .most = Builtin::kAny, .form = "LEARN_BEGIN",
+    {.name = "LEARN_BEGIN", .statement = learn_begin, .form = "LEARN_BEGIN",
      .help = "Record the statements that follow."},
     {.name = "LEARN_END", .function = learn_end, .bare = true, .form = "LEARN_END",
      .help = "End recording; as a function, the learn sequence."},
     {.name = "LEARN_ABORT", .statement = learn_abort, .form = "LEARN_ABORT",
      .help = "End recording and forget what was recorded."},
-    {.name = "EXPAND_LEARN", .statement = shown<expand_learn>, .function = expand_learn, .least = 1, .most = 1, .form = "EXPAND_LEARN(sequence)",
+    {.name = "EXPAND_LEARN", .statement = shown<expand_learn>, .function = expand_learn, .form = "EXPAND_LEARN(sequence)",
      .help = "The statements of a learn sequence as text, each on a line."},
 };
 // clang-format on

@@ -137,15 +137,15 @@ Value help_text(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "FILE_PARSE", .statement = shown<file_parse>, .function = file_parse, .least = 1, .most = Builtin::kAny,
+    {.name = "FILE_PARSE", .statement = shown<file_parse>, .function = file_parse,
      .form = "FILE_PARSE(file [, default] [, part, ...])",
      .help = "The whole path of a file, or its DIRECTORY, NAME and TYPE."},
-    {.name = "FILE_SEARCH", .statement = file_search_shown, .function = file_search, .least = 1, .most = 1,
+    {.name = "FILE_SEARCH", .statement = file_search_shown, .function = file_search,
      .form = "FILE_SEARCH(pattern)", .help = "The next file that the pattern names; the empty text after the last."},
-    {.name = "EXPAND_NAME", .statement = expand_name_shown, .function = expand_name, .least = 1, .most = 2,
+    {.name = "EXPAND_NAME", .statement = expand_name_shown, .function = expand_name,
      .form = "EXPAND_NAME(prefix [, PROCEDURES or VARIABLES or KEYWORDS or BUILTINS or ALL])",
      .help = "The names that begin so, with blanks between."},
-    {.name = "HELP_TEXT", .statement = shown<help_text>, .function = help_text, .least = 1, .most = 1,
+    {.name = "HELP_TEXT", .statement = shown<help_text>, .function = help_text,
      .form = "HELP_TEXT(name)", .help = "How a built-in is written, and what it does."},
 };
 // clang-format on

@@ -52,11 +52,11 @@ Value create_array(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "CREATE_RANGE", .function = create_range, .least = 2, .most = 2, .form = "CREATE_RANGE(marker, marker)",
+    {.name = "CREATE_RANGE", .function = create_range, .form = "CREATE_RANGE(marker, marker)",
      .help = "The range between two markers."},
-    {.name = "MODIFY_RANGE", .function = modify_range, .least = 2, .most = 3, .form = "MODIFY_RANGE(range, marker [, marker])",
+    {.name = "MODIFY_RANGE", .function = modify_range, .form = "MODIFY_RANGE(range, marker [, marker])",
      .help = "Give a range another start, and another end."},
-    {.name = "CREATE_ARRAY", .statement = [](Call&) {}, .function = create_array, .bare = true, .most = 2,
+    {.name = "CREATE_ARRAY", .statement = [](Call&) {}, .function = create_array, .bare = true,
      .form = "CREATE_ARRAY[(count [, lowest])]",
      .help = "A new array, with that many elements from the lowest subscript on."},
 };

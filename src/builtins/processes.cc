@@ -60,15 +60,15 @@ void attach(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "SPAWN", .statement = spawn, .most = 1, .form = "SPAWN(command)",
+    {.name = "SPAWN", .statement = spawn, .form = "SPAWN(command)",
      .help = "Run a command of the shell on the whole screen."},
-    {.name = "CREATE_PROCESS", .function = create_process, .least = 1, .most = 2, .form = "CREATE_PROCESS(command [, buffer])",
+    {.name = "CREATE_PROCESS", .function = create_process, .form = "CREATE_PROCESS(command [, buffer])",
      .help = "Start a command of the shell whose output goes into a buffer, at its cursor."},
-    {.name = "SEND", .statement = send, .least = 1, .most = 2, .form = "SEND(text [, process])",
+    {.name = "SEND", .statement = send, .form = "SEND(text [, process])",
      .help = "Give a process a line of input; without one, the process that was started last."},
-    {.name = "SEND_EOF", .statement = send_eof, .most = 1, .form = "SEND_EOF[(process)]",
+    {.name = "SEND_EOF", .statement = send_eof, .form = "SEND_EOF[(process)]",
      .help = "End the input of a process."},
-    {.name = "ATTACH", .statement = attach, .most = 1, .form = "ATTACH[(process)]",
+    {.name = "ATTACH", .statement = attach, .form = "ATTACH[(process)]",
      .help = "Send what is typed to a process until Ctrl-Z."},
 };
 // clang-format on

@@ -64,13 +64,13 @@ void match(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "SEARCH", .statement = search, .function = search_range, .least = 1, .most = 2,
+    {.name = "SEARCH", .statement = search, .function = search_range,
      .form = "SEARCH(pattern [, FORWARD or REVERSE])",
      .help = "Go to the next match and tell of it; as a function, its range, without going there."},
-    {.name = "SEARCH_QUIETLY", .statement = search_quietly, .function = search_range, .least = 1, .most = 2,
+    {.name = "SEARCH_QUIETLY", .statement = search_quietly, .function = search_range,
      .form = "SEARCH_QUIETLY(pattern [, FORWARD or REVERSE])",
      .help = "The same without a message."},
-    {.name = "MATCH", .statement = match, .least = 1, .most = 1,
+    {.name = "MATCH", .statement = match,
      .form = "MATCH(pattern)", .help = "Tell whether the pattern matches at the cursor."},
 };
 // clang-format on

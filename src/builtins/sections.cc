@@ -28,11 +28,11 @@ void expand(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "SAVE", .statement = save, .without_buffer = true, .only_called = true, .least = 1, .most = 3,
+    {.name = "SAVE", .statement = save, .without_buffer = true, .only_called = true,
      .form = kSaveForm, .help = "Write procedures, names of variables, and keys to a section file."},
-    {.name = "RESTORE", .statement = restore, .without_buffer = true, .least = 1, .most = 1, .form = "RESTORE(filespec)",
+    {.name = "RESTORE", .statement = restore, .without_buffer = true, .form = "RESTORE(filespec)",
      .help = "Bring back what a section file holds."},
-    {.name = "EXPAND", .statement = expand, .without_buffer = true, .least = 1, .most = 1, .form = kExpandForm,
+    {.name = "EXPAND", .statement = expand, .without_buffer = true, .form = kExpandForm,
      .help = "Show the lines of a section file."},
 };
 // clang-format on

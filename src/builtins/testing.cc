@@ -61,15 +61,15 @@ Value assert_value(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "TEST", .statement = test, .least = 1, .most = Builtin::kAny, .form = "TEST(title)",
+    {.name = "TEST", .statement = test, .form = "TEST(title)",
      .help = "Put a heading into the test report."},
-    {.name = "ASSERT", .statement = assert_true, .function = assert_value, .least = 1, .most = 1,
+    {.name = "ASSERT", .statement = assert_true, .function = assert_value,
      .form = "ASSERT(condition)", .help = "Report whether the condition is true."},
-    {.name = "ASSERT_TRUE", .statement = assert_true, .least = 1, .most = 1,
+    {.name = "ASSERT_TRUE", .statement = assert_true,
      .form = "ASSERT_TRUE(condition)", .help = "Report whether the condition is true."},
-    {.name = "ASSERT_FALSE", .statement = assert_false, .least = 1, .most = 1,
+    {.name = "ASSERT_FALSE", .statement = assert_false,
      .form = "ASSERT_FALSE(condition)", .help = "Report whether the condition is false."},
-    {.name = "ASSERT_EQ", .statement = assert_eq, .least = 2, .most = 3,
+    {.name = "ASSERT_EQ", .statement = assert_eq,
      .form = "ASSERT_EQ(got, expected [, label])",
      .help = "Report whether two integers, or the texts of two values, are equal."},
 };

@@ -28,21 +28,21 @@ Value fao(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "STR", .statement = shown<of_values<strings::str>>, .function = of_values<strings::str>, .least = 1, .most = 1, .form = "STR(value)",
+    {.name = "STR", .statement = shown<of_values<strings::str>>, .function = of_values<strings::str>, .form = "STR(value)",
      .help = "The text of a value."},
-    {.name = "INT", .statement = shown<of_values<strings::integer>>, .function = of_values<strings::integer>, .least = 1, .most = 1, .form = "INT(value)",
+    {.name = "INT", .statement = shown<of_values<strings::integer>>, .function = of_values<strings::integer>, .form = "INT(value)",
      .help = "The integer that a text begins with; 0 without one."},
-    {.name = "ASCII", .statement = shown<of_values<strings::ascii_code>>, .function = of_values<strings::ascii_code>, .least = 1, .most = 1, .form = "ASCII(text)",
+    {.name = "ASCII", .statement = shown<of_values<strings::ascii_code>>, .function = of_values<strings::ascii_code>, .form = "ASCII(text)",
      .help = "The code of the first character; 0 for an empty text."},
-    {.name = "LENGTH", .statement = shown<of_values<strings::length>>, .function = of_values<strings::length>, .least = 1, .most = 1, .form = "LENGTH(value)",
+    {.name = "LENGTH", .statement = shown<of_values<strings::length>>, .function = of_values<strings::length>, .form = "LENGTH(value)",
      .help = "The number of characters of a value's text."},
-    {.name = "INDEX", .statement = shown<of_values<strings::index>>, .function = of_values<strings::index>, .least = 2, .most = 2, .form = "INDEX(text, part)",
+    {.name = "INDEX", .statement = shown<of_values<strings::index>>, .function = of_values<strings::index>, .form = "INDEX(text, part)",
      .help = "The place of the part in the text, counting from 1; 0 when it is not there."},
-    {.name = "SUBSTR", .statement = shown<of_values<strings::substr>>, .function = of_values<strings::substr>, .least = 3, .most = 3, .form = "SUBSTR(text, start, length)",
+    {.name = "SUBSTR", .statement = shown<of_values<strings::substr>>, .function = of_values<strings::substr>, .form = "SUBSTR(text, start, length)",
      .help = "A part of the text; its start counts from 1."},
-    {.name = "EDIT", .statement = shown<of_values<strings::edit>>, .function = of_values<strings::edit>, .least = 2, .most = 2, .form = "EDIT(text, UPPER or LOWER or INVERT)",
+    {.name = "EDIT", .statement = shown<of_values<strings::edit>>, .function = of_values<strings::edit>, .form = "EDIT(text, UPPER or LOWER or INVERT)",
      .help = "The text with the case of its letters changed."},
-    {.name = "FAO", .statement = shown<fao>, .function = fao, .least = 1, .most = Builtin::kAny, .form = "FAO(control, ...)",
+    {.name = "FAO", .statement = shown<fao>, .function = fao, .form = "FAO(control, ...)",
      .help = "The control text with directives like !AS and !5ZL replaced by the arguments."},
 };
 // clang-format on

@@ -13,7 +13,6 @@ void accept(Call& call) {
 constexpr Builtin row(std::string_view name) {
     return {.name = name,
             .statement = accept,
-            .most = Builtin::kAny,
             .form = name,
             .help = "Accepted, and without effect on a terminal."};
 }

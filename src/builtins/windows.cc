@@ -64,14 +64,14 @@ void locate_mouse(Call& call) {
 
 // clang-format off
 constexpr Builtin kRows[] = {
-    {.name = "CREATE_WINDOW", .function = create_window, .least = 2, .most = 3,
+    {.name = "CREATE_WINDOW", .function = create_window,
      .form = "CREATE_WINDOW(top, height [, status ON or OFF])",
      .help = "A new window from a row on, the screen's first being 0; its height counts the status line."},
-    {.name = "MAP", .statement = map, .least = 2, .most = 2, .form = "MAP(window, buffer)",
+    {.name = "MAP", .statement = map, .form = "MAP(window, buffer)",
      .help = "Let a window show a buffer; the current one shows the current buffer again when the screen is drawn."},
-    {.name = "UNMAP", .statement = unmap, .least = 1, .most = 1, .form = "UNMAP(window)",
+    {.name = "UNMAP", .statement = unmap, .form = "UNMAP(window)",
      .help = "Let a window show nothing; the current one shows the current buffer when the screen is drawn."},
-    {.name = "ADJUST_WINDOW", .statement = adjust_window, .least = 3, .most = 3,
+    {.name = "ADJUST_WINDOW", .statement = adjust_window,
      .form = "ADJUST_WINDOW(window, top, bottom)", .help = "Move the top and the bottom of a window by so many rows."},
     {.name = "SPLIT_WINDOW", .statement = [](Call& c) { editor_of(c).split_window_horizontal(); },
      .form = "SPLIT_WINDOW", .help = "Split the current window into two, one above the other."},
@@ -79,7 +79,7 @@ constexpr Builtin kRows[] = {
      .form = "SPLIT_WINDOW_VERTICAL", .help = "Split the current window into two, side by side."},
     {.name = "NEXT_WINDOW", .statement = [](Call& c) { editor_of(c).next_window(); },
      .form = "NEXT_WINDOW", .help = "Go to the next window."},
-    {.name = "DELETE_WINDOW", .statement = delete_window, .most = 1, .form = "DELETE_WINDOW[(window)]",
+    {.name = "DELETE_WINDOW", .statement = delete_window, .form = "DELETE_WINDOW[(window)]",
      .help = "Delete a window, or the current one; when none is left, a new one fills the screen."},
     {.name = "LOCATE_MOUSE", .statement = locate_mouse, .form = "LOCATE_MOUSE",
      .help = "Show where the mouse was clicked last."},

@@ -74,8 +74,6 @@ struct Call {
 enum class Declares : unsigned char { nothing, local, variable, constant };
 
 struct Builtin {
-    static constexpr int kAny = 127;
-
     std::string_view name;               // upper case
     void (*statement)(Call&) = nullptr;  // null: runs as a function, its value dropped
     Value (*function)(Call&) = nullptr;  // null: runs as a statement, gives nothing
@@ -83,10 +81,8 @@ struct Builtin {
     bool bare = false;            // stands in an expression without parentheses
     bool without_buffer = false;  // can do without a current buffer
     bool only_called = false;     // of a text that may be a command, only when "(" follows
-    std::int8_t least = 0;        // arguments
-    std::int8_t most = 0;
-    std::string_view form;  // how it is written
-    std::string_view help;  // one sentence
+    std::string_view form;        // how it is written
+    std::string_view help;        // one sentence
 };
 
 class BuiltinTable {
