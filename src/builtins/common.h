@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 
+#include "actions/actions.h"
 #include "lang/builtin.h"
 #include "os/work.h"
 #include "pattern/pattern.h"
@@ -32,6 +33,12 @@ void show_value(Call& call, const Value& value);
 template <Value (*function)(Call&)>
 void shown(Call& call) {
     show_value(call, function(call));
+}
+
+// A statement without arguments: an action, or a member of the session or the buffer.
+template <auto action>
+void does(Call& call) {
+    actions::perform<action>(editor_of(call));
 }
 
 // The pattern that an argument is: a pattern, a text to be found as it stands, or,

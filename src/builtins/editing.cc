@@ -1,6 +1,7 @@
 // Changing text: lines, characters, case, selections and what was cut.
 #include <algorithm>
 
+#include "actions/actions.h"
 #include "builtins/common.h"
 #include "builtins/families.h"
 #include "editor/editor.h"
@@ -37,18 +38,12 @@ void shift(Call& call) {
 }
 
 void fill(Call& call) {
-    Buffer& buffer = call.buffer();
-    std::optional<Range> selection = buffer.select_range();
-    if (!selection) return editor_of(call).set_message("FILL needs a range");
     Work work = call.parser.interruptible();
-    buffer.fill_range(*selection, buffer.left_margin, buffer.right_margin, &work);
-    tell_of_end(call, work);
+    if (actions::fill(editor_of(call), "FILL needs a range", work)) tell_of_end(call, work);
 }
 
 Buffer::Case case_mode(Args& args) {
-    std::string word = ascii::upper(args.text(1));
-    if (word == "UPPER") return Buffer::Case::upper;
-    return word == "LOWER" ? Buffer::Case::lower : Buffer::Case::invert;
+    return actions::case_named(args.text(1));
 }
 
 void change_case(Call& call) {
@@ -109,7 +104,10 @@ Value copy_text_range(Call& call) {
 
 void copy_text(Call& call) {
     if (call.args.count() == 0) return;
-    if (ascii::upper(call.args.whole()) == "SELECT_RANGE") return editor_of(call).copy_selection();
+    if (ascii::upper(call.args.whole()) == "SELECT_RANGE") {
+        actions::copy(editor_of(call));
+        return;
+    }
     const Value& text = call.args.value(0);
     if (text.is(Value::Type::string)) {
         insert(call, text.text());
@@ -118,19 +116,14 @@ void copy_text(Call& call) {
     }
 }
 
-void show_selection(Call& call) {
-    bool active = call.buffer().select_range().has_value();
-    editor_of(call).set_message(active ? "SELECT_RANGE active" : "No SELECT active");
-}
-
 Value select_range(Call& call) {
     std::optional<Range> selection = call.buffer().select_range();
     return selection ? Value::make_range(*selection) : tpu_unspecified();
 }
 
 void set_mark(Call& call) {
-    call.buffer().select();
-    editor_of(call).set_message(call.buffer().free_cursor ? "MARK (FREE_CURSOR) set" : "MARK set");
+    actions::begin_selection(editor_of(call),
+                             call.buffer().free_cursor ? "MARK (FREE_CURSOR) set" : "MARK set");
 }
 
 Value mark(Call& call) {
@@ -138,22 +131,14 @@ Value mark(Call& call) {
     return Value::make_marker(call.buffer().mark(free));
 }
 
-void undo(Call& call) {
-    editor_of(call).set_message(tpu::undo(editor_of(call)) ? "Undone" : "Nothing to undo");
-}
-
-void redo(Call& call) {
-    editor_of(call).set_message(tpu::redo(editor_of(call)) ? "Redone" : "Nothing to redo");
-}
-
 void store_paste(Call& call) {
     if (call.args.count() == 0) return editor_of(call).set_message("STORE_PASTE(name)");
-    editor_of(call).store_named_paste(call.args.text(0));
+    actions::store_paste(editor_of(call), call.args.text(0));
 }
 
 void recall_paste(Call& call) {
     if (call.args.count() == 0) return editor_of(call).set_message("RECALL_PASTE(name)");
-    editor_of(call).recall_named_paste(call.args.text(0), true);
+    actions::insert_paste(editor_of(call), call.args.text(0));
 }
 
 // The text that is kept under a name.
@@ -173,11 +158,11 @@ constexpr Builtin kRows[] = {
     {.name = "SHIFT", .statement = shift,
      .form = "SHIFT([window or buffer,] columns)",
      .help = "Shift the lines of the buffer right, or left by a negative number."},
-    {.name = "SPLIT_LINE", .statement = [](Call& c) { c.buffer().split_line(); },
+    {.name = "SPLIT_LINE", .statement = does<&Buffer::split_line>,
      .form = "SPLIT_LINE", .help = "Split the line at the cursor."},
-    {.name = "APPEND_LINE", .statement = [](Call& c) { c.buffer().append_line(); },
+    {.name = "APPEND_LINE", .statement = does<&Buffer::append_line>,
      .form = "APPEND_LINE", .help = "Append the cursor line to the line above."},
-    {.name = "ERASE_LINE", .statement = [](Call& c) { c.buffer().erase_line(); },
+    {.name = "ERASE_LINE", .statement = does<&Buffer::erase_line>,
      .form = "ERASE_LINE", .help = "Remove the cursor line."},
     {.name = "ERASE_CHARACTER", .statement = erase_character,
      .form = "ERASE_CHARACTER(n)", .help = "Erase characters at the cursor, or to the left of it for a negative number."},
@@ -189,11 +174,11 @@ constexpr Builtin kRows[] = {
     {.name = "TRANSLATE", .statement = translate,
      .form = "TRANSLATE(buffer or range, from, to)",
      .help = "Replace each character of one text by the one at the same place of the other."},
-    {.name = "SELECT", .statement = [](Call& c) { c.buffer().select(); },
+    {.name = "SELECT", .statement = does<&Buffer::select>,
      .form = "SELECT", .help = "Begin a selection at the cursor."},
-    {.name = "SELECT_RANGE", .statement = show_selection, .function = select_range, .bare = true,
+    {.name = "SELECT_RANGE", .statement = does<actions::tell_of_selection>, .function = select_range, .bare = true,
      .form = "SELECT_RANGE", .help = "Tell whether there is a selection; as a function, its range."},
-    {.name = "MOVE_TEXT", .statement = [](Call& c) { editor_of(c).cut_selection(); },
+    {.name = "MOVE_TEXT", .statement = does<actions::cut>,
      .form = "MOVE_TEXT", .help = "Move the selection to the paste register."},
     {.name = "COPY_TEXT", .statement = copy_text, .function = copy_text_range,
      .form = "COPY_TEXT(text or SELECT_RANGE)",
@@ -203,11 +188,11 @@ constexpr Builtin kRows[] = {
      .help = "Put a text in the place of so many bytes behind so many others, whatever the modes are; the cursor goes behind it. With ON its line feeds end no lines."},
     {.name = "ERASE", .statement = erase,
      .form = "ERASE(range)", .help = "Erase the text of a range."},
-    {.name = "LINE_BEGIN", .statement = [](Call& c) { c.buffer().cursor_column = 0; },
+    {.name = "LINE_BEGIN", .statement = does<actions::go_to_line_begin>,
      .function = [](Call&) { return pattern_value({{{TPUPatternToken::kLineBegin, "", 0, 0}}, false}); },
      .bare = true, .form = "LINE_BEGIN",
      .help = "Go to the beginning of the line; as a function, the pattern that matches there."},
-    {.name = "LINE_END", .statement = [](Call& c) { c.buffer().cursor_column = c.buffer().line_length(); },
+    {.name = "LINE_END", .statement = does<actions::go_to_line_end>,
      .function = [](Call&) { return pattern_value({{{TPUPatternToken::kLineEnd, "", 0, 0}}, false}); },
      .bare = true, .form = "LINE_END",
      .help = "Go to the end of the line; as a function, the pattern that matches there."},
@@ -218,8 +203,8 @@ constexpr Builtin kRows[] = {
     {.name = "MARK", .statement = set_mark, .function = mark, .bare = true,
      .form = "MARK[(FREE_CURSOR)]",
      .help = "Begin a selection at the cursor; as a function, the marker of the cursor's place."},
-    {.name = "UNDO", .statement = undo, .form = "UNDO", .help = "Undo what the running statement has changed, or else the last step."},
-    {.name = "REDO", .statement = redo, .form = "REDO", .help = "Do again what was undone last."},
+    {.name = "UNDO", .statement = does<actions::undo>, .form = "UNDO", .help = "Undo what the running statement has changed, or else the last step."},
+    {.name = "REDO", .statement = does<actions::redo>, .form = "REDO", .help = "Do again what was undone last."},
 };
 // clang-format on
 

@@ -1,4 +1,5 @@
 // Binding keys.
+#include "actions/actions.h"
 #include "builtins/common.h"
 #include "builtins/families.h"
 #include "editor/editor.h"
@@ -10,8 +11,6 @@ namespace tpu::builtins {
 namespace {
 
 using Type = Value::Type;
-
-constexpr const char* kDefaultMap = "TPU$KEY_MAP";
 
 // The code that an argument means: a code, or the name of a key.
 int key_argument(Args& args, std::size_t i) {
@@ -40,17 +39,16 @@ int any_key(std::string_view name) {
 // The map of that name; the default one is made when there is none yet, since start-up
 // files run before the default keys exist.
 KeyMap* map_named(TPUEditor& editor, const std::string& name) {
-    auto found = editor.key_maps.find(name);
-    if (found != editor.key_maps.end()) return found->second.get();
-    if (name != kDefaultMap) return nullptr;
-    KeyMap* map = editor.create_key_map(name);
-    editor.create_key_map_list("TPU$KEY_MAP_LIST", map);
+    KeyMap* map = find_named(editor.key_maps, name);
+    if (map || name != kDefaultKeyMap) return map;
+    map = editor.create_key_map(name);
+    editor.create_key_map_list(kDefaultKeyMapList, map);
     return map;
 }
 
 // The map that an argument names, or without one the default map; null with a message.
 KeyMap* map_argument(Call& call, std::size_t i) {
-    std::string name = call.args.count() > i ? call.args.text(i) : std::string(kDefaultMap);
+    std::string name = call.args.count() > i ? call.args.text(i) : std::string(kDefaultKeyMap);
     KeyMap* map = map_named(editor_of(call), name);
     if (!map) {
         call.parser.record_error("TPU$_NOKEYMAP", "There is no key map " + name);
@@ -60,11 +58,13 @@ KeyMap* map_argument(Call& call, std::size_t i) {
 }
 
 KeyMapList* list_argument(Call& call, std::size_t i) {
-    auto found = editor_of(call).key_map_lists.find(call.args.text(i));
-    if (found != editor_of(call).key_map_lists.end()) return found->second.get();
-    call.parser.record_error("TPU$_NOKEYMAPLIST", "There is no key-map list " + call.args.text(i));
-    editor_of(call).set_message(call.parser.error_text);
-    return nullptr;
+    const std::string name = call.args.text(i);
+    KeyMapList* list = find_named(editor_of(call).key_map_lists, name);
+    if (!list) {
+        call.parser.record_error("TPU$_NOKEYMAPLIST", "There is no key-map list " + name);
+        editor_of(call).set_message(call.parser.error_text);
+    }
+    return list;
 }
 
 // What a key runs: a text, or a program or learn sequence. Nothing for other values.
@@ -96,32 +96,34 @@ void define_key(Call& call) {
     int code = key_argument(call.args, 1);
     if (code < 0) {
         call.parser.record_error("TPU$_BADKEY", "Unknown key name " + call.args.text(1));
-        return editor_of(call).set_message("Unknown key name");
+    } else {
+        binding->comment = call.args.count() > 2 ? call.args.text(2) : "User-defined key";
     }
-    binding->comment = call.args.count() > 2 ? call.args.text(2) : "User-defined key";
-    if (KeyMap* map = map_argument(call, 3)) map->define_key(code, *std::move(binding));
+    actions::define_key(editor_of(call), code, *std::move(binding),
+                        [&] { return map_argument(call, 3); });
 }
 
 void undefine_key(Call& call) {
-    int code = key_argument(call.args, 0);
-    if (code < 0) return editor_of(call).set_message("Cannot undefine key");
-    if (KeyMap* map = map_argument(call, 1)) map->undefine_key(code);
+    actions::undefine_key(editor_of(call), key_argument(call.args, 0),
+                          [&] { return map_argument(call, 1); });
+}
+
+// What is bound to the key that the first argument is; null for nothing.
+const KeyBinding* binding_argument(Call& call) {
+    const KeyMapList* list = editor_of(call).current_key_map_list;
+    return list ? list->lookup(key_argument(call.args, 0)) : nullptr;
 }
 
 // LOOKUP_KEY(key [, PROGRAM or COMMENT])
 Value lookup_key(Call& call) {
-    const KeyMapList* list = editor_of(call).current_key_map_list;
-    const KeyBinding* binding = list ? list->lookup(key_argument(call.args, 0)) : nullptr;
+    const KeyBinding* binding = binding_argument(call);
     if (!binding) return tpu_unspecified();
     bool comment = ascii::upper(call.args.text(1)) == "COMMENT";
     return Value::make_str(comment ? binding->comment : binding->text);
 }
 
 void lookup_key_shown(Call& call) {
-    const KeyMapList* list = editor_of(call).current_key_map_list;
-    const KeyBinding* binding = list ? list->lookup(key_argument(call.args, 0)) : nullptr;
-    editor_of(call).set_message(binding ? "Key: " + binding->text + " " + binding->comment
-                                        : "Key undefined");
+    actions::tell_of_binding(editor_of(call), binding_argument(call));
 }
 
 Value key_name(Call& call) {
@@ -153,14 +155,11 @@ Value create_key_map_list(Call& call) {
 void add_key_map(Call& call) {
     KeyMapList* list = list_argument(call, 0);
     if (!list) return;
-    std::string place = ascii::upper(call.args.text(1));
-    if (place != "FIRST" && place != "LAST") {
-        return editor_of(call).set_message("Position must be FIRST or LAST");
-    }
-    for (std::size_t i = 2; i < call.args.count(); ++i) {
+    const actions::AddKeyMap add = actions::add_at(editor_of(call), call.args.text(1));
+    for (std::size_t i = 2; add && i < call.args.count(); ++i) {
         KeyMap* map = map_argument(call, i);
         if (!map) return;
-        place == "FIRST" ? list->add_first(map) : list->add_last(map);
+        (list->*add)(map);
     }
 }
 

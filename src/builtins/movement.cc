@@ -3,6 +3,7 @@
 #include <locale>
 #include <sstream>
 
+#include "actions/actions.h"
 #include "builtins/common.h"
 #include "builtins/families.h"
 #include "editor/editor.h"
@@ -18,22 +19,6 @@ void move_vertical(Call& call) {
 
 void move_horizontal(Call& call) {
     call.buffer().move_horizontal(bounded(call.args.number(0)));
-}
-
-void go_to_beginning(Call& call) {
-    call.buffer().beginning_of_buffer();
-}
-
-void go_to_end(Call& call) {
-    call.buffer().end_of_buffer();
-}
-
-void go_to_line_begin(Call& call) {
-    call.buffer().cursor_column = 0;
-}
-
-void go_to_line_end(Call& call) {
-    call.buffer().cursor_column = call.buffer().line_length();
 }
 
 // The place at an end of a buffer: the current one, or that of the argument.
@@ -102,11 +87,13 @@ void go_to(Call& call, const Marker& marker) {
 void position(Call& call) {
     struct Place {
         std::string_view word;
-        void (*go)(Call&);
+        void (*go)(TPUEditor&);
     };
+    constexpr auto go_to_beginning = actions::perform<&Buffer::beginning_of_buffer>;
+    constexpr auto go_to_end = actions::perform<&Buffer::end_of_buffer>;
     constexpr Place kPlaces[] = {
-        {"LINE_BEGIN", go_to_line_begin},
-        {"LINE_END", go_to_line_end},
+        {"LINE_BEGIN", actions::go_to_line_begin},
+        {"LINE_END", actions::go_to_line_end},
         {"BEGINNING_OF(CURRENT_BUFFER)", go_to_beginning},
         {"BEGINNING_OF (CURRENT_BUFFER)", go_to_beginning},
         {"END_OF(CURRENT_BUFFER)", go_to_end},
@@ -115,7 +102,7 @@ void position(Call& call) {
         {"BUFFER_END", go_to_end},
     };
     for (const Place& place : kPlaces) {
-        if (ascii::upper(call.args.whole()) == place.word) return place.go(call);
+        if (ascii::upper(call.args.whole()) == place.word) return place.go(editor_of(call));
     }
     const Value& target = call.args.value(0);
     using Type = Value::Type;
@@ -129,7 +116,7 @@ void position(Call& call) {
         editor_of(call).enter_window(window_of(target));
     } else if (target.is(Type::keyword)) {
         for (const Place& place : kPlaces) {
-            if (target.text() == place.word) return place.go(call);
+            if (target.text() == place.word) return place.go(editor_of(call));
         }
     }
 }
@@ -150,15 +137,15 @@ constexpr Builtin kRows[] = {
     {.name = "POSITION", .statement = position,
      .form = "POSITION(place)",
      .help = "Go to a marker, the start of a range, a buffer, a window, or LINE_BEGIN and the like."},
-    {.name = "BEGINNING_OF", .statement = go_to_beginning, .function = beginning_of,
+    {.name = "BEGINNING_OF", .statement = does<&Buffer::beginning_of_buffer>, .function = beginning_of,
      .form = "BEGINNING_OF[(buffer or range)]",
      .help = "Go to the beginning of the buffer; as a function, the marker of a beginning."},
-    {.name = "TOP", .statement = go_to_beginning,
+    {.name = "TOP", .statement = does<&Buffer::beginning_of_buffer>,
      .form = "TOP", .help = "Go to the beginning of the buffer."},
-    {.name = "END_OF", .statement = go_to_end, .function = end_of,
+    {.name = "END_OF", .statement = does<&Buffer::end_of_buffer>, .function = end_of,
      .form = "END_OF[(buffer or range)]",
      .help = "Go to the end of the buffer; as a function, the marker of an end."},
-    {.name = "BOTTOM", .statement = go_to_end,
+    {.name = "BOTTOM", .statement = does<&Buffer::end_of_buffer>,
      .form = "BOTTOM", .help = "Go to the end of the buffer."},
 };
 // clang-format on

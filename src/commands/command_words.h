@@ -8,11 +8,10 @@
 #include <string_view>
 #include <vector>
 
+#include "actions/actions.h"
 #include "editor/line_input.h"
 
 namespace tpu {
-
-class TPUEditor;
 
 // A line split at white space, with the line itself.
 struct CommandLine {
@@ -90,8 +89,20 @@ std::span<const Command> editor();
 std::span<const Command> keys();
 std::span<const Command> statements();
 
-void set_insert_mode(TPUEditor& editor, bool insert);
-void undefine_key(TPUEditor& editor, const std::vector<std::string>& words);
+// A command without words of its own: an action, or a member of the session or the buffer.
+template <auto action>
+void does(TPUEditor& editor, const CommandLine&) {
+    actions::perform<action>(editor);
+}
+
+// Writes the buffer to the file that word `i` names, or without one to its own.
+template <std::size_t i>
+void save(TPUEditor& editor, const CommandLine& line) {
+    line.words.size() > i ? actions::save_as(editor, line.file(editor, i)) : actions::save(editor);
+}
+
+// In key_commands.cc: takes away the binding of the key of that name.
+void undefine_key(TPUEditor& editor, const std::string& name);
 
 }  // namespace commands
 

@@ -1,6 +1,7 @@
 // The commands of one word that come after the user's procedures.
 #include <algorithm>
 
+#include "actions/actions.h"
 #include "commands/command_words.h"
 #include "commands/help.h"
 #include "commands/show.h"
@@ -10,40 +11,11 @@
 #include "text/ascii.h"
 #include "value/call_text.h"
 
-namespace tpu {
-
-void buffer_command(TPUEditor& editor, const std::vector<std::string>& words) {
-    if (words.size() < 2) return editor.set_message("BUFFER requires name");
-    const std::string& name = words[1];
-    Buffer* buffer = editor.find_buffer(name);
-    editor.position(buffer ? buffer : editor.create_buffer(name, ""));
-    editor.set_message("Current buffer: " + name);
-}
-
-// Of faults in the source the last one stays on the message line, with their number.
-void compile_current_buffer(TPUEditor& editor) {
-    if (!editor.current_buffer) return;
-    long long before = editor.parser.error_count;
-    editor.parser.compile_text(editor.current_buffer->text().text());
-    long long faults = editor.parser.error_count - before;
-    if (faults == 0) return editor.set_message("Compiled current buffer");
-    editor.set_message("Compiled current buffer, faults: " + std::to_string(faults) +
-                       "; the last: " + editor.parser.error_list.back());
-}
-
-namespace commands {
+namespace tpu::commands {
 
 namespace {
 
 using Line = const CommandLine&;
-
-void leave(TPUEditor& editor, Line) {
-    editor.running = false;
-}
-
-void write(TPUEditor& editor, Line line) {
-    line.words.size() > 1 ? editor.save_as(line.file(editor, 1)) : editor.save_current();
-}
 
 bool is_pattern(std::string_view text) {
     std::string upper = ascii::upper(text);
@@ -83,30 +55,24 @@ void find_quietly(TPUEditor& editor, Line line) {
     search(editor, line, work);
 }
 
-void erase_line(TPUEditor& editor, Line) {
-    editor.current_buffer->erase_line();
-}
-
-void go_to_end(TPUEditor& editor, Line) {
-    editor.current_buffer->end_of_buffer();
-}
-
-void select(TPUEditor& editor, Line) {
-    editor.current_buffer->select();
-    editor.set_message("SELECT");
-}
-
-void select_range(TPUEditor& editor, Line) {
-    bool active = editor.current_buffer->select_range().has_value();
-    editor.set_message(active ? "SELECT_RANGE active" : "No SELECT active");
-}
-
 // A name in double quotes, or one with ~, is that of a buffer that there is.
 void go_to_buffer(TPUEditor& editor, Line line) {
-    std::vector<std::string> words = line.words;
-    bool known = words.size() < 2 || editor.find_buffer(words[1]);
-    if (!known && editor.find_buffer(line.file(editor, 1))) words[1] = line.file(editor, 1);
-    buffer_command(editor, words);
+    if (line.words.size() < 2) return editor.set_message("BUFFER requires name");
+    std::string name = line.words[1];
+    Buffer* buffer = editor.find_buffer(name);
+    if (!buffer && (buffer = editor.find_buffer(line.file(editor, 1)))) name = buffer->name;
+    editor.position(buffer ? buffer : editor.create_buffer(name, ""));
+    editor.set_message("Current buffer: " + name);
+}
+
+// Of faults in the source the last one stays on the message line, with their number.
+void compile(TPUEditor& editor, Line) {
+    long long before = editor.parser.error_count;
+    editor.parser.compile_text(editor.current_buffer->text().text());
+    long long faults = editor.parser.error_count - before;
+    if (faults == 0) return editor.set_message("Compiled current buffer");
+    editor.set_message("Compiled current buffer, faults: " + std::to_string(faults) +
+                       "; the last: " + editor.parser.error_list.back());
 }
 
 void execute(TPUEditor& editor, Line line) {
@@ -120,13 +86,13 @@ void help(TPUEditor& editor, Line line) {
 
 // clang-format off
 constexpr Command kRows[] = {
-    {.words = "EXIT", .run = leave, .form = "EXIT",
+    {.words = "EXIT", .run = does<actions::leave>, .form = "EXIT",
      .help = "Leave the editor at once; nothing is saved.", .without_buffer = true},
-    {.words = "QUIT", .run = leave, .form = "QUIT",
+    {.words = "QUIT", .run = does<actions::leave>, .form = "QUIT",
      .help = "Leave the editor at once; nothing is saved.", .without_buffer = true},
-    {.words = "WRITE", .run = write, .form = "WRITE [name]",
+    {.words = "WRITE", .run = save<1>, .form = "WRITE [name]",
      .help = "Write the buffer to its file, or to the file named.", .about = About::file},
-    {.words = "SAVE", .run = write, .form = "SAVE [name]",
+    {.words = "SAVE", .run = save<1>, .form = "SAVE [name]",
      .help = "Write the buffer to its file, or to the file named.", .about = About::file},
     {.words = "FIND", .run = find, .form = "FIND [text or pattern]",
      .help = "Search forward, or search while the text is typed."},
@@ -134,25 +100,25 @@ constexpr Command kRows[] = {
      .help = "Search forward, or search while the text is typed."},
     {.words = "SEARCH_QUIETLY", .run = find_quietly, .form = "SEARCH_QUIETLY <pat>",
      .help = "Search without status message."},
-    {.words = "TOP", .run = [](TPUEditor& e, Line) { e.current_buffer->beginning_of_buffer(); }, .form = "TOP",
+    {.words = "TOP", .run = does<&Buffer::beginning_of_buffer>, .form = "TOP",
      .help = "Go to the beginning of the buffer."},
-    {.words = "BOTTOM", .run = go_to_end, .form = "BOTTOM",
+    {.words = "BOTTOM", .run = does<&Buffer::end_of_buffer>, .form = "BOTTOM",
      .help = "Go to the end of the buffer."},
-    {.words = "END", .run = go_to_end, .form = "END",
+    {.words = "END", .run = does<&Buffer::end_of_buffer>, .form = "END",
      .help = "Go to the end of the buffer."},
-    {.words = "ERASE_LINE", .run = erase_line, .form = "ERASE_LINE",
+    {.words = "ERASE_LINE", .run = does<&Buffer::erase_line>, .form = "ERASE_LINE",
      .help = "Erase the current line.", .edits = true},
-    {.words = "SELECT", .run = select, .form = "SELECT",
+    {.words = "SELECT", .run = does<actions::select>, .form = "SELECT",
      .help = "Start a selection at the cursor.", .at_character = true},
-    {.words = "SELECT_RANGE", .run = select_range, .form = "SELECT_RANGE",
+    {.words = "SELECT_RANGE", .run = does<actions::tell_of_selection>, .form = "SELECT_RANGE",
      .help = "Tell whether there is a selection."},
-    {.words = "MOVE_TEXT", .run = [](TPUEditor& e, Line) { e.cut_selection(); }, .form = "MOVE_TEXT",
+    {.words = "MOVE_TEXT", .run = does<actions::cut>, .form = "MOVE_TEXT",
      .help = "Cut the selection.", .edits = true},
-    {.words = "COPY_TEXT", .run = [](TPUEditor& e, Line) { e.copy_selection(); }, .form = "COPY_TEXT",
+    {.words = "COPY_TEXT", .run = does<actions::copy>, .form = "COPY_TEXT",
      .help = "Copy the selection.", .at_character = true},
-    {.words = "INSERT", .run = [](TPUEditor& e, Line) { set_insert_mode(e, true); }, .form = "INSERT",
+    {.words = "INSERT", .run = does<actions::type_in_insert_mode>, .form = "INSERT",
      .help = "Type in insert mode."},
-    {.words = "OVERSTRIKE", .run = [](TPUEditor& e, Line) { set_insert_mode(e, false); }, .form = "OVERSTRIKE",
+    {.words = "OVERSTRIKE", .run = does<actions::type_in_overstrike_mode>, .form = "OVERSTRIKE",
      .help = "Type in overstrike mode."},
     {.words = "SHOW", .run = [](TPUEditor& e, Line l) { show_command(e, l.words); }, .form = "SHOW item [name]",
      .help = "Show the state of the editor; SHOW alone lists the items.",
@@ -160,7 +126,7 @@ constexpr Command kRows[] = {
     {.words = "BUFFER", .run = go_to_buffer, .form = "BUFFER name",
      .help = "Go to the buffer of that name; it is made if there is none.",
      .without_buffer = true, .about = About::buffer},
-    {.words = "COMPILE", .run = [](TPUEditor& e, Line) { compile_current_buffer(e); }, .form = "COMPILE",
+    {.words = "COMPILE", .run = compile, .form = "COMPILE",
      .help = "Run the buffer as a program: its procedures can be called from then on."},
     {.words = "EXECUTE", .run = execute, .form = "EXECUTE name",
      .help = "Call a procedure.", .without_buffer = true, .about = About::procedure},
@@ -190,6 +156,4 @@ std::span<const Command> statements() {
     return kStatements;
 }
 
-}  // namespace commands
-
-}  // namespace tpu
+}  // namespace tpu::commands

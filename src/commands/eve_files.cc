@@ -56,10 +56,6 @@ void include_file(TPUEditor& editor, Line line) {
     editor.set_message("Included " + file);
 }
 
-void save_file(TPUEditor& editor, Line line) {
-    line.words.size() > 2 ? editor.save_as(line.file(editor, 2)) : editor.save_current();
-}
-
 void reload(TPUEditor& editor, Line) {
     Buffer& buffer = *editor.current_buffer;
     const std::string file = buffer.file_name;
@@ -105,9 +101,9 @@ constexpr Command kRows[] = {
     {.words = "INCLUDE", .run = include_file, .form = "INCLUDE file",
      .help = "Insert the text of a file at the cursor.",
      .least = 2, .edits = true, .about = About::file},
-    {.words = "SAVE FILE", .run = save_file, .form = "SAVE FILE [name]",
+    {.words = "SAVE FILE", .run = save<2>, .form = "SAVE FILE [name]",
      .help = "Write the buffer to its file, or to the file named.", .about = About::file},
-    {.words = "WRITE FILE", .run = save_file, .form = "WRITE FILE [name]",
+    {.words = "WRITE FILE", .run = save<2>, .form = "WRITE FILE [name]",
      .help = "Write the buffer to its file, or to the file named.", .about = About::file},
     {.words = "RELOAD", .run = reload, .form = "RELOAD",
      .help = "Read the file of the buffer again; the cursor keeps its place."},
@@ -115,9 +111,9 @@ constexpr Command kRows[] = {
      .help = "Tell whether somebody else has changed the file of the buffer."},
     {.words = "CHECK DISK", .run = check_disk, .form = "CHECK DISK",
      .help = "Tell whether somebody else has changed the file of the buffer.", .in_full = true},
-    {.words = "NEXT BUFFER", .run = [](TPUEditor& e, Line) { e.next_buffer(); }, .form = "NEXT BUFFER",
+    {.words = "NEXT BUFFER", .run = does<&TPUEditor::next_buffer>, .form = "NEXT BUFFER",
      .help = "Go to the next buffer."},
-    {.words = "PREVIOUS BUFFER", .run = [](TPUEditor& e, Line) { e.previous_buffer(); },
+    {.words = "PREVIOUS BUFFER", .run = does<&TPUEditor::previous_buffer>,
      .form = "PREVIOUS BUFFER", .help = "Go to the previous buffer."},
     {.words = "BUFFER LIST", .run = list_buffers, .form = "BUFFER LIST",
      .help = "List the buffers; a star marks the current one.", .without_buffer = true},

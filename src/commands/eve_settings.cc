@@ -1,6 +1,7 @@
 // Commands that change attributes of the buffer and the session, and take bindings away.
 #include <algorithm>
 
+#include "actions/actions.h"
 #include "attributes/attribute.h"
 #include "commands/command_words.h"
 #include "editor/editor.h"
@@ -87,9 +88,7 @@ void set_named_mode(TPUEditor& editor, Line line) {
 // Word `i` names the key.
 template <std::size_t i>
 void undefine_named(TPUEditor& editor, Line line) {
-    std::vector<std::string> words = {"UNDEFINE_KEY"};
-    if (line.words.size() > i) words.push_back(line.words[i]);
-    undefine_key(editor, words);
+    undefine_key(editor, line.word(i));
 }
 
 auto runner_of(const Attribute& row) {
@@ -128,10 +127,6 @@ constexpr Command kRows[] = {
 // clang-format on
 
 }  // namespace
-
-void set_insert_mode(TPUEditor& editor, bool insert) {
-    set_mode(editor, find_keyword(insert ? "INSERT" : "OVERSTRIKE"));
-}
 
 std::span<const Command> eve_settings() {
     static const std::vector<Command> kAll = [] {

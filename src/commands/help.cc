@@ -6,12 +6,12 @@
 #include <set>
 #include <vector>
 
+#include "actions/default_keys.h"
 #include "attributes/attribute.h"
 #include "builtins/families.h"
 #include "builtins/table.h"
 #include "commands/command_words.h"
 #include "commands/show.h"
-#include "editor/default_keys.h"
 #include "editor/editor.h"
 #include "keys/key_names.h"
 #include "text/ascii.h"

@@ -75,11 +75,11 @@ bool take_prefix(TPUEditor& editor, int key) {
 }
 
 const KeyMapList* key_map_list(const TPUEditor& editor) {
-    if (editor.current_buffer && !editor.current_buffer->key_map_list.empty()) {
-        auto named = editor.key_map_lists.find(editor.current_buffer->key_map_list);
-        if (named != editor.key_map_lists.end()) return named->second.get();
-    }
-    return editor.current_key_map_list;
+    const Buffer* buffer = editor.current_buffer;
+    const bool has_own = buffer && !buffer->key_map_list.empty();
+    const KeyMapList* own =
+        has_own ? find_named(editor.key_map_lists, buffer->key_map_list) : nullptr;
+    return own ? own : editor.current_key_map_list;
 }
 
 // The text of a key is a statement, or else a command line.

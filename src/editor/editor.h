@@ -201,25 +201,12 @@ class TPUEditor : public Host {
     void command_mode();
     void prompt_find();
 
-    // default_keys.cc
+    // key_maps.cc
     // Lists that hold the map that was called so hold the new one afterwards.
     KeyMap* create_key_map(const std::string& name);
     KeyMapList* create_key_map_list(const std::string& name, KeyMap* first);
     static int key_name_to_code(std::string_view name);  // kNoKey: no such key
     void define_default_keys();
-
-    // files.cc
-    void save_current();
-    void save_as(const std::string& name);
-
-    // paste.cc
-    void push_kill_ring(const LineStore& text);
-    void cut_selection();
-    void copy_selection();
-    void paste();
-    void paste_previous();
-    void store_named_paste(const std::string& name);
-    void recall_named_paste(const std::string& name, bool insert);
 
   private:
     void join_sessions();  // forgetting.cc

@@ -4,7 +4,6 @@
 #include <charconv>
 #include <optional>
 
-#include "editor/default_keys.h"
 #include "editor/editor.h"
 #include "editor/version.h"
 #include "os/file_io.h"
@@ -200,9 +199,8 @@ class Restorer {
         constexpr std::string_view kMap = "KEYMAP ", kKey = "KEY ";
         if (line.starts_with(kMap)) {
             std::string name(line.substr(kMap.size()));
-            auto known = editor_.key_maps.find(name);
-            map_ = known == editor_.key_maps.end() ? editor_.create_key_map(name)
-                                                   : known->second.get();
+            map_ = find_named(editor_.key_maps, name);
+            if (!map_) map_ = editor_.create_key_map(name);
         } else if (line.starts_with(kKey) && map_) {
             define_key(line.substr(kKey.size()));
         }
@@ -234,8 +232,8 @@ class Restorer {
         KeyMapList* list = editor_.create_key_map_list(name, nullptr);
         if (is_current) editor_.current_key_map_list = list;
         while (!line.empty()) {
-            auto map = editor_.key_maps.find(std::string(take_word(line)));
-            if (map != editor_.key_maps.end()) list->add_last(map->second.get());
+            KeyMap* map = find_named(editor_.key_maps, std::string(take_word(line)));
+            if (map) list->add_last(map);
         }
     }
 

@@ -1,10 +1,12 @@
 // What people can say to a session: the tables above it, handed in.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "editor/default_key.h"
 #include "editor/line_input.h"
 #include "lang/builtin.h"
 
@@ -14,6 +16,7 @@ class TPUEditor;
 
 struct Vocabulary {
     const BuiltinTable& builtins;
+    std::span<const DefaultKey> default_keys;
     // Runs a command line, which may be a statement too.
     void (*execute_command)(TPUEditor& editor, const std::string& line);
     // True when the first words of the line name a command.

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -44,5 +45,16 @@ class KeyMapList {
     // The first map's binding for the code, or null.
     const KeyBinding* lookup(int code) const;
 };
+
+// What a session begins with.
+inline constexpr const char* kDefaultKeyMap = "TPU$KEY_MAP";
+inline constexpr const char* kDefaultKeyMapList = "TPU$KEY_MAP_LIST";
+
+// Of key maps, or of lists of them, the one of that name; null when there is none.
+template <class T>
+T* find_named(const std::map<std::string, std::unique_ptr<T>>& owned, const std::string& name) {
+    auto found = owned.find(name);
+    return found == owned.end() ? nullptr : found->second.get();
+}
 
 }  // namespace tpu

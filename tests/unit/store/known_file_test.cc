@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "actions/actions.h"
 #include "os/system_calls.h"
 #include "store/buffer_file.h"
 #include "support/session.h"
@@ -56,7 +57,7 @@ TEST_F(KnownFiles, never_write_over_a_file_that_could_not_be_read) {
         }
         EXPECT_EQ(folder.read("file"), "what is there");
         EXPECT_EQ(folder.files(), std::set<std::string>{"file"});
-        s.editor.save_as(other);
+        actions::save_as(s.editor, other);
         s.press("<CTRL_S>");
         EXPECT_EQ(s.editor.message, "Written " + other);
         std::filesystem::remove(other);

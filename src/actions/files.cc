@@ -1,13 +1,13 @@
-// Saving from the session, with its messages.
-#include "editor/editor.h"
+// Saving.
+#include "actions/actions.h"
 #include "os/file_traits.h"
 #include "store/buffer_file.h"
 
-namespace tpu {
+namespace tpu::actions {
 
 namespace {
 
-void save(TPUEditor& editor, const std::string& file) {
+void save_to(TPUEditor& editor, const std::string& file) {
     Buffer& buffer = *editor.current_buffer;
     std::string objection = buffer.no_write ? "" : write_refusal(buffer, file);
     if (objection.empty() && !buffer.no_write) objection = doubt_about_saving(buffer, file);
@@ -29,15 +29,15 @@ void save(TPUEditor& editor, const std::string& file) {
 
 }  // namespace
 
-void TPUEditor::save_current() {
-    if (!current_buffer) return;
-    const std::string file = current_buffer->file_name;
-    file.empty() ? save_as(read_command_line("Write file: ")) : save(*this, file);
+void save(TPUEditor& editor) {
+    const std::string file = editor.current_buffer->file_name;
+    if (!file.empty()) return save_to(editor, file);
+    const std::string name = editor.read_command_line("Write file: ");
+    if (editor.current_buffer) save_as(editor, name);
 }
 
-void TPUEditor::save_as(const std::string& name) {
-    if (!current_buffer) return;
-    name.empty() ? set_message("No file specified") : save(*this, name);
+void save_as(TPUEditor& editor, const std::string& name) {
+    name.empty() ? editor.set_message("No file specified") : save_to(editor, name);
 }
 
-}  // namespace tpu
+}  // namespace tpu::actions

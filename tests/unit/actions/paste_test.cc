@@ -1,6 +1,7 @@
 // Cutting, copying, pasting and saving from the session, with their messages.
 #include <gtest/gtest.h>
 
+#include "actions/actions.h"
 #include "support/session.h"
 
 namespace tpu {
@@ -20,7 +21,7 @@ TEST(Paste, is_the_same_as_typing_whatever_the_text_holds) {
                 s->buffer->cursor_row = 1;
                 s->buffer->cursor_column = mode & 4 ? 5 : 1;
             }
-            pasted.editor.push_kill_ring(LineStore::from_text(text));
+            actions::push_kill_ring(pasted.editor, LineStore::from_text(text));
             pasted.press("<CTRL_Y>");
             typed.buffer->copy_text(text);
             EXPECT_EQ(pasted.lines(), typed.lines()) << text << " in mode " << mode;
@@ -31,15 +32,16 @@ TEST(Paste, is_the_same_as_typing_whatever_the_text_holds) {
 
 TEST(Paste, walks_a_ring_of_32_texts) {
     Session s({""});
-    s.editor.paste_previous();
+    actions::paste_previous(s.editor);
     EXPECT_EQ(s.editor.message, "Kill ring empty");
-    for (int i = 0; i < 33; ++i) s.editor.push_kill_ring(LineStore::from_text(std::to_string(i)));
-    s.editor.push_kill_ring(LineStore::from_text(""));
+    for (int i = 0; i < 33; ++i)
+        actions::push_kill_ring(s.editor, LineStore::from_text(std::to_string(i)));
+    actions::push_kill_ring(s.editor, LineStore::from_text(""));
     EXPECT_EQ(s.editor.kill_ring.size(), 32u);
     EXPECT_EQ(s.editor.kill_ring.front().text(), "1");
-    s.editor.paste_previous();
+    actions::paste_previous(s.editor);
     EXPECT_EQ(s.buffer->paste_text.text(), "31");
-    for (int i = 0; i < 31; ++i) s.editor.paste_previous();
+    for (int i = 0; i < 31; ++i) actions::paste_previous(s.editor);
     EXPECT_EQ(s.buffer->paste_text.text(), "32");
 }
 
