@@ -1,6 +1,8 @@
 #include "commands/command_words.h"
 
+#include <cassert>
 #include <charconv>
+#include <deque>
 #include <set>
 
 #include "editor/editor.h"
@@ -81,10 +83,25 @@ namespace {
 
 using Family = std::span<const Command> (*)();
 
+// The row of a command under its alias, which is kept as long as the tables are.
+const Command* under_alias(const Command& command) {
+    static std::deque<std::pair<std::string, Command>> kept;
+    assert(command.form.starts_with(command.words));
+    std::string form(command.alias);
+    form += command.form.substr(command.words.size());
+    auto& [kept_form, row] = kept.emplace_back(std::move(form), command);
+    row.words = command.alias;
+    row.form = kept_form;
+    return &row;
+}
+
 std::vector<const Command*> gather(std::initializer_list<Family> families) {
     std::vector<const Command*> rows;
     for (Family family : families) {
-        for (const Command& command : family()) rows.push_back(&command);
+        for (const Command& command : family()) {
+            rows.push_back(&command);
+            if (!command.alias.empty()) rows.push_back(under_alias(command));
+        }
     }
     return rows;
 }
@@ -102,9 +119,14 @@ const std::vector<const Command*>& commands_of(Layer layer) {
 }
 
 const std::vector<const Command*>& all_commands() {
-    using namespace commands;
-    static const std::vector<const Command*> kAll =
-        gather({eve_files, eve_texts, eve_places, eve_settings, editor, keys, statements});
+    static const std::vector<const Command*> kAll = [] {
+        std::vector<const Command*> all;
+        for (Layer layer : {Layer::eve, Layer::editor, Layer::statement}) {
+            const std::vector<const Command*>& rows = commands_of(layer);
+            all.insert(all.end(), rows.begin(), rows.end());
+        }
+        return all;
+    }();
     return kAll;
 }
 

@@ -54,6 +54,7 @@ struct Command {
     bool without_buffer = false;  // runs even when no buffer is current
     bool in_full = false;         // its first word cannot be shortened
     About about = About::other;
+    std::string_view alias = {};  // other words for the same; empty: there are none
 
     std::string_view first_word() const { return words.substr(0, words.find(' ')); }
 };
@@ -62,7 +63,8 @@ struct Command {
 // the statements of the language after the second.
 enum class Layer { eve, editor, statement };
 
-// The commands of a layer; of two that match a line the first is meant.
+// The commands of a layer, a row for each alias too; of two that match a line the first is
+// meant.
 const std::vector<const Command*>& commands_of(Layer layer);
 // Those of all layers, in their order.
 const std::vector<const Command*>& all_commands();

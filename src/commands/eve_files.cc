@@ -102,9 +102,7 @@ constexpr Command kRows[] = {
      .help = "Insert the text of a file at the cursor.",
      .least = 2, .edits = true, .about = About::file},
     {.words = "SAVE FILE", .run = save<2>, .form = "SAVE FILE [name]",
-     .help = "Write the buffer to its file, or to the file named.", .about = About::file},
-    {.words = "WRITE FILE", .run = save<2>, .form = "WRITE FILE [name]",
-     .help = "Write the buffer to its file, or to the file named.", .about = About::file},
+     .help = "Write the buffer to its file, or to the file named.", .about = About::file, .alias = "WRITE FILE"},
     {.words = "RELOAD", .run = reload, .form = "RELOAD",
      .help = "Read the file of the buffer again; the cursor keeps its place."},
     {.words = "CHECK_DISK", .run = check_disk, .form = "CHECK_DISK",
@@ -122,9 +120,7 @@ constexpr Command kRows[] = {
     {.words = "SHOW BUFFERS", .run = list_buffers, .form = "SHOW BUFFERS",
      .help = "List the buffers; a star marks the current one.", .without_buffer = true},
     {.words = "SPAWN", .run = spawn, .form = "SPAWN command",
-     .help = "Run a shell command on the terminal and come back.", .without_buffer = true, .in_full = true},
-    {.words = "DCL", .run = spawn, .form = "DCL command",
-     .help = "Run a shell command on the terminal and come back.", .without_buffer = true, .in_full = true},
+     .help = "Run a shell command on the terminal and come back.", .without_buffer = true, .in_full = true, .alias = "DCL"},
 };
 // clang-format on
 

@@ -45,9 +45,7 @@ void what_line(TPUEditor& editor, Line) {
 // clang-format off
 constexpr Command kRows[] = {
     {.words = "GO TO COLUMN", .run = go_to_column, .form = "GO TO COLUMN n",
-     .help = "Go to a column of the line, counted from 1.", .in_full = true},
-    {.words = "GO TO COL", .run = go_to_column, .form = "GO TO COL n",
-     .help = "Go to a column of the line, counted from 1.", .in_full = true},
+     .help = "Go to a column of the line, counted from 1.", .in_full = true, .alias = "GO TO COL"},
     {.words = "GO TO", .run = go_to_line, .form = kUsage,
      .help = "Go to a line, counted from 1, or to a column.", .least = 3, .in_full = true},
     {.words = "GO", .run = usage, .form = kUsage,
