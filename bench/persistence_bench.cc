@@ -102,7 +102,8 @@ void run_100000_statements(benchmark::State& state, bool journaled, bool binary)
     for (auto _ : state) {
         Session session;
         std::string note;
-        if (journaled && !tpu_journal_open(*session.buffer, file.path(), binary, note)) {
+        Failure why;
+        if (journaled && !tpu_journal_open(*session.buffer, file.path(), binary, note, why)) {
             state.SkipWithError("cannot open");
         }
         session.editor.parser.compile_text(source);
@@ -118,7 +119,8 @@ void replay_100000_statements(benchmark::State& state) {
     Scratch file(".journal");
     Session recorded;
     std::string note;
-    if (!tpu_journal_open(*recorded.buffer, file.path(), true, note)) {
+    Failure why;
+    if (!tpu_journal_open(*recorded.buffer, file.path(), true, note, why)) {
         state.SkipWithError("cannot open");
     }
     recorded.editor.parser.compile_text(statements());

@@ -11,8 +11,9 @@ void save_to(TPUEditor& editor, const std::string& file) {
     Buffer& buffer = *editor.current_buffer;
     std::string objection = buffer.no_write ? "" : write_refusal(buffer, file);
     if (objection.empty() && !buffer.no_write) objection = doubt_about_saving(buffer, file);
+    const std::string failed = "Write failed: " + file;
     if (!objection.empty()) {
-        return editor.set_message("Write failed: " + file + " (" + objection + ")");
+        return editor.fail("TPU$_WRITEERR", failed + " (" + objection + ")", objection);
     }
     // What was protected stays, as a backup.
     const bool keeps_backup = buffer.backup_on_write;
@@ -21,9 +22,10 @@ void save_to(TPUEditor& editor, const std::string& file) {
     buffer.backup_on_write = keeps_backup;
     // What was written stays so, even if there is no memory to say it.
     enough_memory([&] {
-        const std::string note =
-            written && !buffer.save_note.empty() ? " (" + buffer.save_note + ")" : "";
-        editor.set_message((written ? "Written " : "Write failed: ") + file + note);
+        if (!written) return editor.fail("TPU$_WRITEERR", failed, buffer.save_note);
+        const std::string& done_without = buffer.save_note;
+        editor.set_message("Written " + file +
+                           (done_without.empty() ? "" : " (" + done_without + ")"));
     });
 }
 

@@ -31,7 +31,8 @@ void go_to_line(Buffer& buffer, std::uint64_t line) {
 // Compiles and runs a file. False: there is none, or it cannot be read.
 bool load_source(TPUEditor& editor, const std::string& path) {
     if (path.empty()) return false;
-    std::optional<std::string> source = read_whole(path, {editor.interrupted()});
+    Failure untold;
+    std::optional<std::string> source = read_whole(path, untold, {editor.interrupted()});
     if (!source) return false;
     editor.parser.compile_text(*source);
     editor.set_message("Loaded " + path);

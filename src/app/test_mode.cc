@@ -31,7 +31,8 @@ int run_test_script(const std::string& path, Ports ports, Charset charset) {
     editor.charset = charset;
     editor.create_buffer("MAIN", "");
     editor.init_screen();
-    std::optional<std::string> source = read_whole(path);
+    Failure untold;
+    std::optional<std::string> source = read_whole(path, untold);
     if (!source) {
         std::fprintf(stderr, "tpu --test: cannot open %s\n", path.c_str());
         return 2;

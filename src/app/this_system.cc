@@ -52,7 +52,7 @@ class Signals {
 };
 
 // The process id of a shell that runs the command on our terminal; -1: there is none.
-pid_t start_on_terminal(std::string command, const sigset_t& mask) {
+pid_t start_on_terminal(std::string command, const sigset_t& mask, Failure& why) {
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     sigset_t defaults;
@@ -66,6 +66,7 @@ pid_t start_on_terminal(std::string command, const sigset_t& mask) {
     pid_t pid = -1;
     int failure = posix_spawn(&pid, "/bin/sh", nullptr, &attributes, arguments, environ);
     posix_spawnattr_destroy(&attributes);
+    if (failure != 0) why.note(failure);
     return failure == 0 ? pid : -1;
 }
 
@@ -85,9 +86,9 @@ void hang_up_on(pid_t shell) {
 }  // namespace
 
 // As system(3); but a signal that asks for our end ends the wait.
-int ThisSystem::run(const std::string& command) {
+int ThisSystem::run(const std::string& command, Failure& why) {
     Signals signals;
-    pid_t pid = start_on_terminal(command, signals.mask());
+    pid_t pid = start_on_terminal(command, signals.mask(), why);
     int status = -1;
     while (pid > 0 && waitpid(pid, &status, WNOHANG) == 0) {
         if (end_requested()) {
@@ -100,8 +101,8 @@ int ThisSystem::run(const std::string& command) {
     return status;
 }
 
-pid_t ThisSystem::start(std::string command, const ChildStreams& streams) {
-    return spawn_shell(std::move(command), streams);
+pid_t ThisSystem::start(std::string command, const ChildStreams& streams, Failure& why) {
+    return spawn_shell(std::move(command), streams, why);
 }
 
 std::time_t ThisSystem::time() {

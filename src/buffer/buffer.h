@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "buffer/marker.h"
+#include "os/failure.h"
 #include "os/file_version.h"
 #include "os/work.h"
 #include "text/attr.h"
@@ -99,7 +100,7 @@ class Buffer {
     std::uint64_t file_time = 0;  // milliseconds since the epoch; 0: unknown
     // The file as it was read or written last, or found missing. Nothing: never looked at.
     std::optional<FileVersion> known_version;
-    int file_trouble = 0;  // the error for which the file could not be read; 0: none
+    Failure file_trouble;                     // for which the file could not be read
     std::optional<RefusedSave> refused_save;  // the last attempt, if that was one
     std::string save_note;                    // why the last save failed, or what it did without
     std::vector<VideoRegion> video_regions;

@@ -37,28 +37,31 @@ Value create_buffer(Call& call) {
 void read_file(Call& call) {
     std::string name = call.args.count() > 0 ? call.args.text(0) : std::string();
     Buffer file("", "");
-    if (!load_file(file, name, Loading::at_once, editor_of(call).interrupted())) {
-        return editor_of(call).set_message("READ_FILE: cannot open " + name);
+    Failure why;
+    if (!load_file(file, name, Loading::at_once, editor_of(call).interrupted(), why)) {
+        return editor_of(call).fail("TPU$_OPENIN", "READ_FILE: cannot open " + name, why.text());
     }
     call.buffer().copy_lines(file.text(), editor_of(call).charset);
 }
 
-bool write_range(const Range& range, const std::string& name) {
+bool write_range(const Range& range, const std::string& name, std::string& note) {
     Buffer part("", name);
     part.backup_on_write = range.buffer()->backup_on_write;
     part.set_text(range.buffer()->lines_of_range(range));
-    return write_file(part, name);
+    const bool written = write_file(part, name);
+    note = part.save_note;
+    return written;
 }
 
 // WRITE_FILE(buffer or range [, name])
 void write_file(Call& call) {
     const Value& what = call.args.value(0);
     std::string name = call.args.count() > 1 ? call.args.text(1) : std::string();
-    std::string refusal;
+    std::string refusal, note;
     bool written = false;
     if (what.is(Type::range) && buffer_of(what)) {
         if (name.empty()) name = "tpu_range_out.txt";
-        written = write_range(*what.range(), name);
+        written = write_range(*what.range(), name, note);
     } else {
         Buffer* buffer = call.args.count() == 0 ? &call.buffer() : what.buffer();
         if (!buffer) {
@@ -68,9 +71,11 @@ void write_file(Call& call) {
         if (name.empty()) name = buffer->file_name;
         refusal = write_refusal(*buffer, name);
         written = write_file(*buffer, name);
+        note = buffer->save_note;
     }
+    if (written) return editor_of(call).set_message("Wrote " + name);
     if (!refusal.empty()) refusal = ": " + name + " (" + refusal + ")";
-    editor_of(call).set_message(written ? "Wrote " + name : "Write failed" + refusal);
+    editor_of(call).fail("TPU$_WRITEERR", "Write failed" + refusal, note);
 }
 
 // After this no variable refers to the object, which `share` takes out of a value.

@@ -16,9 +16,11 @@ void write_clipboard(Call& call) {
 
 void read_clipboard(Call& call) {
     std::string text;
-    if (!clipboard_read_system(editor_of(call).ports.system, text)) {
-        editor_of(call).set_message("Clipboard read failed (install pbpaste/xclip/wl-paste)");
-        return;
+    Failure why;
+    if (!clipboard_read_system(editor_of(call).ports.system, text, why)) {
+        return editor_of(call).fail("TPU$_CLIPBOARDFAIL",
+                                    "Clipboard read failed (install pbpaste/xclip/wl-paste)",
+                                    why.text());
     }
     call.buffer().paste_text = LineStore::from_text(text);
     editor_of(call).set_message("Read " + std::to_string(text.size()) + " chars from clipboard");
@@ -26,8 +28,12 @@ void read_clipboard(Call& call) {
 
 Value clipboard_text(Call& call) {
     std::string text;
-    return clipboard_read_system(editor_of(call).ports.system, text) ? Value::make_str(text)
-                                                                     : tpu_unspecified();
+    Failure why;
+    if (clipboard_read_system(editor_of(call).ports.system, text, why)) {
+        return Value::make_str(text);
+    }
+    call.parser.record_error("TPU$_CLIPBOARDFAIL", why.text());
+    return tpu_unspecified();
 }
 
 // clang-format off

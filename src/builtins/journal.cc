@@ -43,9 +43,14 @@ void journal_open(Call& call) {
     }
     bool binary = format == "BINARY";
     std::string note;
-    bool opened = call.args.count() > 0 && tpu_journal_open(call.buffer(), name, binary, note);
+    Failure why;
+    bool opened = call.args.count() > 0 && tpu_journal_open(call.buffer(), name, binary, note, why);
     if (!note.empty()) editor_of(call).set_message(note);
-    if (!opened) return editor_of(call).set_message("JOURNAL_OPEN: cannot write " + name);
+    if (!opened) {
+        editor_of(call).fail("TPU$_JRNLOPENERR", "JOURNAL_OPEN: cannot write " + name, why.text());
+        if (!why && !note.empty()) call.parser.record_error("TPU$_JRNLOPENERR", note);
+        return;
+    }
     JournalFollower& follower =
         follower_of(call.buffer());  // what else the statement does counts too
     if (is_empty_journal(name)) record_start(follower, call.buffer());
@@ -57,23 +62,30 @@ void journal_close(Call& call) {
     tpu_journal_close(call.buffer());
 }
 
-// Without a name: the work that a session which came to no good end has left behind.
+// The work that a session which came to no good end has left behind.
+void recover_unsaved(Call& call) {
+    TPUEditor& editor = editor_of(call);
+    if (!editor.recovery) return editor.set_message("RECOVER_BUFFER(file)");
+    std::string reason;
+    const std::string told = editor.recovery->recover(call.buffer(), reason);
+    reason.empty() ? editor.set_message(told) : editor.fail("TPU$_RECOVERFAIL", told, reason);
+}
+
 void recover_buffer(Call& call) {
-    if (call.args.count() == 0) {
-        return editor_of(call).set_message(editor_of(call).recovery
-                                               ? editor_of(call).recovery->recover(call.buffer())
-                                               : "RECOVER_BUFFER(file)");
-    }
+    if (call.args.count() == 0) return recover_unsaved(call);
     std::string name = call.args.text(0);
     const std::string distrust = distrust_of_file(name);
+    const std::string cannot = "RECOVER_BUFFER: cannot open " + name;
     if (!distrust.empty()) {
-        return editor_of(call).set_message("RECOVER_BUFFER: cannot open " + name + ": " + distrust);
+        return editor_of(call).fail("TPU$_RECOVERFAIL", cannot + ": " + distrust, distrust);
     }
-    std::string trouble;
-    bool opened = replay_journal(editor_of(call), name, &trouble);
-    if (!trouble.empty()) return editor_of(call).set_message("RECOVER_BUFFER: " + trouble);
-    editor_of(call).set_message(
-        (opened ? "RECOVER_BUFFER replayed " : "RECOVER_BUFFER: cannot open ") + name);
+    Failure why;
+    if (replay_journal(editor_of(call), name, why)) {
+        return editor_of(call).set_message("RECOVER_BUFFER replayed " + name);
+    }
+    // With words of our own it could be opened, but not read.
+    const std::string unread = "RECOVER_BUFFER: " + name + ": " + why.text();
+    editor_of(call).fail("TPU$_RECOVERFAIL", why.words ? unread : cannot, why.text());
 }
 
 // clang-format off

@@ -30,9 +30,10 @@ Value create_process(Call& call) {
     std::string command = call.args.text(0);
     Buffer* given = call.args.value(1).buffer();
     auto process = std::make_shared<TPUProcess>();
-    if (!process->start(editor.ports.system, command, given ? given : &call.buffer(),
+    Failure why;
+    if (!process->start(editor.ports.system, command, given ? given : &call.buffer(), why,
                         editor.charset)) {
-        editor.set_message("CREATE_PROCESS failed");
+        editor.fail("TPU$_CREATEFAIL", "CREATE_PROCESS failed", why.text());
         return tpu_unspecified();
     }
     editor.processes.running.push_back(process);

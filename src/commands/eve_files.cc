@@ -33,11 +33,13 @@ void get_file(TPUEditor& editor, Line line) {
     if (!buffer) {
         auto loaded = std::make_unique<Buffer>(editor.unused_buffer_name(file), file);
         load(*loaded);
-        if (!trouble.empty()) return editor.set_message(trouble);
+        if (!trouble.empty()) {
+            return editor.fail("TPU$_OPENIN", trouble, loaded->file_trouble.text());
+        }
         if (loaded->file_time == 0) message = "New file " + file;
         buffer = loaded.get();
         editor.buffers.push_back(std::move(loaded));
-    } else if (buffer->file_trouble != 0 && !buffer->modified) {
+    } else if (buffer->file_trouble && !buffer->modified) {
         load(*buffer);
     }
     editor.position(buffer);
@@ -49,8 +51,9 @@ void get_file(TPUEditor& editor, Line line) {
 void include_file(TPUEditor& editor, Line line) {
     std::string file = line.file(editor, 1);
     Buffer included("", "");
-    if (!load_file(included, file, Loading::at_once, editor.interrupted())) {
-        return editor.set_message("Cannot include " + file);
+    Failure why;
+    if (!load_file(included, file, Loading::at_once, editor.interrupted(), why)) {
+        return editor.fail("TPU$_OPENIN", "Cannot include " + file, why.text());
     }
     editor.current_buffer->copy_lines(included.text(), editor.charset);
     editor.set_message("Included " + file);
@@ -64,8 +67,9 @@ void reload(TPUEditor& editor, Line) {
     }
     if (file.empty()) return editor.set_message("No file to reload");
     Buffer::Snapshot before = buffer.snap();
-    if (!load_file(buffer, file, editor.loading(), editor.interrupted())) {
-        return editor.set_message("Reload failed");
+    Failure why;
+    if (!load_file(buffer, file, editor.loading(), editor.interrupted(), why)) {
+        return editor.fail("TPU$_OPENIN", "Reload failed", why.text());
     }
     buffer.cursor_row = before.cursor_row;
     buffer.cursor_column = before.cursor_column;
@@ -78,8 +82,9 @@ void check_disk(TPUEditor& editor, Line) {
     const Buffer& buffer = *editor.current_buffer;
     const std::string& file = buffer.file_name;
     if (file.empty()) return editor.set_message("No file");
-    std::uint64_t on_disk = file_mtime_ms(file);
-    if (on_disk == 0) return editor.set_message("Cannot stat " + file);
+    Failure why;
+    std::uint64_t on_disk = file_mtime_ms(file, why);
+    if (on_disk == 0) return editor.fail("TPU$_OPENIN", "Cannot stat " + file, why.text());
     editor.set_message(on_disk == buffer.file_time
                            ? "File unchanged on disk"
                            : "File CHANGED on disk -- type RELOAD to discard local changes");

@@ -331,6 +331,9 @@ before a value. Comparisons are of texts when one side is a string. + and &
 join texts and patterns.
 
 A built-in that fails records an error: see ERROR, ERROR_TEXT and ERROR_LINE.
+So does a command that fails with a file; ERROR_TEXT has the reason then, such
+as "No space left on device", which also follows the message in
+$MESSAGE_BUFFER.
 
 The start-up file is the one that the environment variable TPU_STARTUP names,
 or else .tpurc in the home directory. The option --command=FILE runs one more,

@@ -42,7 +42,7 @@ void TPUEditor::tell_of_file(const Buffer& buffer, const std::string& trouble) {
     };
     if (open_files) tell(open_files->news(buffer.file_name));
     if (recovery) tell(recovery->greeting(buffer));
-    tell(trouble);
+    if (!trouble.empty()) fail("TPU$_OPENIN", trouble, buffer.file_trouble.text());
 }
 
 void TPUEditor::position(Buffer* buffer) {

@@ -159,6 +159,9 @@ class TPUEditor : public Host {
     // messages.cc
     static constexpr const char* kNothingDone = "Out of memory: nothing was changed";
     void set_message(const std::string& text) override;
+    // Says what has failed. Why stands in the next line of the message buffer, unless the text
+    // says so too, and is the text of the error that is recorded. Without a reason the text is.
+    void fail(const char* status, const std::string& text, const std::string& reason);
     // For when memory ran out: frees some, makes the session ready for the next key, tells
     // the user and keeps unsaved work. Shows a shorter text when there is still too little.
     void recover_memory(const char* message);

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <tuple>
 
 #include "editor/editor.h"
@@ -90,8 +91,11 @@ class Replay {
     }
 
     void report() const {
-        editor_.set_message(std::to_string(count_) + (count_ == 1 ? " statement" : " statements") +
-                            " replayed; " + where_it_stopped());
+        const std::string told = std::to_string(count_) +
+                                 (count_ == 1 ? " statement" : " statements") + " replayed; " +
+                                 where_it_stopped();
+        const Failure& why = reader_.why();
+        why ? editor_.fail("TPU$_READERR", told, why.text()) : editor_.set_message(told);
     }
 
   private:
@@ -125,7 +129,7 @@ class Replay {
             case JournalReader::End::cut_short: return "the record at " + byte + " is cut short";
             case JournalReader::End::zero_length: return "the record at " + byte + " is empty";
             case JournalReader::End::too_long: return "the record at " + byte + " is too long";
-            case JournalReader::End::unknown_version: return std::string(kUnknownJournalVersion);
+            case JournalReader::End::unknown_version: return kUnknownJournalVersion;
             case JournalReader::End::unreadable: break;
         }
         return "the journal cannot be read from " + byte + " on";
@@ -215,30 +219,34 @@ bool only_edits(std::string_view statement) {
 
 // Leaves the file as it found it.
 bool only_edits(int fd) {
+    Failure untold;
     JournalReader reader{Descriptor(dup(fd))};
     std::size_t count = 0;
     for (std::string statement; reader.next(statement); ++count) {
         if (!only_edits(statement)) return false;
     }
-    return reader.is_binary() && count > 0 && lseek(fd, 0, SEEK_SET) == 0;
+    return reader.is_binary() && count > 0 && rewind_file(fd, untold);
 }
 
 }  // namespace
 
-Replayed bring_back(TPUEditor& editor, const std::string& path) {
-    Descriptor file = open_file(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-    if (!file || !distrust_of_file(file.get()).empty() || !only_edits(file.get())) {
-        return Replayed::nothing;
-    }
+Replayed bring_back(TPUEditor& editor, const std::string& path, std::string& reason) {
+    Failure why;
+    Descriptor file = open_file(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0, why);
+    reason = file ? distrust_of_file(file.get()) : why.text();
+    if (reason.empty() && !only_edits(file.get())) reason = "It holds more than unsaved work";
+    if (!reason.empty()) return Replayed::nothing;
     bool whole = replay(editor, std::move(file)) == JournalReader::End::of_file;
     return whole ? Replayed::all : Replayed::part;
 }
 
-bool replay_journal(TPUEditor& editor, const std::string& path, std::string* trouble) {
+bool replay_journal(TPUEditor& editor, const std::string& path, Failure& why) {
     constexpr std::size_t kDeepest = 100;
-    Descriptor file = open_file(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    Descriptor file = open_file(path, O_RDONLY | O_NONBLOCK | O_NOCTTY, 0, why);
     struct stat status;
-    if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    if (!file) return false;
+    if (fstat(file.get(), &status) != 0) return why.note_errno();
+    if (!is_regular(status, why)) return false;
     const std::pair id(status.st_dev, status.st_ino);
     auto& running = editor.replayed_journals;
     const bool runs = std::find(running.begin(), running.end(), id) != running.end();
@@ -246,8 +254,7 @@ bool replay_journal(TPUEditor& editor, const std::string& path, std::string* tro
     Kept journals(running);
     running.push_back(id);
     bool known = replay(editor, std::move(file)) != JournalReader::End::unknown_version;
-    if (!known && trouble) *trouble = path + ": " + std::string(kUnknownJournalVersion);
-    return known;
+    return known || why.note(ENOTSUP, kUnknownJournalVersion);
 }
 
 }  // namespace tpu

@@ -56,6 +56,13 @@ void TPUEditor::set_message(const std::string& text) {
     in_set_message = false;
 }
 
+void TPUEditor::fail(const char* status, const std::string& text, const std::string& reason) {
+    set_message(text);
+    const bool is_said = text.find(reason) != std::string::npos;
+    if (!is_said) log_message(*message_buffer(*this), reason, message_buffer_limit);
+    parser.record_error(status, reason.empty() ? text : reason);
+}
+
 void TPUEditor::recover_memory(const char* text) {
     memory_reserve.release();
     parser.recover();

@@ -34,16 +34,18 @@ TPUProcess::~TPUProcess() {
 }
 
 bool TPUProcess::start(System& system, const std::string& command_line, Buffer* output_buffer,
-                       Charset charset) {
+                       Failure& why, Charset charset) {
     assert(pid_ < 0 && !output_);
     command = command_line;
     output = output_buffer;
     charset_ = charset;
     Pipe to_child, from_child;
-    if (!to_child.open() || !from_child.open()) return false;
-    if (!set_nonblocking(to_child.write) || !set_nonblocking(from_child.read)) return false;
+    if (!to_child.open(why) || !from_child.open(why)) return false;
+    if (!set_nonblocking(to_child.write, why) || !set_nonblocking(from_child.read, why)) {
+        return false;
+    }
     const Descriptor& out = from_child.write;
-    pid_ = system.start(command, {to_child.read, out, out});
+    pid_ = system.start(command, {to_child.read, out, out}, why);
     if (pid_ < 0) return false;
     remember_child(pid_);
     input_ = std::move(to_child.write);

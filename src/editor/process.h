@@ -35,7 +35,7 @@ class TPUProcess : public Object {
     // complaint is output like any other. With Charset::utf8 the output is delivered
     // in whole characters.
     [[nodiscard]] bool start(System& system, const std::string& command_line, Buffer* output_buffer,
-                             Charset charset = Charset::bytes);
+                             Failure& why, Charset charset = Charset::bytes);
 
     // The child's process id; -1 before the start and once it has ended.
     pid_t pid() const { return pid_; }

@@ -187,7 +187,7 @@ std::string Recovery::greeting(const Buffer& buffer) const {
            " was left behind: RECOVER_BUFFER brings it back";
 }
 
-std::string Recovery::recover(Buffer& buffer) {
+std::string Recovery::recover(Buffer& buffer, std::string& reason) {
     std::vector<LeftBehind> left;
     if (!folder_.empty()) left = left_behind(folder_, buffer.file_name);
     if (left.empty()) {
@@ -199,16 +199,17 @@ std::string Recovery::recover(Buffer& buffer) {
     bool fits =
         !buffer.modified && buffer.modifiable &&
         (work.base ? *work.base == identity_of(buffer.text()) : work.file_time == buffer.file_time);
-    std::string told = fits ? replay(buffer, work) : recover_elsewhere(buffer, work);
+    std::string told =
+        fits ? replay(buffer, work, reason) : recover_elsewhere(buffer, work, reason);
     if (left.size() > 1) told += "; there is more";
     return told;
 }
 
 // What the buffer holds by then is kept anew, and so the old work is needed no more, unless
 // some of it could not be read.
-std::string Recovery::replay(Buffer& buffer, const LeftBehind& work) {
+std::string Recovery::replay(Buffer& buffer, const LeftBehind& work, std::string& reason) {
     reset_modes(buffer);
-    const Replayed replayed = bring_back(editor_, work.path);
+    const Replayed replayed = bring_back(editor_, work.path, reason);
     if (replayed == Replayed::nothing) return "RECOVER_BUFFER: cannot read " + work.path;
     write();
     while (copy_bases().count() == 0) {
@@ -220,7 +221,8 @@ std::string Recovery::replay(Buffer& buffer, const LeftBehind& work) {
 
 // On a copy of the text that it began with. Where nobody has that any more, what was typed
 // is at least shown among the text that there is now.
-std::string Recovery::recover_elsewhere(const Buffer& buffer, const LeftBehind& work) {
+std::string Recovery::recover_elsewhere(const Buffer& buffer, const LeftBehind& work,
+                                        std::string& reason) {
     std::optional<LineStore> base = work.base_text();
     if (!base && work.base) {
         Buffer backup("", "");
@@ -235,7 +237,7 @@ std::string Recovery::recover_elsewhere(const Buffer& buffer, const LeftBehind& 
     Buffer* fresh = editor_.create_buffer(editor_.unused_buffer_name("RECOVERED " + of_what), "");
     fresh->set_text(base ? *base : buffer.saved_lines);
     editor_.position(fresh);
-    const std::string told = replay(*fresh, work);
+    const std::string told = replay(*fresh, work, reason);
     if (!fresh->modified) {
         editor_.delete_buffer(fresh);
         return told;

@@ -40,8 +40,9 @@ class Recovery {
     // saving; empty: there is none.
     std::string greeting(const Buffer& buffer) const;
     // Brings the latest of that work back: into the buffer, if it is the text that the work
-    // began with, else into a buffer of its own, which becomes current. The message to show.
-    std::string recover(Buffer& buffer);
+    // began with, else into a buffer of its own, which becomes current. The message to show; with a
+    // reason it is one of failure.
+    std::string recover(Buffer& buffer, std::string& reason);
 
     // Why work is not kept just now; empty: it is, or there is none.
     const std::string& trouble() const { return trouble_; }
@@ -55,8 +56,9 @@ class Recovery {
     void write(Buffer& buffer);
     void drop_saved();
     void fail(const std::string& reason);
-    std::string replay(Buffer& buffer, const LeftBehind& work);
-    std::string recover_elsewhere(const Buffer& buffer, const LeftBehind& work);
+    std::string replay(Buffer& buffer, const LeftBehind& work, std::string& reason);
+    std::string recover_elsewhere(const Buffer& buffer, const LeftBehind& work,
+                                  std::string& reason);
 
     TPUEditor& editor_;
     std::string folder_;

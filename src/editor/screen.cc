@@ -61,9 +61,11 @@ void TPUEditor::def_endwin_then_run(const std::string& command) {
     if (command.empty()) return set_message("SPAWN requires a command");
     if (!headless) ports.terminal.leave();
     // Deliberate: the raw wait status is shown, not the command's own.
-    int status = ports.system.run(command);
+    Failure why;
+    int status = ports.system.run(command, why);
     if (!headless) ports.terminal.enter();
-    set_message("SPAWN exit code " + std::to_string(status));
+    const std::string told = "SPAWN exit code " + std::to_string(status);
+    why ? fail("TPU$_CREATEFAIL", told, why.text()) : set_message(told);
 }
 
 }  // namespace tpu

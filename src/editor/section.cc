@@ -1,6 +1,5 @@
 #include "editor/section.h"
 
-#include <cerrno>
 #include <charconv>
 #include <optional>
 
@@ -99,10 +98,10 @@ std::string section_text(const TPUEditor& editor, const std::string& ident) {
 std::string replace_refusal(const std::string& path) {
     const std::optional<FileVersion> old = FileVersion::of(path);
     if (!old || old->size == 0) return {};
-    std::optional<InputFile> file = InputFile::open(path);
-    if (!file) return reason_of(errno);
+    Failure why;
+    std::optional<InputFile> file = InputFile::open(path, why);
     std::string begin(kSectionMagic.size(), '\0');
-    if (file->read(begin.data(), begin.size()) < 0) return reason_of(errno);
+    if (!file || file->read(begin.data(), begin.size(), why) < 0) return why.text();
     return begin == kSectionMagic ? "" : "it is no section file";
 }
 
@@ -118,10 +117,14 @@ std::string_view take_line(std::string_view& text) {
 // The text of a section file for an operation, which is named where there is none.
 std::optional<std::string> read_section(TPUEditor& editor, const std::string& path,
                                         const std::string& operation) {
-    std::optional<std::string> text = read_whole(path, {editor.interrupted()});
+    Failure why;
+    std::optional<std::string> text = read_whole(path, why, {editor.interrupted()});
     if (text && text->starts_with(kSectionMagic)) return text;
-    editor.set_message(operation +
-                       (text ? ": not a ZKSECT section file" : ": cannot open " + path));
+    if (text) {
+        editor.fail("TPU$_BADSECTION", operation + ": not a ZKSECT section file", {});
+    } else {
+        editor.fail("TPU$_RESTOREFAIL", operation + ": cannot open " + path, why.text());
+    }
     return {};
 }
 
@@ -258,11 +261,17 @@ bool tpu_section_save(TPUEditor& editor, const std::string& path, const std::str
     first_line = first_line.substr(0, first_line.find_first_of("\r\n"));
     const std::string text =
         section_text(editor, first_line.empty() ? tpu_version_string() : std::string(first_line));
-    const std::string refusal = replace_refusal(path);
-    const bool saved =
-        refusal.empty() && write_at_once(path, [&](int fd) { return write_all(fd, text); });
-    const std::string reason = refusal.empty() ? "" : " (" + refusal + ")";
-    editor.set_message(saved ? "SAVE section -> " + path : "SAVE: cannot write " + path + reason);
+    const std::string failed = "SAVE: cannot write " + path, refusal = replace_refusal(path);
+    Failure why;
+    auto write = [&](int fd, Failure& reason) { return write_all(fd, text, reason); };
+    const bool saved = refusal.empty() && write_at_once(path, write, why);
+    if (saved) {
+        editor.set_message("SAVE section -> " + path);
+    } else if (refusal.empty()) {
+        editor.fail("TPU$_SAVEERROR", failed, why.text());
+    } else {
+        editor.fail("TPU$_SAVEERROR", failed + " (" + refusal + ")", refusal);
+    }
     return saved;
 }
 

@@ -19,9 +19,11 @@ namespace {
 
 // The file behind `fd`, which is closed, under a number that children do not inherit
 // and that is none of the standard three, as a pipe made without them would have.
-Descriptor lifted(int fd) {
-    Descriptor low(fd);
-    return Descriptor(fcntl(fd, F_DUPFD_CLOEXEC, 3));
+Descriptor lifted(int fd, Failure& why) {
+    if (fd < 0) why.note_errno();
+    Descriptor low(fd), high(fd < 0 ? -1 : fcntl(fd, F_DUPFD_CLOEXEC, 3));
+    if (low && !high) why.note_errno();
+    return high;
 }
 
 std::vector<std::string> child_environment() {
@@ -77,25 +79,25 @@ void wait_for_end(std::span<const pid_t> children, milliseconds patience, millis
 
 }  // namespace
 
-bool Pipe::open() {
+bool Pipe::open(Failure& why) {
     int ends[2];
-    if (pipe(ends) != 0) return false;
-    read = lifted(ends[0]);
-    write = lifted(ends[1]);
+    if (pipe(ends) != 0) return why.note_errno();
+    read = lifted(ends[0], why);
+    write = lifted(ends[1], why);
     return read && write;
 }
 
-Descriptor open_null_device() {
-    int fd = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-    return fd < 0 ? Descriptor() : lifted(fd);
+Descriptor open_null_device(Failure& why) {
+    return lifted(::open("/dev/null", O_RDWR | O_CLOEXEC), why);
 }
 
-bool set_nonblocking(const Descriptor& descriptor) {
+bool set_nonblocking(const Descriptor& descriptor, Failure& why) {
     int flags = fcntl(descriptor.get(), F_GETFL);
-    return flags >= 0 && fcntl(descriptor.get(), F_SETFL, flags | O_NONBLOCK) == 0;
+    bool is_set = flags >= 0 && fcntl(descriptor.get(), F_SETFL, flags | O_NONBLOCK) == 0;
+    return is_set || why.note_errno();
 }
 
-pid_t spawn_shell(std::string command, const ChildStreams& streams) {
+pid_t spawn_shell(std::string command, const ChildStreams& streams, Failure& why) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, streams.in.get(), STDIN_FILENO);
@@ -117,6 +119,7 @@ pid_t spawn_shell(std::string command, const ChildStreams& streams) {
         posix_spawn(&pid, "/bin/sh", &actions, &attributes, arguments, environment.data());
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
+    if (failure != 0) why.note(failure);
     return failure == 0 ? pid : -1;
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "os/descriptor.h"
+#include "os/failure.h"
 
 namespace tpu {
 
@@ -16,13 +17,13 @@ struct Pipe {
     Descriptor read;
     Descriptor write;
 
-    [[nodiscard]] bool open();
+    [[nodiscard]] bool open(Failure& why);
 };
 
 // What is read from and written to nowhere; empty when it cannot be opened.
-Descriptor open_null_device();
+Descriptor open_null_device(Failure& why);
 
-[[nodiscard]] bool set_nonblocking(const Descriptor& descriptor);
+[[nodiscard]] bool set_nonblocking(const Descriptor& descriptor, Failure& why);
 
 // What a child has as its standard three.
 struct ChildStreams {
@@ -35,7 +36,7 @@ struct ChildStreams {
 // signals, the editor's environment and, since pipes are none, a dumb terminal. It
 // leads a session of its own: it cannot take the editor's terminal, and all that it
 // starts can be signalled through it.
-pid_t spawn_shell(std::string command, const ChildStreams& streams);
+pid_t spawn_shell(std::string command, const ChildStreams& streams, Failure& why);
 
 // Signals a child and all that it has started and that stayed in its group.
 void signal_child(pid_t child, int signal);

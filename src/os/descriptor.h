@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "os/failure.h"
+
 namespace tpu {
 
 // An open file; closed at the end of its life at the latest.
@@ -21,7 +23,8 @@ class Descriptor {
     explicit operator bool() const { return fd_ >= 0; }
     int get() const { return fd_; }
     // False when the file system reports only now that it could not keep the data.
-    bool close();
+    [[nodiscard]] bool close(Failure& why);
+    void close();
 
   private:
     int fd_ = -1;

@@ -11,6 +11,7 @@
 namespace tpu {
 
 struct ChildStreams;
+struct Failure;
 
 class System {
   public:
@@ -18,9 +19,9 @@ class System {
 
     // Runs a command line of the shell, which has our terminal to itself, and waits for its
     // end or for a signal that asks for ours. The raw wait status; -1: it could not be run.
-    virtual int run(const std::string& command) = 0;
+    virtual int run(const std::string& command, Failure& why) = 0;
     // Starts the shell on a command line, see spawn_shell. Its process id, or -1.
-    virtual pid_t start(std::string command, const ChildStreams& streams) = 0;
+    virtual pid_t start(std::string command, const ChildStreams& streams, Failure& why) = 0;
 
     // Seconds since the epoch, and what calendar and clock of the user say then.
     virtual std::time_t time() = 0;

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 
 #include "os/file_io.h"
@@ -24,7 +23,7 @@ bool others_can_write(const struct stat& status) {
 
 std::string distrust_of_file(int fd) {
     struct stat status;
-    if (fstat(fd, &status) != 0) return std::strerror(errno);
+    if (fstat(fd, &status) != 0) return Failure{errno}.text();
     if (!S_ISREG(status.st_mode)) return "it is no regular file";
     if (status.st_uid != geteuid() && status.st_uid != 0) return "it belongs to another user";
     if (others_can_write(status)) return "other users can write it";
@@ -42,10 +41,10 @@ std::string distrust_of_folder(const std::string& path) {
     std::filesystem::path folder = path;
     struct stat status;
     while (stat(folder.c_str(), &status) != 0) {
-        if (errno != ENOENT || folder == folder.parent_path()) return std::strerror(errno);
+        if (errno != ENOENT || folder == folder.parent_path()) return Failure{errno}.text();
         folder = folder.parent_path();
     }
-    if (!S_ISDIR(status.st_mode)) return std::strerror(ENOTDIR);
+    if (!S_ISDIR(status.st_mode)) return Failure{ENOTDIR}.text();
     if (status.st_uid != geteuid()) return folder.string() + " belongs to another user";
     // In a folder that is still to be made nobody else will be able to write.
     if (folder == path && others_can_write(status)) return "other users can write " + path;

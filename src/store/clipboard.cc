@@ -56,11 +56,12 @@ class Command {
     Command(const Command&) = delete;
     Command& operator=(const Command&) = delete;
 
-    bool start(System& system, const char* line, const Descriptor& in, const Descriptor& out) {
-        Descriptor nowhere = open_null_device();
+    bool start(System& system, const char* line, const Descriptor& in, const Descriptor& out,
+               Failure& why) {
+        Descriptor nowhere = open_null_device(why);
         if (!nowhere) return false;
         const ChildStreams streams{in ? in : nowhere, out ? out : nowhere, nowhere};
-        pid_ = system.start(line, streams);
+        pid_ = system.start(line, streams, why);
         return pid_ > 0;
     }
 
@@ -110,10 +111,11 @@ bool send_all(const Descriptor& pipe, std::string_view text, const Deadline& dea
     return true;
 }
 
-bool receive_all(const Descriptor& pipe, std::string& text, const Deadline& deadline) {
+bool receive_all(const Descriptor& pipe, std::string& text, const Deadline& deadline,
+                 Failure& why) {
     std::array<char, 65536> chunk;
     while (deadline.wait_for(pipe, POLLIN)) {
-        ssize_t count = read_some(pipe.get(), chunk.data(), chunk.size());
+        ssize_t count = read_some(pipe.get(), chunk.data(), chunk.size(), why);
         if (count <= 0) return count == 0;
         text.append(chunk.data(), static_cast<std::size_t>(count));
     }
@@ -124,21 +126,24 @@ bool write_through(System& system, const char* line, std::string_view text,
                    const Deadline& deadline) {
     Pipe pipe;
     Command command;
-    if (!pipe.open() || !set_nonblocking(pipe.write)) return false;
-    if (!command.start(system, line, pipe.read, {})) return false;
+    Failure untold;
+    if (!pipe.open(untold) || !set_nonblocking(pipe.write, untold)) return false;
+    if (!command.start(system, line, pipe.read, {}, untold)) return false;
     pipe.read.close();
     if (!send_all(pipe.write, text, deadline)) return false;
     pipe.write.close();
     return command.succeeds(deadline);
 }
 
-bool read_through(System& system, const char* line, std::string& text, const Deadline& deadline) {
+bool read_through(System& system, const char* line, std::string& text, const Deadline& deadline,
+                  Failure& why) {
     Pipe pipe;
     Command command;
     text.clear();
-    if (!pipe.open() || !command.start(system, line, {}, pipe.write)) return false;
+    if (!pipe.open(why) || !command.start(system, line, {}, pipe.write, why)) return false;
     pipe.write.close();
-    return receive_all(pipe.read, text, deadline) && command.succeeds(deadline) && !text.empty();
+    return receive_all(pipe.read, text, deadline, why) && command.succeeds(deadline) &&
+           !text.empty();
 }
 
 }  // namespace
@@ -152,13 +157,16 @@ bool clipboard_write_system(System& system, std::string_view text, milliseconds 
     return false;
 }
 
-bool clipboard_read_system(System& system, std::string& text, milliseconds wait) {
+bool clipboard_read_system(System& system, std::string& text, Failure& why, milliseconds wait) {
     const Deadline deadline(wait);
+    why = {};
     for (const char* line : kReaders) {
-        if (read_through(system, line, text, deadline)) return true;
+        if (read_through(system, line, text, deadline, why)) return true;
         if (deadline.is_over()) break;
     }
     text.clear();
+    if (deadline.is_over()) return why.note(ETIMEDOUT, "The clipboard did not answer in time");
+    if (!why) why.note(ENODATA, "No command gave a text");
     return false;
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "os/failure.h"
 #include "os/system.h"
 
 namespace tpu {
@@ -21,7 +22,7 @@ constexpr std::chrono::milliseconds kClipboardWait{1900};
 
 // Replaces `text` by what is on the clipboard. False, and an empty text, when no
 // command gave anything within `wait` in all; an empty clipboard is such a failure.
-[[nodiscard]] bool clipboard_read_system(System& system, std::string& text,
+[[nodiscard]] bool clipboard_read_system(System& system, std::string& text, Failure& why,
                                          std::chrono::milliseconds wait = kClipboardWait);
 
 }  // namespace tpu

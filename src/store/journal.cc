@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <utility>
 
 #include "buffer/buffer.h"
@@ -26,15 +25,15 @@ struct JournalFile {
 };
 
 // Never through a symbolic link, and never a pipe or a device.
-JournalFile open_journal(const std::string& path, int access) {
+JournalFile open_journal(const std::string& path, int access, Failure& why) {
     JournalFile journal;
     struct stat status;
     journal.file = open_file(path, access | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY,
-                             S_IRUSR | S_IWUSR);
+                             S_IRUSR | S_IWUSR, why);
     bool usable =
         journal.file && fstat(journal.file.get(), &status) == 0 && S_ISREG(status.st_mode);
     if (!usable) {
-        if (journal.file) errno = ENOTSUP;
+        if (journal.file) why.note(ENOTSUP);
         return {};
     }
     journal.size = status.st_size;
@@ -57,33 +56,32 @@ std::string as_line(std::string_view text) {
 }
 
 // All or nothing: half a record would make those behind it unreadable.
-bool append(const JournalFile& journal, std::string_view bytes) {
+bool append(const JournalFile& journal, std::string_view bytes, Failure& why) {
     HeldSignal size_limit(SIGXFSZ);
-    if (write_all(journal.file.get(), bytes)) return true;
-    const int error = errno;
+    if (write_all(journal.file.get(), bytes, why)) return true;
     static_cast<void>(sys::truncate(journal.file.get(), journal.size));
-    errno = error;
     return false;
 }
 
-// Because of errno. What would come behind the hole could not be replayed.
-void end_recording(Buffer& buffer) {
-    buffer.journal_fault = buffer.journal_file + ": " + std::strerror(errno);
+// What would come behind the hole could not be replayed.
+void end_recording(Buffer& buffer, const Failure& why) {
+    buffer.journal_fault = buffer.journal_file + ": " + why.text();
     buffer.journal_fault_told = false;
     tpu_journal_close(buffer);
 }
 
 // Makes a journal that holds something ready for more records.
-bool continue_text(const JournalFile& journal) {
+bool continue_text(const JournalFile& journal, Failure& why) {
     char last = '\n';
     int fd = journal.file.get();
-    if (lseek(fd, journal.size - 1, SEEK_SET) < 0 || read_some(fd, &last, 1) != 1) return false;
-    return last == '\n' || append(journal, "\n");
+    if (lseek(fd, journal.size - 1, SEEK_SET) < 0) return why.note_errno();
+    if (read_some(fd, &last, 1, why) != 1) return false;
+    return last == '\n' || append(journal, "\n", why);
 }
 
 // A record that was cut short when an editor died says nothing and would swallow what
 // comes after it.
-bool continue_binary(JournalReader& reader, int fd, std::string& note) {
+bool continue_binary(JournalReader& reader, int fd, std::string& note, Failure& why) {
     std::string statement;
     while (reader.next(statement)) {
     }
@@ -98,21 +96,20 @@ bool continue_binary(JournalReader& reader, int fd, std::string& note) {
         return false;
     }
     note = "A record of the journal was cut short" + place;
-    return sys::truncate(fd, static_cast<off_t>(reader.record_start())) == 0;
+    return sys::truncate(fd, static_cast<off_t>(reader.record_start())) == 0 || why.note_errno();
 }
 
-bool make_ready(const JournalFile& journal, bool binary, std::string& note) {
+bool make_ready(const JournalFile& journal, bool binary, std::string& note, Failure& why) {
     int fd = journal.file.get();
-    if (journal.size == 0) return !binary || tpu_journal_write_header(fd);
+    if (journal.size == 0) return !binary || tpu_journal_write_header(fd, why);
     JournalReader reader{Descriptor(dup(fd))};
     if (reader.is_binary() != binary) {
         note = binary ? "The file is no binary journal" : "The file is a binary journal";
         return false;
     }
-    if (!binary) return continue_text(journal);
-    if (journal.size < off_t{kJournalHeader})
-        return sys::truncate(fd, 0) == 0 && tpu_journal_write_header(fd);
-    return continue_binary(reader, fd, note);
+    if (!binary) return continue_text(journal, why);
+    if (journal.size >= off_t{kJournalHeader}) return continue_binary(reader, fd, note, why);
+    return (sys::truncate(fd, 0) == 0 || why.note_errno()) && tpu_journal_write_header(fd, why);
 }
 
 }  // namespace
@@ -122,16 +119,17 @@ void add_journal_record(std::string& bytes, std::string_view text) {
     bytes += text;
 }
 
-bool tpu_journal_write_header(int fd) {
+bool tpu_journal_write_header(int fd, Failure& why) {
     HeldSignal size_limit(SIGXFSZ);
-    return write_all(fd, header());
+    return write_all(fd, header(), why);
 }
 
 void tpu_journal_append(Buffer* buffer, const std::vector<std::string>& texts) {
     if (!buffer || !buffer->journaling || buffer->journal_file.empty()) return;
     if (texts.empty()) return;
-    JournalFile journal = open_journal(buffer->journal_file, O_WRONLY);
-    if (!journal.file) return end_recording(*buffer);
+    Failure why;
+    JournalFile journal = open_journal(buffer->journal_file, O_WRONLY, why);
+    if (!journal.file) return end_recording(*buffer, why);
     std::string bytes;
     if (journal.size == 0) {
         // A text journal must not begin like a binary one.
@@ -146,7 +144,7 @@ void tpu_journal_append(Buffer* buffer, const std::vector<std::string>& texts) {
             bytes += as_line(text);
         }
     }
-    if (!append(journal, bytes)) end_recording(*buffer);
+    if (!append(journal, bytes, why)) end_recording(*buffer, why);
 }
 
 std::optional<off_t> tpu_journal_size(const std::string& path) {
@@ -156,18 +154,20 @@ std::optional<off_t> tpu_journal_size(const std::string& path) {
 }
 
 void tpu_journal_cut(const std::string& path, off_t from, off_t to) noexcept {
-    JournalFile journal = open_journal(path, O_WRONLY);
+    Failure untold;
+    JournalFile journal = open_journal(path, O_WRONLY, untold);
     bool is_ours = journal.file && journal.size == from;
     if (is_ours) static_cast<void>(sys::truncate(journal.file.get(), to));
 }
 
-bool tpu_journal_open(Buffer& buffer, const std::string& path, bool binary, std::string& note) {
-    JournalFile journal = open_journal(path, O_RDWR);
+bool tpu_journal_open(Buffer& buffer, const std::string& path, bool binary, std::string& note,
+                      Failure& why) {
+    JournalFile journal = open_journal(path, O_RDWR, why);
     if (journal.size > 0 && buffer.journal_fault.starts_with(path + ": ")) {
         note = "The journal lacks what followed when it could not be written";
         return false;
     }
-    if (!journal.file || !make_ready(journal, binary, note)) return false;
+    if (!journal.file || !make_ready(journal, binary, note, why)) return false;
     buffer.journaling = true;
     buffer.binary_journal = binary;
     buffer.journal_file = path;

@@ -22,6 +22,8 @@
 #include <string_view>
 #include <vector>
 
+#include "os/failure.h"
+
 namespace tpu {
 
 class Buffer;
@@ -29,12 +31,12 @@ class Buffer;
 inline constexpr std::string_view kJournalMagic = "TPJB";
 inline constexpr std::uint32_t kJournalVersion = 1;
 inline constexpr std::size_t kJournalHeader = kJournalMagic.size() + sizeof kJournalVersion;
-inline constexpr std::string_view kUnknownJournalVersion =
+inline constexpr const char* kUnknownJournalVersion =
     "the journal is of a version that this program does not know";
 inline constexpr std::uint32_t kLongestRecord = 1u << 24;  // bytes that a replay takes
 
 // Begins a binary journal in an open file. False when it cannot be written.
-[[nodiscard]] bool tpu_journal_write_header(int fd);
+[[nodiscard]] bool tpu_journal_write_header(int fd, Failure& why);
 
 // Adds a record of a binary journal to those in `bytes`.
 void add_journal_record(std::string& bytes, std::string_view text);
@@ -50,10 +52,10 @@ void tpu_journal_cut(const std::string& path, off_t from, off_t to) noexcept;
 
 // Makes a file the journal of a buffer. What is in it stays, but for half a record at its
 // end; a new file can be read by its owner alone. False, and nothing has changed, when
-// it cannot be written or when records added to it could not be read. `note` gets
-// what there is to tell about the file in either case, if anything.
+// it cannot be written, for the reason, or when records added to it could not be read. `note`
+// gets what there is to tell about the file in either case, if anything.
 [[nodiscard]] bool tpu_journal_open(Buffer& buffer, const std::string& path, bool binary,
-                                    std::string& note);
+                                    std::string& note, Failure& why);
 void tpu_journal_close(Buffer& buffer);
 
 }  // namespace tpu

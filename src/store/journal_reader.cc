@@ -86,7 +86,7 @@ bool JournalReader::next_line(std::string& statement) {
 
 bool JournalReader::fill() {
     piece_at_ = piece_end_ = 0;
-    ssize_t got = read_some(file_.get(), piece_.data(), piece_.size());
+    ssize_t got = read_some(file_.get(), piece_.data(), piece_.size(), why_);
     if (got <= 0) return false;
     piece_end_ = static_cast<std::size_t>(std::min(static_cast<std::uint64_t>(got), left()));
     return piece_end_ > 0;

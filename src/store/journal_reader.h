@@ -21,6 +21,7 @@ class JournalReader {
     // The next statement. False at the end, for which end() has the reason.
     bool next(std::string& statement);
     End end() const { return end_; }
+    const Failure& why() const { return why_; }  // a file is unreadable
     // Where in the file the record begins that was read last, or that could not be read.
     std::uint64_t record_start() const { return record_start_; }
     std::uint64_t size() const { return size_; }  // bytes of the file
@@ -40,6 +41,7 @@ class JournalReader {
     Descriptor file_;
     bool binary_ = false;
     End end_ = End::none;
+    Failure why_;
     std::uint64_t size_ = 0;
     std::uint64_t at_ = 0;  // of the next byte in the file
     std::uint64_t record_start_ = 0;

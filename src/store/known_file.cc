@@ -7,40 +7,47 @@
 
 namespace tpu {
 
-std::uint64_t file_mtime_ms(const std::string& path) {
+std::uint64_t file_mtime_ms(const std::string& path, Failure& why) {
     struct stat status;
-    return stat(path.c_str(), &status) == 0 ? FileVersion::of(status).milliseconds() : 0;
+    if (stat(path.c_str(), &status) == 0) return FileVersion::of(status).milliseconds();
+    why.note_errno();
+    return 0;
+}
+
+std::uint64_t file_mtime_ms(const std::string& path) {
+    Failure untold;
+    return file_mtime_ms(path, untold);
 }
 
 // The status is from before reading: a change made meanwhile must not go unnoticed.
 void note_read(Buffer& buffer, const struct stat& status) {
-    buffer.file_trouble = 0;
+    buffer.file_trouble = {};
     buffer.file_time = FileVersion::of(status).milliseconds();
     buffer.known_version.reset();
     if (S_ISREG(status.st_mode)) buffer.known_version = FileVersion::of(status);
 }
 
-void note_unread(Buffer& buffer, int error) {
+void note_unread(Buffer& buffer, const Failure& why) {
     buffer.known_version = FileVersion::of(buffer.file_name);
-    const bool is_missing = error == ENOENT && buffer.known_version == FileVersion();
-    buffer.file_trouble = is_missing ? 0 : error;
+    const bool is_missing = why.error == ENOENT && buffer.known_version == FileVersion();
+    buffer.file_trouble = is_missing ? Failure() : why;
     if (!is_missing) buffer.known_version.reset();
 }
 
 void note_written(Buffer& buffer) {
-    buffer.file_trouble = 0;
+    buffer.file_trouble = {};
     buffer.file_time = file_mtime_ms(buffer.file_name);
     buffer.known_version = FileVersion::of(buffer.file_name);
     buffer.refused_save.reset();
 }
 
 std::string write_refusal(const Buffer& buffer, const std::string& path) {
-    if (buffer.file_trouble == 0) return {};
+    if (!buffer.file_trouble) return {};
     const std::string& target = path.empty() ? buffer.file_name : path;
     // It may have gone meanwhile.
     if (FileVersion::of(target) == FileVersion() || !is_same_file(target, buffer.file_name))
         return {};
-    return "it could not be read: " + reason_of(buffer.file_trouble);
+    return "it could not be read: " + buffer.file_trouble.text();
 }
 
 std::string doubt_about_saving(Buffer& buffer, const std::string& path) {

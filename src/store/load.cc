@@ -19,23 +19,23 @@ std::optional<LineStore> map_if_worth_it(const InputFile& file, Ref<TextBlock>& 
 
 }  // namespace
 
-bool load_file(Buffer& buffer, const std::string& path, Loading how,
-               const Interrupted& interrupted) {
+bool load_file(Buffer& buffer, const std::string& path, Loading how, const Interrupted& interrupted,
+               Failure& why) {
     // Where reading it again fails the text is still that of an earlier version.
     const bool was_read =
         buffer.file_name == path && buffer.known_version && buffer.known_version->exists();
     buffer.file_name = path;
     buffer.refused_save.reset();
     // Whatever may come in between.
-    if (!was_read) buffer.file_trouble = ENOMEM;
-    std::optional<InputFile> file = InputFile::open(path, {interrupted});
+    if (!was_read) buffer.file_trouble = {ENOMEM};
+    std::optional<InputFile> file = InputFile::open(path, why, {interrupted});
     std::optional<LineStore> text;
     Ref<TextBlock> block;
     if (file && how == Loading::in_steps) text = map_if_worth_it(*file, block);
     const std::uint64_t mapped = text ? file->size() : 0;
-    if (file && !text) text = read_lines(*file);
+    if (file && !text) text = read_lines(*file, why);
     if (!text) {
-        if (!was_read) note_unread(buffer, errno);
+        if (!was_read) note_unread(buffer, why);
         return false;
     }
     buffer.set_text(std::move(*text));
@@ -52,8 +52,9 @@ bool load_file(Buffer& buffer, const std::string& path, Loading how,
 
 std::string edit_file(Buffer& buffer, const std::string& path, Loading how,
                       const Interrupted& interrupted) {
-    if (load_file(buffer, path, how, interrupted) || buffer.file_trouble == 0) return {};
-    return "Cannot read " + path + ": " + reason_of(buffer.file_trouble);
+    Failure why;
+    if (load_file(buffer, path, how, interrupted, why) || !buffer.file_trouble) return {};
+    return "Cannot read " + path + ": " + buffer.file_trouble.text();
 }
 
 // What was written to the file while it was mapped is in the text, as it would be
@@ -65,7 +66,7 @@ std::string finish_loading(Buffer& buffer) {
     if (damaged) {
         told = buffer.file_name +
                " shrank while it was read: zeros stand for what is gone, write elsewhere";
-        note_unread(buffer, EIO);
+        note_unread(buffer, {EIO});
     }
     std::optional<FileVersion> now = FileVersion::of(buffer.file_name);
     bool unchanged =

@@ -44,15 +44,18 @@ bool is_symbolic_link(const std::string& path) {
     return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
-std::string real_name(const std::string& path) {
+std::string real_name(const std::string& path, Failure& why) {
     constexpr int kMostLinks = 40;
     std::error_code unknown;
     std::filesystem::path real = std::filesystem::weakly_canonical(path, unknown);
     for (int links = 0; !unknown && is_symbolic_link(real.string()); ++links) {
-        if (links == kMostLinks) return {};
+        if (links == kMostLinks)
+            unknown = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+        if (unknown) break;
         const std::filesystem::path next = std::filesystem::read_symlink(real, unknown);
         if (!unknown) real = std::filesystem::weakly_canonical(real.parent_path() / next, unknown);
     }
+    if (unknown) why.note(unknown.value());
     return unknown ? std::string() : real.string();
 }
 

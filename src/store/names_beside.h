@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "os/failure.h"
+
 namespace tpu {
 
 // The name of a file in the folder of `path` whose name is that of `path` with something
@@ -15,6 +17,6 @@ bool is_symbolic_link(const std::string& path);
 
 // The name of the file itself that a path leads to, through links to a file that is still
 // to be made too. Empty: there cannot be one.
-std::string real_name(const std::string& path);
+std::string real_name(const std::string& path, Failure& why);
 
 }  // namespace tpu

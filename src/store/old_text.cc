@@ -41,14 +41,14 @@ std::vector<std::string> names_in_own_folder(const std::string& path) {
     return names;
 }
 
-// The names that a new copy may get. None, with errno set: there is no place for it.
-std::vector<std::string> usable_names(const std::string& path) {
-    if (takes_files(path)) return names_in_folder_of(path);
-    const int reason = errno;
+// The names that a new copy may get. None: there is no place for it, in the end since there is
+// none beside the file.
+std::vector<std::string> usable_names(const std::string& path, Failure& why) {
+    if (takes_files(path, why)) return names_in_folder_of(path);
+    Failure untold;
     std::vector<std::string> names = names_in_own_folder(path);
     const bool is_ours = !names.empty() && distrust_of_folder(folder()).empty();
-    if (!is_ours || !make_folder(folder())) names.clear();
-    errno = reason;
+    if (!is_ours || !make_folder(folder(), untold)) names.clear();
     return names;
 }
 
@@ -63,26 +63,26 @@ bool clear_copy(int fd, const std::string& name) {
     return left && have_same_text(left.get(), fd) && sys::unlink(name.c_str()) == 0;
 }
 
-// Empty, with errno set: there is none.
-std::string free_name(int fd, const std::string& path) {
-    const std::vector<std::string> names = usable_names(path);
+// Empty: there is none.
+std::string free_name(int fd, const std::string& path, Failure& why) {
+    const std::vector<std::string> names = usable_names(path, why);
     for (const std::string& name : names) {
         if (!is_there(name) || clear_copy(fd, name)) return name;
     }
-    if (!names.empty()) errno = EEXIST;
+    if (!names.empty()) why.note(EEXIST);
     return {};
 }
 
 // The time of the file, so that what was kept of unsaved work fits the copy in its place.
-bool copy_time(int from, int to) {
+bool copy_time(int from, int to, Failure& why) {
     struct stat status;
-    if (fstat(from, &status) != 0) return false;
+    if (fstat(from, &status) != 0) return why.note_errno();
 #ifdef __APPLE__
     const timespec times[2] = {status.st_atimespec, status.st_mtimespec};
 #else
     const timespec times[2] = {status.st_atim, status.st_mtim};
 #endif
-    return futimens(to, times) == 0;
+    return futimens(to, times) == 0 || why.note_errno();
 }
 
 bool is_text_of(int fd, const std::string& path) {
@@ -96,18 +96,19 @@ void keep_old_texts_in(const std::string& wanted) {
     folder() = wanted;
 }
 
-std::unique_ptr<TempFile> keep_old_text(int fd, const std::string& path) {
-    const std::string name = free_name(fd, path);
+std::unique_ptr<TempFile> keep_old_text(int fd, const std::string& path, Failure& why) {
+    const std::string name = free_name(fd, path, why);
     if (name.empty()) return nullptr;
-    auto copy = std::make_unique<TempFile>(name);
-    bool is_kept = *copy && lseek(fd, 0, SEEK_SET) == 0 && copy_all(fd, copy->fd()) &&
-                   copy_time(fd, copy->fd()) && sync_file(copy->fd()) && copy->move_to_new(name) &&
-                   sync_folder_of(name);
+    auto copy = std::make_unique<TempFile>(name, why);
+    bool is_kept = *copy && rewind_file(fd, why) && copy_all(fd, copy->fd(), why) &&
+                   copy_time(fd, copy->fd(), why) && sync_file(copy->fd(), why) &&
+                   copy->move_to_new(name, why) && sync_folder_of(name, why);
     return is_kept ? std::move(copy) : nullptr;
 }
 
 std::optional<std::string> interrupted_save(const std::string& path) {
-    const std::string real = is_symbolic_link(path) ? real_name(path) : path;
+    Failure untold;
+    const std::string real = is_symbolic_link(path) ? real_name(path, untold) : path;
     if (real.empty()) return std::nullopt;
     for (const auto& names : {names_in_folder_of(real), names_in_own_folder(real)}) {
         for (const std::string& name : names) {

@@ -19,8 +19,8 @@ namespace tpu {
 void keep_old_texts_in(const std::string& folder);
 
 // Copies the text of the file `path`, which is open as `fd`; the copy goes away with what is
-// returned. Null, with errno set, when the text could not be kept.
-std::unique_ptr<TempFile> keep_old_text(int fd, const std::string& path);
+// returned. Null when the text could not be kept.
+std::unique_ptr<TempFile> keep_old_text(int fd, const std::string& path, Failure& why);
 
 // The former text of a file that a session was killed at writing, if it is another one than
 // the file has now.

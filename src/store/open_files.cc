@@ -66,7 +66,8 @@ bool OpenFiles::is_ready() {
     if (locks_) return true;
     if (path_.empty()) return false;
     const std::string folder = folder_of(path_);
-    if (distrust_of_folder(folder).empty() && make_folder(folder)) {
+    Failure untold;
+    if (distrust_of_folder(folder).empty() && make_folder(folder, untold)) {
         locks_ = open_file(path_, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0600);
     }
     if (!locks_) path_.clear();  // once is enough

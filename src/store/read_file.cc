@@ -35,8 +35,8 @@ char* copy_without_cr(const char* from, const char* end, char* out) {
 // is still in the cache.
 class Filler {
   public:
-    Filler(InputFile& file, Ref<TextBlock> block, std::uint64_t most)
-        : file_(file), most_(most), block_(std::move(block)) {}
+    Filler(InputFile& file, Ref<TextBlock> block, std::uint64_t most, Failure& why)
+        : file_(file), most_(most), block_(std::move(block)), why_(why) {}
 
     // False when reading fails, memory is short or there is too much to read.
     bool read_all() {
@@ -46,15 +46,12 @@ class Filler {
             std::size_t held = holds_cr_ ? 1 : 0;
             if (holds_cr_) *begin = '\r';
             std::size_t room = std::min(block_->room() - held, kReadSize);
-            ssize_t got = file_.read(begin + held, room);
+            ssize_t got = file_.read(begin + held, room, why_);
             if (got < 0) return false;
             if (got == 0) return true;
             take(begin, held + static_cast<std::size_t>(got));
             count_pieces();
-            if (block_->used() > most_) {
-                errno = EFBIG;
-                return false;
-            }
+            if (block_->used() > most_) return why_.note(EFBIG);
         }
     }
 
@@ -70,9 +67,7 @@ class Filler {
         constexpr std::size_t kLeast = 2;  // a held CR and a byte to read
         if (block_->room() >= kLeast) return true;
         std::size_t more = std::max(block_->used(), kReadSize);
-        bool grown = block_->grow(block_->used() + more);
-        if (!grown) errno = ENOMEM;
-        return grown;
+        return block_->grow(block_->used() + more) || why_.note(ENOMEM);
     }
 
     // Claims the bytes behind the used part. A CR at their end is held back: a line
@@ -97,6 +92,7 @@ class Filler {
     InputFile& file_;
     std::uint64_t most_;
     Ref<TextBlock> block_;
+    Failure& why_;
     bool holds_cr_ = false;             // a CR follows the used part
     std::vector<std::uint32_t> feeds_;  // line feeds of each whole piece
 };
@@ -126,35 +122,42 @@ std::optional<LineStore> map_lines(int fd, std::uint64_t size, Ref<TextBlock>& b
     return LineStore::from_block(block, text.size() - text.ends_with('\n'), feeds);
 }
 
-std::optional<LineStore> read_lines(InputFile& file, std::uint64_t most) {
-    errno = ENOMEM;
+std::optional<LineStore> read_lines(InputFile& file, Failure& why, std::uint64_t most) {
     const std::uint64_t expected = file.size();
-    if (expected > std::numeric_limits<std::size_t>::max() / 2) return std::nullopt;
-    Ref<TextBlock> block = TextBlock::create(static_cast<std::size_t>(expected) + kSlack);
-    if (!block) return std::nullopt;
-    Filler filler(file, std::move(block), file.is_regular() ? UINT64_MAX : most);
+    Ref<TextBlock> block;
+    if (expected <= std::numeric_limits<std::size_t>::max() / 2) {
+        block = TextBlock::create(static_cast<std::size_t>(expected) + kSlack);
+    }
+    if (!block) {
+        why.note(ENOMEM);
+        return std::nullopt;
+    }
+    Filler filler(file, std::move(block), file.is_regular() ? UINT64_MAX : most, why);
     if (!filler.read_all()) return std::nullopt;
     return filler.lines();
 }
 
-std::optional<std::string> read_whole(const std::string& path, Waiting waiting) {
-    std::optional<InputFile> file = InputFile::open(path, std::move(waiting));
-    if (!file) return std::nullopt;
+std::optional<std::string> read_whole(InputFile& file, Failure& why, std::uint64_t most) {
     std::string text;
-    const std::uint64_t expected = std::min(file->size(), kMostOfStream);
-    for (std::size_t size = 0; size <= kMostOfStream;) {
+    const std::uint64_t expected = std::min(file.size(), most);
+    for (std::size_t size = 0; size <= most;) {
         if (text.size() - size < kReadSize) {
             text.resize(std::max(static_cast<std::size_t>(expected), size * 2) + kReadSize);
         }
-        ssize_t got = file->read(text.data() + size, text.size() - size);
+        ssize_t got = file.read(text.data() + size, text.size() - size, why);
         if (got < 0) return std::nullopt;
         size += static_cast<std::size_t>(got);
         if (got > 0) continue;
         text.resize(size);
         return text;
     }
-    errno = EFBIG;
+    why.note(EFBIG);
     return std::nullopt;
+}
+
+std::optional<std::string> read_whole(const std::string& path, Failure& why, Waiting waiting) {
+    std::optional<InputFile> file = InputFile::open(path, why, std::move(waiting));
+    return file ? read_whole(*file, why) : std::nullopt;
 }
 
 }  // namespace tpu

@@ -15,9 +15,10 @@ inline constexpr std::uint64_t kMostOfStream = std::uint64_t{1} << 30;
 
 // The lines of all that is left of a file. Lines end at line feeds; a carriage
 // return at the end of a line is dropped, and so is a line feed at the end of the
-// file. Nothing, with errno saying why, when reading fails, memory is short, or something
-// other than a regular file has more than `most` bytes.
-std::optional<LineStore> read_lines(InputFile& file, std::uint64_t most = kMostOfStream);
+// file. Nothing when reading fails, memory is short, or something other than a regular
+// file has more than `most` bytes.
+std::optional<LineStore> read_lines(InputFile& file, Failure& why,
+                                    std::uint64_t most = kMostOfStream);
 
 // The lines of a file of `size` bytes without copying them: the text is only mapped,
 // and TextBlock::settle_some must make it the editor's own soon. Nothing when the
@@ -25,8 +26,9 @@ std::optional<LineStore> read_lines(InputFile& file, std::uint64_t most = kMostO
 // the lines are in.
 std::optional<LineStore> map_lines(int fd, std::uint64_t size, Ref<TextBlock>& block);
 
-// All bytes of a file, if there are at most as many as of a stream. Nothing, with errno saying
-// why, when it cannot be read.
-std::optional<std::string> read_whole(const std::string& path, Waiting waiting = {});
+// All bytes of a file. Nothing when it cannot be read, or has more than `most`.
+std::optional<std::string> read_whole(InputFile& file, Failure& why,
+                                      std::uint64_t most = kMostOfStream);
+std::optional<std::string> read_whole(const std::string& path, Failure& why, Waiting waiting = {});
 
 }  // namespace tpu

@@ -10,7 +10,6 @@
 #include <charconv>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <utility>
 
@@ -23,6 +22,7 @@
 #include "store/buffer_file.h"
 #include "store/journal.h"
 #include "store/journal_reader.h"
+#include "store/read_file.h"
 #include "text/ascii.h"
 #include "text/stable_hash.h"
 
@@ -55,11 +55,12 @@ std::string recovery_prefix(const std::string& file) {
 }
 
 // The folders above it are made too, for the owner alone.
-bool make_folder(const std::filesystem::path& folder) {
+bool make_folder(const std::filesystem::path& folder, Failure& why) {
     std::error_code unknown;
     if (folder.empty() || std::filesystem::is_directory(folder, unknown)) return true;
-    if (folder == folder.parent_path() || !make_folder(folder.parent_path())) return false;
-    return sys::mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST;
+    if (folder == folder.parent_path()) return why.note(ENOENT);
+    if (!make_folder(folder.parent_path(), why)) return false;
+    return sys::mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST || why.note_errno();
 }
 
 namespace {
@@ -98,8 +99,8 @@ std::optional<TextIdentity> base_in(std::string_view comment) {
     return whole ? std::optional(base) : std::nullopt;
 }
 
-bool is_free(int fd) {
-    return flock(fd, LOCK_EX | LOCK_NB) == 0;
+bool is_free(int fd, Failure& why) {
+    return flock(fd, LOCK_EX | LOCK_NB) == 0 || why.note_errno();
 }
 
 // The time of the file that a name tells of behind its prefix.
@@ -112,13 +113,14 @@ std::optional<std::uint64_t> file_time_in(std::string_view rest) {
 
 // In pieces, since what was replaced in a large text is large. How many bytes there were;
 // nothing when they could not be written.
-std::optional<off_t> write_records(int fd, const std::vector<std::string>& statements) {
+std::optional<off_t> write_records(int fd, const std::vector<std::string>& statements,
+                                   Failure& why) {
     constexpr std::size_t kPiece = std::size_t{256} << 10;
     std::string records;
     off_t written = 0;
     auto flush = [&] {
         written += static_cast<off_t>(records.size());
-        bool good = write_all(fd, records);
+        bool good = write_all(fd, records, why);
         records.clear();
         return good;
     };
@@ -137,48 +139,51 @@ std::optional<RecoveryFile> RecoveryFile::create(const std::string& folder, cons
     constexpr int kAttempts = 100;
     reason = distrust_of_folder(folder);
     if (!reason.empty()) return std::nullopt;
+    Failure why;
     auto fail = [&] {
-        reason = std::strerror(errno);
+        reason = why.text();
         return std::nullopt;
     };
-    if (!make_folder(folder)) return fail();
+    if (!make_folder(folder, why)) return fail();
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         std::string path = folder + "/" + name_of(file, file_time, attempt);
         Descriptor made =
-            open_file(path, O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_NOFOLLOW, kOwnerOnly);
-        if (!made && errno == EEXIST) continue;
+            open_file(path, O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_NOFOLLOW, kOwnerOnly, why);
+        if (!made && why.error == EEXIST) continue;
         if (!made) return fail();
         struct stat status;
-        if (is_free(made.get()) && tpu_journal_write_header(made.get()) &&
-            fstat(made.get(), &status) == 0) {
+        if (is_free(made.get(), why) && tpu_journal_write_header(made.get(), why) &&
+            (fstat(made.get(), &status) == 0 || why.note_errno())) {
             RecoveryFile created(std::move(made), path, status.st_size, base);
             if (created.append({base_comment(identity_of(base))}, reason)) return created;
             created.remove();
             return std::nullopt;
         }
-        fail();
         remove_recovery_file(path);
-        return std::nullopt;
+        return fail();
     }
-    errno = EEXIST;
     return fail();
 }
 
 bool RecoveryFile::append(const std::vector<std::string>& statements, std::string& reason) {
     HeldSignal size_limit(SIGXFSZ);
     // Half a record would make those behind it unreadable.
-    auto mend = [&] { torn_ = torn_ && sys::truncate(descriptor_.get(), size_) != 0; };
-    mend();
+    Failure why, untold;
+    auto mend = [&](Failure& why_not) {
+        if (torn_) torn_ = sys::truncate(descriptor_.get(), size_) != 0;
+        if (torn_) why_not.note_errno();
+    };
+    mend(why);
     const bool was_torn = torn_;
     torn_ = true;  // what has been written when memory runs out is part of a record, too
     const std::optional<off_t> added =
-        was_torn ? std::nullopt : write_records(descriptor_.get(), statements);
-    if (!added) reason = std::strerror(errno);
+        was_torn ? std::nullopt : write_records(descriptor_.get(), statements, why);
+    if (!added) reason = why.text();
     torn_ = !added;
     size_ += added.value_or(0);
-    mend();
+    mend(untold);
     // So that a power cut does not take it. Where that fails the system has it at least.
-    [[maybe_unused]] bool is_on_disk = added && sync_file(descriptor_.get());
+    [[maybe_unused]] bool is_on_disk = added && sync_file(descriptor_.get(), untold);
     return added.has_value();
 }
 
@@ -195,8 +200,9 @@ bool RecoveryFile::copy_base() {
     }
     const std::uint64_t end = std::min(size, base_copied_ + kPart);
     bool good = static_cast<bool>(base_copy_);
+    Failure untold;
     base_.for_each_span(base_copied_, end, [&](std::string_view span) {
-        return good = good && write_all(base_copy_.get(), span);
+        return good = good && write_all(base_copy_.get(), span, untold);
     });
     base_copied_ = good ? end : size;
     if (base_copied_ == size) base_copy_.close();
@@ -219,13 +225,13 @@ std::optional<LineStore> LeftBehind::base_text() const {
     if (base->bytes == 0) return LineStore();
     Descriptor copy = open_file(base_path(path), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
     if (!copy || !distrust_of_file(copy.get()).empty()) return std::nullopt;
-    std::string text(base->bytes, '\0');
-    std::uint64_t size = 0;
-    for (ssize_t got = 1; got > 0; size += static_cast<std::uint64_t>(std::max<ssize_t>(got, 0))) {
-        got = read_some(copy.get(), text.data() + size, text.size() - size);
-    }
-    LineStore lines = LineStore::from_text(text);
-    bool whole = size == base->bytes && identity_of(lines) == *base;
+    Failure untold;
+    std::optional<InputFile> file = InputFile::of(std::move(copy), untold);
+    const std::optional<std::string> text =
+        file ? read_whole(*file, untold, base->bytes) : std::nullopt;
+    if (!text) return std::nullopt;
+    LineStore lines = LineStore::from_text(*text);
+    bool whole = identity_of(lines) == *base;
     return whole ? std::optional(std::move(lines)) : std::nullopt;
 }
 
@@ -233,6 +239,7 @@ std::vector<LeftBehind> left_behind(const std::string& folder, const std::string
     std::vector<LeftBehind> found;
     if (!distrust_of_folder(folder).empty()) return found;
     const std::string begin = recovery_prefix(file);
+    Failure untold;
     std::error_code error;
     for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
@@ -243,7 +250,7 @@ std::vector<LeftBehind> left_behind(const std::string& folder, const std::string
         const std::string path = entry->path().string();
         Descriptor opened = open_file(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
         if (!file_time || !opened || !distrust_of_file(opened.get()).empty() ||
-            !is_free(opened.get())) {
+            !is_free(opened.get(), untold)) {
             continue;
         }
         JournalReader reader(std::move(opened));

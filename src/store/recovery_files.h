@@ -73,7 +73,7 @@ struct LeftBehind {
 std::string recovery_prefix(const std::string& file);
 
 // Makes what is missing of a folder, for the owner alone.
-[[nodiscard]] bool make_folder(const std::filesystem::path& folder);
+[[nodiscard]] bool make_folder(const std::filesystem::path& folder, Failure& why);
 
 // Removes one whose work is not needed any more.
 void remove_recovery_file(const std::string& path);

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -29,6 +28,7 @@ struct Job {
     bool keep_backup;
     const WriteText& write;
     std::string note;  // what was done without
+    Failure why;
 };
 
 // Our own output, for the names that stand for it. Opening such a name would begin
@@ -40,83 +40,97 @@ Descriptor own_output(const std::string& path) {
 }
 
 // Something other than a regular file, for writing.
-Descriptor open_stream(const std::string& path, const struct stat& status) {
-    if (!S_ISFIFO(status.st_mode)) return open_file(path, O_WRONLY | O_NOCTTY);
+Descriptor open_stream(const std::string& path, const struct stat& status, Failure& why) {
+    if (!S_ISFIFO(status.st_mode)) return open_file(path, O_WRONLY | O_NOCTTY, 0, why);
     // A pipe that nobody reads is a failure; waiting for a reader would hang the editor.
-    Descriptor pipe = open_file(path, O_WRONLY | O_NONBLOCK);
-    if (pipe && fcntl(pipe.get(), F_SETFL, 0) != 0) return {};
-    return pipe;
+    Descriptor pipe = open_file(path, O_WRONLY | O_NONBLOCK, 0, why);
+    bool is_ready = pipe && (fcntl(pipe.get(), F_SETFL, 0) == 0 || why.note_errno());
+    return is_ready ? std::move(pipe) : Descriptor();
 }
 
-bool write_stream(const Job& job, Descriptor stream) {
+bool write_stream(Job& job, Descriptor stream) {
+    if (!stream) return false;
     // The bytes of a text would steer a terminal, most likely the one we draw on.
-    if (!stream || isatty(stream.get()) || !job.write(stream.get())) return false;
+    if (isatty(stream.get())) return job.why.note(ENOTSUP, "It is a terminal");
+    if (!job.write(stream.get(), job.why)) return false;
     // Few devices can be synced, but one that tried and could not has lost the text.
-    return (sync_file(stream.get()) || errno != EIO) && stream.close();
+    return (sync_file(stream.get(), job.why) || job.why.error != EIO) && stream.close(job.why);
 }
 
 // A name without a file. Nobody sees it before all of the text is there.
-bool create_file(const Job& job) {
-    TempFile fresh(job.path, 0666);
-    return fresh && job.write(fresh.fd()) && sync_file(fresh.fd()) &&
-           fresh.rename_to_new(job.path) && fresh.close() && sync_folder_of(job.path);
+bool create_file(Job& job) {
+    TempFile fresh(job.path, job.why, 0666);
+    return fresh && job.write(fresh.fd(), job.why) && sync_file(fresh.fd(), job.why) &&
+           fresh.rename_to_new(job.path, job.why) && fresh.close(job.why) &&
+           sync_folder_of(job.path, job.why);
 }
 
 // A backup that cannot be had since its folder takes no files is done without: it would be
 // worse not to be able to save.
 bool do_without_backup(Job& job) {
-    if (takes_files(job.backup)) return false;
+    Failure untold;
+    if (takes_files(job.backup, untold)) return false;
     job.note = "no .bak: the folder is read-only";
     return true;
 }
 
 bool copy_to_backup(Job& job, int from, const FileTraits& old) {
-    TempFile copy(job.backup);
+    TempFile copy(job.backup, job.why);
     if (!copy) return do_without_backup(job);
-    if (lseek(from, 0, SEEK_SET) != 0 || !copy_all(from, copy.fd())) return false;
+    if (!rewind_file(from, job.why) || !copy_all(from, copy.fd(), job.why)) return false;
     set_traits_of_copy(copy.fd(), copy.name(), old);
-    return sync_file(copy.fd()) && copy.rename_to(job.backup);
+    return sync_file(copy.fd(), job.why) && copy.rename_to(job.backup, job.why);
 }
 
 // Gives the file its backup name too, or a copy of it where it cannot have two.
 bool make_backup(Job& job, const FileTraits& old) {
     const char *path = job.path.c_str(), *backup = job.backup.c_str();
-    if (sys::unlink(backup) != 0 && errno != ENOENT) return do_without_backup(job);
+    if (sys::unlink(backup) != 0 && errno != ENOENT) {
+        job.why.note_errno();
+        return do_without_backup(job);
+    }
     if (sys::link(path, backup) == 0) return true;
-    Descriptor file = open_file(job.path, O_RDONLY);
+    Descriptor file = open_file(job.path, O_RDONLY, 0, job.why);
     return file && copy_to_backup(job, file.get(), old);
 }
 
 enum class Outcome { saved, failed, not_replaceable };
 
 Outcome replace_file(Job& job, const FileTraits& old) {
-    TempFile fresh(job.path);
-    if (!fresh) return takes_files(job.path) ? Outcome::failed : Outcome::not_replaceable;
+    Failure& why = job.why;
+    TempFile fresh(job.path, why);
+    if (!fresh) {
+        Failure untold;
+        return takes_files(job.path, untold) ? Outcome::failed : Outcome::not_replaceable;
+    }
     if (!set_traits(fresh.fd(), fresh.name(), old)) return Outcome::not_replaceable;
     // Writing takes set-id bits away, so the mode is given once more.
-    if (!job.write(fresh.fd()) || sys::chmod(fresh.fd(), old.mode) != 0 || !sync_file(fresh.fd()) ||
+    auto give_mode = [&] { return sys::chmod(fresh.fd(), old.mode) == 0 || why.note_errno(); };
+    if (!job.write(fresh.fd(), why) || !give_mode() || !sync_file(fresh.fd(), why) ||
         (job.keep_backup && !make_backup(job, old))) {
         return Outcome::failed;
     }
-    if (!fresh.rename_to(job.path)) {
+    if (!fresh.rename_to(job.path, why)) {
         // A file that is a mount point keeps its place.
-        const bool stays = errno == EBUSY || errno == EXDEV;
+        const bool stays = why.error == EBUSY || why.error == EXDEV;
         if (job.keep_backup) sys::unlink(job.backup.c_str());
         return stays ? Outcome::not_replaceable : Outcome::failed;
     }
-    return fresh.close() && sync_folder_of(job.path) ? Outcome::saved : Outcome::failed;
+    return fresh.close(why) && sync_folder_of(job.path, why) ? Outcome::saved : Outcome::failed;
 }
 
 // Fills an open file from its begin and cuts off what is left behind the new text.
-bool overwrite(int fd, const WriteText& write) {
-    return lseek(fd, 0, SEEK_SET) == 0 && write(fd) &&
-           sys::truncate(fd, lseek(fd, 0, SEEK_CUR)) == 0 && sync_file(fd);
+bool overwrite(int fd, const WriteText& write, Failure& why) {
+    if (!rewind_file(fd, why) || !write(fd, why)) return false;
+    if (sys::truncate(fd, lseek(fd, 0, SEEK_CUR)) != 0) return why.note_errno();
+    return sync_file(fd, why);
 }
 
 // What was kept of the old text for the time of writing becomes the backup.
 bool turn_into_backup(Job& job, TempFile& kept, const FileTraits& old) {
-    if (!kept.rename_to(job.backup)) {
-        return errno == EXDEV ? copy_to_backup(job, kept.fd(), old) : do_without_backup(job);
+    if (!kept.rename_to(job.backup, job.why)) {
+        const bool is_far = job.why.error == EXDEV;
+        return is_far ? copy_to_backup(job, kept.fd(), old) : do_without_backup(job);
     }
     set_traits_of_copy(kept.fd(), job.backup, old);
     return true;
@@ -128,29 +142,29 @@ bool is_folder(const std::string& path) {
 }
 
 bool rewrite_file(Job& job, const FileTraits& old) {
-    if (job.keep_backup && is_folder(job.backup)) {
-        errno = EISDIR;
-        return false;
-    }
-    Descriptor file = open_file(job.path, O_RDWR);
+    if (job.keep_backup && is_folder(job.backup)) return job.why.note(EISDIR);
+    Descriptor file = open_file(job.path, O_RDWR, 0, job.why);
     if (!file) return false;
-    const std::unique_ptr<TempFile> kept = keep_old_text(file.get(), job.path);
+    const std::unique_ptr<TempFile> kept = keep_old_text(file.get(), job.path, job.why);
     if (!kept) return false;
-    if (overwrite(file.get(), job.write) &&
+    if (overwrite(file.get(), job.write, job.why) &&
         (!job.keep_backup || turn_into_backup(job, *kept, old))) {
-        return file.close();
+        return file.close(job.why);
     }
-    const int reason = errno;
-    auto put_back = [&](int fd) {
-        return lseek(kept->fd(), 0, SEEK_SET) == 0 && copy_all(kept->fd(), fd);
+    auto put_back = [&](int fd, Failure& why) {
+        return rewind_file(kept->fd(), why) && copy_all(kept->fd(), fd, why);
     };
-    if (!overwrite(file.get(), put_back)) {
+    Failure untold;
+    if (!overwrite(file.get(), put_back, untold)) {
         // Now the copy is all there is of the old text.
         kept->keep();
         job.note = "; the former text is in " + kept->name();
     }
-    errno = reason;
     return false;
+}
+
+bool may_write(const std::string& path, Failure& why) {
+    return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 || why.note_errno();
 }
 
 // Its name is its only one, but for a backup name that it got from a save that was cut short.
@@ -164,11 +178,9 @@ bool can_be_replaced(const Job& job, const struct stat& status) {
 bool write_regular(Job& job, const struct stat* status) {
     if (!status) return create_file(job);
     // A protected file is replaced only where its text stays as a backup.
-    if (!job.keep_backup && faccessat(AT_FDCWD, job.path.c_str(), W_OK, AT_EACCESS) != 0) {
-        return false;
-    }
+    if (!job.keep_backup && !may_write(job.path, job.why)) return false;
     std::optional<FileTraits> old = traits_of(job.path);
-    if (!old) return false;
+    if (!old) return job.why.note(ENOENT);  // somebody has just removed it
     if (can_be_replaced(job, *status)) {
         Outcome outcome = replace_file(job, *old);
         if (outcome != Outcome::not_replaceable) return outcome == Outcome::saved;
@@ -177,9 +189,9 @@ bool write_regular(Job& job, const struct stat* status) {
 }
 
 // The name of what `path` leads to; its own where that cannot be told.
-std::string name_behind(const std::string& path, bool exists) {
+std::string name_behind(const std::string& path, bool exists, Failure& why) {
     if (!is_symbolic_link(path)) return path;
-    std::string real = real_name(path);
+    std::string real = real_name(path, why);
     return exists && !is_same_file(real, path) ? path : real;
 }
 
@@ -187,11 +199,11 @@ bool write_anything(Job& job) {
     if (Descriptor output = own_output(job.path)) return write_stream(job, std::move(output));
     struct stat status;
     const bool exists = stat(job.path.c_str(), &status) == 0;
-    if (!exists && errno != ENOENT) return false;
+    if (!exists && errno != ENOENT) return job.why.note_errno();
     if (exists && !S_ISREG(status.st_mode)) {
-        return write_stream(job, open_stream(job.path, status));
+        return write_stream(job, open_stream(job.path, status, job.why));
     }
-    job.path = name_behind(job.path, exists);
+    job.path = name_behind(job.path, exists, job.why);
     return !job.path.empty() && write_regular(job, exists ? &status : nullptr);
 }
 
@@ -201,28 +213,25 @@ bool write_safely(const std::string& path, bool keep_backup, const WriteText& wr
                   std::string& note) {
     // Lets writes fail that would otherwise end the program.
     HeldSignal size_limit(SIGXFSZ), no_reader(SIGPIPE);
-    Job job{path, name_beside(path, "", ".bak"), keep_backup, write, {}};
-    errno = 0;
+    Job job{path, name_beside(path, "", ".bak"), keep_backup, write, {}, {}};
     const bool written = write_anything(job);
-    note = written || errno == 0 ? job.note : std::strerror(errno) + job.note;
+    note = written ? job.note : job.why.text() + job.note;
     return written;
 }
 
-bool write_at_once(const std::string& path, const WriteText& write) {
+bool write_at_once(const std::string& path, const WriteText& write, Failure& why) {
     HeldSignal size_limit(SIGXFSZ);
-    const std::string real = real_name(path);
+    const std::string real = real_name(path, why);
     if (real.empty()) return false;
     struct stat status;
     bool exists = stat(real.c_str(), &status) == 0;
-    if (exists &&
-        (!S_ISREG(status.st_mode) || faccessat(AT_FDCWD, real.c_str(), W_OK, AT_EACCESS) != 0)) {
-        return false;
-    }
-    TempFile fresh(real, exists ? 0600 : 0666);
-    if (!fresh || !write(fresh.fd())) return false;
+    if (exists && (!is_regular(status, why) || !may_write(real, why))) return false;
+    TempFile fresh(real, why, exists ? 0600 : 0666);
+    if (!fresh || !write(fresh.fd(), why)) return false;
     std::optional<FileTraits> old = exists ? traits_of(real) : std::nullopt;
     if (old) set_traits(fresh.fd(), fresh.name(), *old);
-    return sync_file(fresh.fd()) && fresh.rename_to(real) && fresh.close() && sync_folder_of(real);
+    return sync_file(fresh.fd(), why) && fresh.rename_to(real, why) && fresh.close(why) &&
+           sync_folder_of(real, why);
 }
 
 }  // namespace tpu

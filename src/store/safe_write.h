@@ -16,10 +16,12 @@
 #include <functional>
 #include <string>
 
+#include "os/failure.h"
+
 namespace tpu {
 
 // Writes the text to an open file, from where it stands; false when that fails.
-using WriteText = std::function<bool(int fd)>;
+using WriteText = std::function<bool(int fd, Failure& why)>;
 
 // Writes a text to the file `path`, which need not exist. With `keep_backup` the
 // text that was there stays as `path`.bak, in place of an older one; a name too long for
@@ -31,6 +33,6 @@ using WriteText = std::function<bool(int fd)>;
 // Writes a text to the regular file `path`, which need not exist, so that it is never
 // seen unfinished: the name changes hands when the text is on the disk. False when the
 // text could not be written; then there is what was there before.
-[[nodiscard]] bool write_at_once(const std::string& path, const WriteText& write);
+[[nodiscard]] bool write_at_once(const std::string& path, const WriteText& write, Failure& why);
 
 }  // namespace tpu

@@ -16,13 +16,13 @@ namespace {
 
 // Short runs, as typing leaves them, are gathered; long ones go out from where they lie. That
 // needs no memory: one that ends half-way might leave half a file.
-bool write_lines(int fd, const LineStore& lines) {
+bool write_lines(int fd, const LineStore& lines, Failure& why) {
     constexpr std::size_t kLongRun = std::size_t{256} << 10;
     std::string gathered;
     enough_memory([&] { gathered.reserve(kLongRun); });
     const std::size_t room = gathered.capacity();
     auto flush = [&] {
-        bool written = write_all(fd, gathered);
+        bool written = write_all(fd, gathered, why);
         gathered.clear();
         return written;
     };
@@ -32,7 +32,7 @@ bool write_lines(int fd, const LineStore& lines) {
         if (good && run.size() <= room) {
             gathered += run;
         } else if (good) {
-            good = write_all(fd, run);
+            good = write_all(fd, run, why);
         }
         return good;
     };
@@ -43,15 +43,16 @@ bool write_lines(int fd, const LineStore& lines) {
 }  // namespace
 
 bool write_file(Buffer& buffer, const std::string& path) {
-    buffer.save_note.clear();
+    buffer.save_note = buffer.no_write ? "The buffer is set not to be written" : "";
     if (buffer.no_write) return false;
     std::string target = path.empty() ? buffer.file_name : path;
     // The file may be one that a text still shows.
     while (!TextBlock::settle_some()) {
     }
-    if (buffer.loaded_block && buffer.loaded_block->is_damaged()) note_unread(buffer, EIO);
-    if (target.empty() || !write_refusal(buffer, target).empty()) return false;
-    auto write = [&buffer](int fd) { return write_lines(fd, buffer.text()); };
+    if (buffer.loaded_block && buffer.loaded_block->is_damaged()) note_unread(buffer, {EIO});
+    buffer.save_note = target.empty() ? "There is no file name" : write_refusal(buffer, target);
+    if (!buffer.save_note.empty()) return false;
+    auto write = [&](int fd, Failure& why) { return write_lines(fd, buffer.text(), why); };
     // What follows the writing needs no memory.
     LineStore reloaded = as_loaded(buffer.text());
     const Change dropped = change_between(reloaded, buffer.text());

@@ -48,41 +48,39 @@ void clear_left_behind(const std::string& path) {
 
 }  // namespace
 
-TempFile::TempFile(const std::string& path, mode_t mode) {
+TempFile::TempFile(const std::string& path, Failure& why, mode_t mode) {
     constexpr int kAttempts = 100;
     clear_left_behind(path);
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         name_ = name_for(path, attempt);
-        file_ = open_file(name_, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
-        if (!file_ && errno != EEXIST) return;
+        file_ = open_file(name_, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, mode, why);
+        if (!file_ && why.error != EEXIST) return;
         // Another session may have taken it for one that was left behind.
         if (!file_ || (!lock(file_.get()) && errno == EWOULDBLOCK)) continue;
         exists_ = has_name(file_.get(), name_);
         if (exists_) return;
     }
+    why.note(EEXIST);
 }
 
 TempFile::~TempFile() {
-    const int reason = errno;
     if (exists_) sys::unlink(name_.c_str());
-    file_.close();
-    errno = reason;
 }
 
-bool TempFile::rename_to(const std::string& path) {
-    if (sys::rename(name_.c_str(), path.c_str()) != 0) return false;
+bool TempFile::rename_to(const std::string& path, Failure& why) {
+    if (sys::rename(name_.c_str(), path.c_str()) != 0) return why.note_errno();
     keep();
     return true;
 }
 
-bool TempFile::rename_to_new(const std::string& path) {
-    if (!move_to_new(path)) return false;
+bool TempFile::rename_to_new(const std::string& path, Failure& why) {
+    if (!move_to_new(path, why)) return false;
     keep();
     return true;
 }
 
-bool TempFile::move_to_new(const std::string& path) {
-    if (sys::rename_new(name_.c_str(), path.c_str()) != 0) return false;
+bool TempFile::move_to_new(const std::string& path, Failure& why) {
+    if (sys::rename_new(name_.c_str(), path.c_str()) != 0) return why.note_errno();
     name_ = path;
     return true;
 }

@@ -15,7 +15,7 @@ class TempFile {
   public:
     // In the folder that `path` names a file in. Nobody else may read it yet, unless the
     // mode lets them.
-    explicit TempFile(const std::string& path, mode_t mode = 0600);
+    TempFile(const std::string& path, Failure& why, mode_t mode = 0600);
     ~TempFile();
     TempFile(const TempFile&) = delete;
     TempFile& operator=(const TempFile&) = delete;
@@ -23,15 +23,14 @@ class TempFile {
     explicit operator bool() const { return exists_; }
     int fd() const { return file_.get(); }
     const std::string& name() const { return name_; }
-    [[nodiscard]] bool close() { return file_.close(); }
+    [[nodiscard]] bool close(Failure& why) { return file_.close(why); }
 
-    // Takes the name `path` for good, from another file if need be. False, with errno set,
-    // when that fails.
-    [[nodiscard]] bool rename_to(const std::string& path);
+    // Takes the name `path` for good, from another file if need be.
+    [[nodiscard]] bool rename_to(const std::string& path, Failure& why);
     // The same, but no other file may have that name.
-    [[nodiscard]] bool rename_to_new(const std::string& path);
+    [[nodiscard]] bool rename_to_new(const std::string& path, Failure& why);
     // Has another name from now on, which no other file may have, and vanishes all the same.
-    [[nodiscard]] bool move_to_new(const std::string& path);
+    [[nodiscard]] bool move_to_new(const std::string& path, Failure& why);
     // Stays, under its present name.
     void keep() { exists_ = false; }
 

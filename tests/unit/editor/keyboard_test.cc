@@ -18,8 +18,9 @@ constexpr int kLong = 20000;  // milliseconds that no wait here takes
 class Waiting : public testing::Test {
   protected:
     Waiting() {
-        EXPECT_TRUE(keys.open() && process.open() && full.open());
-        EXPECT_TRUE(set_nonblocking(full.write));
+        Failure why;
+        EXPECT_TRUE(keys.open(why) && process.open(why) && full.open(why));
+        EXPECT_TRUE(set_nonblocking(full.write, why));
         keyboard.open(keys.read.get(), nullptr, Charset::utf8);
         const std::string block(4096, 'x');
         while (write(full.write.get(), block.data(), block.size()) > 0) {

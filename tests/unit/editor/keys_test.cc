@@ -67,7 +67,8 @@ TEST(AttachedProcess, gets_the_keys_while_it_is_attached) {
 TEST(AttachedProcess, gets_characters_and_nothing_else) {
     Session s({""});
     auto process = std::make_shared<TPUProcess>();
-    ASSERT_TRUE(process->start(s.system, "cat", s.buffer, Charset::utf8));
+    Failure why;
+    ASSERT_TRUE(process->start(s.system, "cat", s.buffer, why, Charset::utf8));
     s.editor.processes.running.push_back(process);
     s.editor.processes.attached = process;
     s.editor.pre_key_procedure = s.editor.post_key_procedure = "COPY_TEXT(\"!\")";
@@ -89,7 +90,8 @@ TEST(AttachedProcess, gets_characters_and_nothing_else) {
 TEST(AttachedProcess, says_when_it_takes_no_more) {
     Session s({""});
     auto process = std::make_shared<TPUProcess>();
-    ASSERT_TRUE(process->start(s.system, "sleep 1000", s.buffer));
+    Failure why;
+    ASSERT_TRUE(process->start(s.system, "sleep 1000", s.buffer, why));
     s.editor.processes.attached = process;
     s.editor.insert_paste(std::string((16 << 20) + 1, 'x'));
     EXPECT_TRUE(s.editor.message.starts_with("SEND: too much waits")) << s.editor.message;

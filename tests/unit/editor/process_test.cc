@@ -17,6 +17,8 @@
 namespace tpu {
 namespace {
 
+Failure why;
+
 ThisSystem this_system;
 
 // Tries again until it holds or far more time than any child needs is over.
@@ -38,7 +40,7 @@ int lowest_free() {
 class Process : public testing::Test {
   protected:
     bool start(const char* command, Charset charset = Charset::bytes) {
-        return process.start(this_system, command, &buffer, charset);
+        return process.start(this_system, command, &buffer, why, charset);
     }
     bool ends() {
         return eventually([&] { return !process.poll_output(); });
@@ -73,7 +75,7 @@ TEST_F(Process, writes_into_an_unmodifiable_buffer_and_drops_without_one) {
     EXPECT_FALSE(buffer.modifiable);
 
     TPUProcess other;
-    ASSERT_TRUE(other.start(this_system, "echo out", nullptr));
+    ASSERT_TRUE(other.start(this_system, "echo out", nullptr, why));
     EXPECT_TRUE(eventually([&] { return !other.poll_output(); }));
 }
 
@@ -118,7 +120,7 @@ TEST_F(Process, bytes_that_are_no_characters_do_not_wait) {
     ASSERT_TRUE(ends());
     EXPECT_EQ(contents(), "a\xff\xe2");
     TPUProcess other;  // without UTF-8 each byte is a character
-    ASSERT_TRUE(other.start(this_system, "printf '\\342'; read x", &buffer));
+    ASSERT_TRUE(other.start(this_system, "printf '\\342'; read x", &buffer, why));
     EXPECT_TRUE(eventually([&] { return other.poll_output() && contents() == "a\xff\xe2\xe2"; }));
 }
 
@@ -156,7 +158,7 @@ TEST_F(Process, sending_to_a_child_that_has_gone_is_harmless) {
 TEST_F(Process, other_children_do_not_hold_its_input_open) {
     ASSERT_TRUE(start("cat"));
     TPUProcess other;
-    ASSERT_TRUE(other.start(this_system, "cat", nullptr));
+    ASSERT_TRUE(other.start(this_system, "cat", nullptr, why));
     process.send_eof();
     EXPECT_TRUE(ends());
     EXPECT_TRUE(other.poll_output());
@@ -165,10 +167,10 @@ TEST_F(Process, other_children_do_not_hold_its_input_open) {
 TEST_F(Process, children_have_the_descriptors_that_they_would_have_alone) {
     TPUProcess other;
     Buffer alone("ALONE", "");
-    ASSERT_TRUE(other.start(this_system, "ls /dev/fd", &alone));
+    ASSERT_TRUE(other.start(this_system, "ls /dev/fd", &alone, why));
     EXPECT_TRUE(eventually([&] { return !other.poll_output(); }));
     TPUProcess running;
-    ASSERT_TRUE(running.start(this_system, "cat", nullptr));
+    ASSERT_TRUE(running.start(this_system, "cat", nullptr, why));
     ASSERT_TRUE(start("ls /dev/fd"));
     ASSERT_TRUE(ends());
     EXPECT_EQ(contents(), alone.text().text());
@@ -197,7 +199,7 @@ TEST_F(Process, leave_nothing_behind_however_many_there_were) {
         TPUProcess several[10];
         pid_t pids[10];
         for (int i = 0; i < 10; ++i) {
-            ASSERT_TRUE(several[i].start(this_system, "echo x", &buffer));
+            ASSERT_TRUE(several[i].start(this_system, "echo x", &buffer, why));
             pids[i] = several[i].pid();
         }
         for (TPUProcess& one : several) EXPECT_TRUE(eventually([&] { return !one.poll_output(); }));
@@ -217,7 +219,8 @@ TEST_F(Process, does_not_start_without_descriptors) {
         lower.rlim_cur = static_cast<rlim_t>(lowest) + free;
         ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &lower), 0);
         TPUProcess one;
-        EXPECT_FALSE(one.start(this_system, "echo x", &buffer)) << free;
+        EXPECT_FALSE(one.start(this_system, "echo x", &buffer, why)) << free;
+        EXPECT_EQ(why.text(), "Too many open files");
         EXPECT_EQ(one.pid(), -1);
         setrlimit(RLIMIT_NOFILE, &limit);
         EXPECT_EQ(lowest_free(), lowest);
@@ -244,7 +247,7 @@ TEST_F(Process, child_is_ended_with_its_object) {
     pid_t pid = -1;
     {
         TPUProcess doomed;
-        ASSERT_TRUE(doomed.start(this_system, "exec sleep 1000", nullptr));
+        ASSERT_TRUE(doomed.start(this_system, "exec sleep 1000", nullptr, why));
         pid = doomed.pid();
     }
     // Reaped here if it had not ended yet when it was looked for.
@@ -257,10 +260,10 @@ TEST_F(Process, children_that_will_not_end_are_killed_with_all_that_they_started
     Descriptor alive_read(ends[0]), alive_write(ends[1]);
     auto stubborn = std::make_shared<TPUProcess>();
     ASSERT_TRUE(
-        stubborn->start(this_system, "trap '' TERM; sleep 1000 & echo ready; wait", &buffer));
+        stubborn->start(this_system, "trap '' TERM; sleep 1000 & echo ready; wait", &buffer, why));
     auto obedient = std::make_shared<TPUProcess>();
     ASSERT_TRUE(obedient->start(
-        this_system, "sh -c 'trap \"\" TERM; echo ready; sleep 1000; echo' & wait", &buffer));
+        this_system, "sh -c 'trap \"\" TERM; echo ready; sleep 1000; echo' & wait", &buffer, why));
     alive_write.close();
     ASSERT_TRUE(eventually([&] {
         return stubborn->poll_output() && obedient->poll_output() && contents() == "ready\nready\n";
@@ -268,7 +271,7 @@ TEST_F(Process, children_that_will_not_end_are_killed_with_all_that_they_started
     TPUProcess::end_all({stubborn, obedient});
     EXPECT_EQ(stubborn->pid(), -1);
     EXPECT_EQ(obedient->pid(), -1);
-    ASSERT_TRUE(set_nonblocking(alive_read));
+    ASSERT_TRUE(set_nonblocking(alive_read, why));
     char byte;
     EXPECT_TRUE(eventually([&] { return ::read(alive_read.get(), &byte, 1) == 0; }));
 }

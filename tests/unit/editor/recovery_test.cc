@@ -457,7 +457,8 @@ TEST_F(RecoveryTest, is_told_of_whichever_way_the_file_is_opened) {
 
 TEST_F(RecoveryTest, is_refused_where_it_makes_no_sense) {
     Worker worker(state, file);
-    EXPECT_EQ(worker.editor.recovery->recover(*worker.buffer),
+    std::string reason;
+    EXPECT_EQ(worker.editor.recovery->recover(*worker.buffer, reason),
               "RECOVER_BUFFER: there is no unsaved work on this buffer's file");
     worker.press("a");
     worker.idle();

@@ -27,6 +27,8 @@
 namespace tpu {
 namespace {
 
+Failure why;
+
 // An object that a child process shares, and that outlives it.
 template <class T>
 class Shared {
@@ -90,7 +92,7 @@ const std::vector<std::string> kStart{"one", "two 3", "", "four"};
 void edit_for_ever(const std::string& journal, bool binary, unsigned seed, std::atomic<int>& done) {
     Session s(kStart);
     std::string note;
-    if (!tpu_journal_open(*s.buffer, journal, binary, note)) return;
+    if (!tpu_journal_open(*s.buffer, journal, binary, note, why)) return;
     for (Edits edits(seed);; ++done) s.editor.parser.compile_text(edits.next());
 }
 
@@ -106,7 +108,7 @@ TEST(Crashes, lose_at_most_the_statement_that_was_running) {
         crash(*done, std::chrono::microseconds(random() % 20'000),
               [&] { edit_for_ever(folder.path("j"), binary, seed, *done); });
         Session recovered(kStart), expected(kStart);
-        ASSERT_TRUE(replay_journal(recovered.editor, folder.path("j")));
+        ASSERT_TRUE(replay_journal(recovered.editor, folder.path("j"), why));
         const int replayed = std::atoi(recovered.editor.message.c_str());
         EXPECT_GE(replayed, *done);
         EXPECT_LE(replayed, *done + 1);
@@ -143,7 +145,7 @@ TEST(Crashes, at_any_call_leave_a_journal_without_a_hole) {
                     half_a_write = half;
                     sys::set_fault(kill_after_calls);
                     std::string note;
-                    if (!tpu_journal_open(*s.buffer, journal, binary, note)) _exit(1);
+                    if (!tpu_journal_open(*s.buffer, journal, binary, note, why)) _exit(1);
                     for (char c : text) {
                         s.editor.parser.execute_statement(std::string("COPY_TEXT(\"") + c + "\")");
                     }
@@ -153,7 +155,7 @@ TEST(Crashes, at_any_call_leave_a_journal_without_a_hole) {
                 waitpid(child, &status, 0);
                 finished = WIFEXITED(status) && WEXITSTATUS(status) == 0;
                 Session s;
-                replay_journal(s.editor, journal);
+                replay_journal(s.editor, journal, why);
                 const std::string replayed = s.buffer->text().text();
                 EXPECT_TRUE(text.starts_with(replayed)) << replayed;
                 EXPECT_TRUE(!finished || replayed == text);

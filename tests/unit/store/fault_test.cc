@@ -17,6 +17,8 @@
 namespace tpu {
 namespace {
 
+Failure why;
+
 int calls_until_fault = 0;
 int error_of_fault = 0;
 
@@ -107,7 +109,7 @@ TEST_F(Faults, while_a_journal_is_kept_stop_no_statement_and_leave_no_hole) {
             EXPECT_EQ(session->buffer->text().text(), "abc");
             if (!opened) return;
             Session again;
-            EXPECT_TRUE(replay_journal(again.editor, path));
+            EXPECT_TRUE(replay_journal(again.editor, path, why));
             const std::string text = again.buffer->text().text();
             EXPECT_TRUE(std::string("abc").starts_with(text)) << text;
             EXPECT_EQ(text == "abc", session->buffer->journal_fault.empty());
@@ -122,7 +124,7 @@ TEST_F(Faults, while_a_journal_is_replayed_end_the_replay) {
     std::unique_ptr<Session> again;
     int calls = for_each_fault(
         [&] { again = std::make_unique<Session>(); },
-        [&] { return replay_journal(again->editor, path); },
+        [&] { return replay_journal(again->editor, path, why); },
         [&](int, bool opened) {
             bool whole = again->editor.message.ends_with("the end of the journal was reached");
             EXPECT_EQ(again->buffer->text().text(), whole ? "a" : "");
@@ -166,10 +168,72 @@ TEST_F(Faults, while_unsaved_work_is_kept_are_told_and_lose_nothing) {
             session->press("d");
             idle();
             begin();
-            session->editor.recovery->recover(*session->buffer);
+            std::string reason;
+            session->editor.recovery->recover(*session->buffer, reason);
             EXPECT_EQ(session->buffer->text().text(), "abcd" + old_text) << session->editor.message;
         });
     EXPECT_GE(calls, 7);
+}
+
+sys::Call failing_call;
+
+// What is to be done (a command behind a star), what is said, and why. A slash stands for the
+// folder of the test.
+struct Said {
+    const char *work, *message, *why;
+    std::optional<sys::Call> call = {};  // fails
+};
+
+TEST_F(Faults, are_told_with_the_reason_in_the_next_line_and_in_ERROR_TEXT) {
+    const char* const no_space = "No space left on device";
+    const std::string long_name(300, 'n');
+    const Said cases[] = {
+        {"*WRITE FILE /file", "Write failed: /file", no_space, sys::Call::write},
+        {"WRITE_FILE(CURRENT_BUFFER, \"/new\")", "Write failed", no_space, sys::Call::sync},
+        {"SAVE(\"/new\")", "SAVE: cannot write /new", no_space, sys::Call::write},
+        {"JOURNAL_OPEN(\"/new\")", "JOURNAL_OPEN: cannot write /new", no_space, sys::Call::write},
+        {"READ_FILE(\"/file\")", "READ_FILE: cannot open /file", no_space, sys::Call::open},
+        {"*INCLUDE /file", "Cannot include /file", no_space, sys::Call::read},
+        {"RECOVER_BUFFER(\"/none\")", "RECOVER_BUFFER: cannot open /none",
+         "No such file or directory"},
+        {"*INCLUDE /folder", "Cannot include /folder", "Is a directory"},
+        {"*GET /folder", "Cannot read /folder: Is a directory", "Is a directory"},
+        {"*WRITE FILE /folder", "Write failed: /folder", "Is a directory"},
+        {"SAVE(\"/folder\")", "SAVE: cannot write /folder", "Is a directory"},
+        {"SAVE(\"/file\")", "SAVE: cannot write /file (it is no section file)",
+         "it is no section file"},
+        {"*WRITE FILE /long", "Write failed: /long", "File name too long"},
+        {"SAVE(\"/long\")", "SAVE: cannot write /long", "File name too long"},
+        {"RESTORE(\"/long\")", "RESTORE: cannot open /long", "File name too long"},
+        {"JOURNAL_OPEN(\"/long\")", "JOURNAL_OPEN: cannot write /long", "File name too long"},
+    };
+    std::filesystem::create_directory(folder.path("folder"));
+    folder.write("file", old_text);
+    for (const Said& c : cases) {
+        SCOPED_TRACE(c.work);
+        auto filled = [&](std::string text) {
+            const std::size_t at = text.find('/');
+            if (at == std::string::npos) return text;
+            text.replace(at, 1, folder.path(""));
+            const std::size_t name = text.find("long", at + folder.path("").size());
+            return name == std::string::npos ? text : text.replace(name, 4, long_name);
+        };
+        Session session({"text"});
+        if (c.call) failing_call = *c.call;
+        if (c.call) {
+            sys::set_fault([](sys::Call call) { return call == failing_call ? ENOSPC : 0; });
+        }
+        const std::string work = filled(c.work), message = filled(c.message);
+        work[0] == '*' ? session.editor.execute_command(work.substr(1))
+                       : session.editor.parser.compile_text(work);
+        sys::set_fault(nullptr);
+        EXPECT_EQ(session.editor.message, message);
+        EXPECT_EQ(session.editor.parser.error_text, c.why);
+        EXPECT_NE(session.editor.parser.error_code, "");
+        const std::string told = session.editor.find_buffer("$MESSAGE_BUFFER")->text().text();
+        const bool is_said = message.find(c.why) != std::string::npos;
+        EXPECT_TRUE(told.ends_with(is_said ? message : message + "\n" + c.why)) << told;
+    }
 }
 
 }  // namespace

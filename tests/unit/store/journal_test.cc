@@ -197,7 +197,7 @@ TEST_F(Journals, are_replayed_up_to_what_is_wrong_with_them) {
     Journaled s;
     for (const std::string& bad :
          {folder.path("none"), folder.path(""), std::string("/dev/null")}) {
-        EXPECT_EQ(s.recover(bad)[1], "RECOVER_BUFFER: cannot open " + bad);
+        EXPECT_EQ(s.recover(bad)[0], "RECOVER_BUFFER: cannot open " + bad);
     }
     folder.write("j", std::string("TPJB\2\0\0\0", 8) + good);
     EXPECT_EQ(s.recover(path)[1],

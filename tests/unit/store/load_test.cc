@@ -20,6 +20,8 @@
 namespace tpu {
 namespace {
 
+Failure why;
+
 using Lines = std::vector<std::string>;
 
 // A text in which `mark` begins one byte before every border that reading in parts may have.
@@ -113,10 +115,10 @@ TEST(Load, finds_pairs_wherever_the_parts_of_a_large_file_meet) {
 }
 
 TEST(Load, of_what_never_ends_fails) {
-    std::optional<InputFile> zeros = InputFile::open("/dev/zero");
+    std::optional<InputFile> zeros = InputFile::open("/dev/zero", why);
     ASSERT_TRUE(zeros);
-    EXPECT_FALSE(read_lines(*zeros, std::uint64_t{1} << 20));
-    EXPECT_EQ(errno, EFBIG);
+    EXPECT_FALSE(read_lines(*zeros, why, std::uint64_t{1} << 20));
+    EXPECT_EQ(why.text(), "File too large");
 }
 
 void settle() {
@@ -217,18 +219,18 @@ TEST(Load, gives_up_on_a_pipe_that_nobody_writes_to_but_not_on_a_slow_writer) {
     const std::string pipe = folder.path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     constexpr std::chrono::milliseconds kPatience(60);
-    EXPECT_FALSE(read_whole(pipe, {{}, kPatience}));
-    EXPECT_EQ(errno, EPIPE);
+    EXPECT_FALSE(read_whole(pipe, why, {{}, kPatience}));
+    EXPECT_EQ(why.text(), "Nobody writes to the pipe");
     Descriptor writer = open_file(pipe, O_RDWR);
     int looks = 0;
     auto write_late = [&] {
         if (++looks == 4) {
-            EXPECT_TRUE(write_all(writer.get(), "text\n"));
+            EXPECT_TRUE(write_all(writer.get(), "text\n", why));
             writer.close();
         }
         return false;
     };
-    EXPECT_EQ(read_whole(pipe, {write_late, kPatience}), "text\n");
+    EXPECT_EQ(read_whole(pipe, why, {write_late, kPatience}), "text\n");
 }
 
 TEST(Load, begins_at_the_top_unmodified_and_keeps_the_undo_stack) {

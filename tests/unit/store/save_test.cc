@@ -230,7 +230,8 @@ TEST(Save, clears_what_a_killed_one_has_left_and_nothing_else) {
     const std::string path = folder.write("file", "old");
     folder.write(".tpu-user", "");
     folder.write(".file.tpu-12345678", "");
-    auto left = std::make_unique<TempFile>(path);
+    Failure why;
+    auto left = std::make_unique<TempFile>(path, why);
     Files files = folder.files();
     ASSERT_TRUE(write_text({"new"}, path));
     files.insert("file.bak");
