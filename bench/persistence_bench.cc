@@ -10,6 +10,7 @@
 #include "app/this_system.h"
 #include "commands/vocabulary.h"
 #include "editor/editor.h"
+#include "editor/journal_replay.h"
 #include "editor/section.h"
 #include "store/journal.h"
 #include "swallowing_terminal.h"
@@ -126,7 +127,7 @@ void replay_100000_statements(benchmark::State& state) {
     recorded.editor.parser.compile_text(statements());
     for (auto _ : state) {
         Session session;
-        tpu_journal_recover(session.editor.parser, file.path());
+        if (!replay_journal(session.editor, file.path(), why)) state.SkipWithError("cannot replay");
     }
     state.SetItemsProcessed(kStatements * state.iterations());
 }
