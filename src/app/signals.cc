@@ -20,7 +20,7 @@ namespace {
 }
 
 void handle_fault(int fault, siginfo_t* info, void*) {
-    if (fault == SIGBUS && TextBlock::mend_fault(info->si_addr)) return;
+    if (fault == SIGBUS && TextBlock::repair_fault(info->si_addr)) return;
     give_terminal_back();
     signal(fault, SIG_DFL);
     raise(fault);

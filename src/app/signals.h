@@ -14,7 +14,7 @@ void terminal_timer_handler(int signal);
 
 // From now on, signals that mean a fault leave full-screen work and restore the terminal
 // before they do what they do by default. Losing the file behind a text is none, see
-// TextBlock::mend_fault.
+// TextBlock::repair_fault.
 void handle_faults();
 
 }  // namespace tpu

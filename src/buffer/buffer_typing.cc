@@ -33,9 +33,9 @@ std::string indent_of(const Buffer& buffer) {
 // Types a long string into a copy of the cursor line: the text before the cursor
 // in `head`, how much of the text after it was overwritten in `overwritten`. Every
 // step does what copy_text(char), split_line and insert_tab do to the buffer.
-class Typist {
+class TypedText {
   public:
-    Typist(const Buffer& buffer, Charset charset, Work& work)
+    TypedText(const Buffer& buffer, Charset charset, Work& work)
         : buffer_(buffer),
           charset_(charset),
           work_(work),
@@ -188,13 +188,13 @@ Range Buffer::copy_text(std::string_view text, Charset charset, Work* work) {
         if (watched.end != Work::End::done) return Range(start, start);
         edit(line_start + cursor_column, line_start + cursor_column, typed);
     } else {
-        Typist typist(*this, charset, watched);
-        if (!typist.type(text)) return Range(start, start);
-        rows = typist.rows();
-        column = typist.column();
-        std::uint64_t end = line_start + cursor_column + typist.overwritten();
-        const LineStore typed = typist.take();
-        const std::uint64_t kept = typist.kept();
+        TypedText typed_text(*this, charset, watched);
+        if (!typed_text.type(text)) return Range(start, start);
+        rows = typed_text.rows();
+        column = typed_text.column();
+        std::uint64_t end = line_start + cursor_column + typed_text.overwritten();
+        const LineStore typed = typed_text.take();
+        const std::uint64_t kept = typed_text.kept();
         edit(line_start + kept, end, kept == 0 ? typed : typed.part(kept, typed.bytes()));
     }
     cursor_row += rows;

@@ -54,8 +54,8 @@ Event wait_for_event(TPUEditor& editor, InputMode& mode) {
 
 // Takes large files that were just loaded into memory of our own, step by step while
 // nothing waits. With keys waiting there is one step for each.
-void settle_files(TPUEditor& editor, InputMode& mode) {
-    while (!TextBlock::settle_some()) {
+void detach_files(TPUEditor& editor, InputMode& mode) {
+    while (!TextBlock::detach_some()) {
         if (editor.ports.terminal.key_waiting()) return;
     }
     for (const auto& buffer : editor.buffers) {
@@ -99,7 +99,7 @@ Event next_event(TPUEditor& editor, InputMode& mode) {
     attempt(mode, [&] {
         if (!editor.ports.terminal.key_waiting()) mode.show();
     });
-    attempt(mode, [&] { settle_files(editor, mode); });
+    attempt(mode, [&] { detach_files(editor, mode); });
     Event event;
     attempt(mode, [&] { event = wait_for_event(editor, mode); });
     serve_others(editor, mode);

@@ -24,12 +24,12 @@ namespace {
 
 // Keeps variables as they are at its begin, to give them back at its end.
 template <class... T>
-class Kept {
+class Restored {
   public:
-    explicit Kept(T&... variables) : variables_(variables...), before_(variables...) {}
-    ~Kept() { variables_ = std::move(before_); }
-    Kept(const Kept&) = delete;
-    Kept& operator=(const Kept&) = delete;
+    explicit Restored(T&... variables) : variables_(variables...), before_(variables...) {}
+    ~Restored() { variables_ = std::move(before_); }
+    Restored(const Restored&) = delete;
+    Restored& operator=(const Restored&) = delete;
 
   private:
     std::tuple<T&...> variables_;
@@ -50,8 +50,8 @@ class StepsAside {
 
   private:
     const Buffer* buffer_;
-    Kept<std::vector<Buffer::Snapshot>, std::vector<Buffer::Snapshot>, std::uint64_t,
-         Buffer::Snapshot>
+    Restored<std::vector<Buffer::Snapshot>, std::vector<Buffer::Snapshot>, std::uint64_t,
+             Buffer::Snapshot>
         kept_;
 };
 
@@ -81,8 +81,8 @@ class Replay {
     }
 
     void run_all() {
-        Kept session(editor_.running, editor_.exit_status);
-        Kept code(run_.statement_depth, run_.current_line, run_.learning);
+        Restored session(editor_.running, editor_.exit_status);
+        Restored code(run_.statement_depth, run_.current_line, run_.learning);
         run_.learning.pause();
         run_.statement_depth = run_.current_line = 0;
         for (std::string statement; !run_.interrupted && reader_.next(statement); ++count_) {
@@ -151,8 +151,8 @@ JournalReader::End replay(TPUEditor& editor, Descriptor file) {
     Replay replay(editor, reader);
     Buffer* buffer = editor.current_buffer;
     if (buffer) {
-        Kept journal(buffer->journaling, buffer->binary_journal, buffer->journal_file,
-                     buffer->journal_follower);
+        Restored journal(buffer->journaling, buffer->binary_journal, buffer->journal_file,
+                         buffer->journal_follower);
         replay.run_all();
     } else {
         replay.run_all();
@@ -251,7 +251,7 @@ bool replay_journal(TPUEditor& editor, const std::string& path, Failure& why) {
     auto& running = editor.replayed_journals;
     const bool runs = std::find(running.begin(), running.end(), id) != running.end();
     if (runs || running.size() == kDeepest) return true;
-    Kept journals(running);
+    Restored journals(running);
     running.push_back(id);
     bool known = replay(editor, std::move(file)) != JournalReader::End::unknown_version;
     return known || why.note(ENOTSUP, kUnknownJournalVersion);

@@ -43,8 +43,8 @@ bool wants_keeping(const Buffer& buffer) {
 }  // namespace
 
 // What is kept of a buffer.
-struct Recovery::Kept {
-    explicit Kept(const Buffer& buffer)
+struct Recovery::Entry {
+    explicit Entry(const Buffer& buffer)
         : saved(buffer.saved_lines),
           file_name(buffer.file_name),
           file_time(buffer.file_time),
@@ -103,7 +103,7 @@ milliseconds Recovery::serve() {
 
 // A little at a time, so that no key has to wait for it.
 milliseconds Recovery::copy_bases() {
-    for (auto& [buffer, kept] : kept_) {
+    for (auto& [buffer, kept] : entries_) {
         if (!kept->copying_base) continue;
         kept->copying_base = kept->file->copy_base();
         return milliseconds(0);
@@ -113,8 +113,8 @@ milliseconds Recovery::copy_bases() {
 
 bool Recovery::keeps_all(const Buffer& buffer) const {
     if (!wants_keeping(buffer)) return true;
-    auto kept = kept_.find(&buffer);
-    return kept != kept_.end() && kept->second->written.is_same_version(buffer.text());
+    auto kept = entries_.find(&buffer);
+    return kept != entries_.end() && kept->second->written.is_same_version(buffer.text());
 }
 
 // Where memory is too short for one buffer, others may have less to be kept.
@@ -129,14 +129,14 @@ void Recovery::write() {
     }
 }
 
-Recovery::Kept& Recovery::kept(const Buffer& buffer) {
-    auto found = kept_.find(&buffer);
-    if (found != kept_.end()) return *found->second;
-    return *kept_.emplace(&buffer, std::make_unique<Kept>(buffer)).first->second;
+Recovery::Entry& Recovery::entry(const Buffer& buffer) {
+    auto found = entries_.find(&buffer);
+    if (found != entries_.end()) return *found->second;
+    return *entries_.emplace(&buffer, std::make_unique<Entry>(buffer)).first->second;
 }
 
 void Recovery::write(Buffer& buffer) {
-    Kept& work = kept(buffer);
+    Entry& work = entry(buffer);
     const std::vector<std::string> statements = work.changes(buffer);
     std::string reason;
     if (!statements.empty() && !work.file) {
@@ -159,7 +159,7 @@ void Recovery::fail(const std::string& reason) {
 
 // Of buffers that are gone, saved, or written to another file.
 void Recovery::drop_saved() {
-    std::erase_if(kept_, [&](auto& entry) {
+    std::erase_if(entries_, [&](auto& entry) {
         auto& [buffer, kept] = entry;
         if (editor_.owns(buffer) && wants_keeping(*buffer) && kept->is_of(*buffer)) return false;
         if (kept->file) kept->file->remove();
@@ -168,10 +168,10 @@ void Recovery::drop_saved() {
 }
 
 void Recovery::discard() {
-    for (auto& [buffer, kept] : kept_) {
+    for (auto& [buffer, kept] : entries_) {
         if (kept->file) kept->file->remove();
     }
-    kept_.clear();
+    entries_.clear();
 }
 
 std::string Recovery::greeting(const Buffer& buffer) const {

@@ -48,11 +48,11 @@ class Recovery {
     const std::string& trouble() const { return trouble_; }
 
   private:
-    struct Kept;
+    struct Entry;
 
     bool keeps_all(const Buffer& buffer) const;
     std::chrono::milliseconds copy_bases();
-    Kept& kept(const Buffer& buffer);
+    Entry& entry(const Buffer& buffer);
     void write(Buffer& buffer);
     void drop_saved();
     void fail(const std::string& reason);
@@ -62,7 +62,7 @@ class Recovery {
 
     TPUEditor& editor_;
     std::string folder_;
-    std::map<const Buffer*, std::unique_ptr<Kept>> kept_;
+    std::map<const Buffer*, std::unique_ptr<Entry>> entries_;
     std::optional<Clock::time_point> due_;  // none: nothing has changed
     std::string trouble_;                   // why the last writing failed
 };

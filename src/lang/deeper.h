@@ -9,17 +9,17 @@ namespace tpu {
 // Runs `work` on a fresh stack. False: there is no memory for one, and it did not run.
 template <class Work>
 bool on_fresh_stack(MiniTPUParser& run, Work& work) {
-    struct Errand {
+    struct Task {
         MiniTPUParser& run;
         Work& work;
-    } errand{run, work};
+    } task{run, work};
     auto go = [](void* pointer, const char* limit) {
-        auto& self = *static_cast<Errand*>(pointer);
+        auto& self = *static_cast<Task*>(pointer);
         const char* outer = std::exchange(self.run.stack_limit, limit);
         self.work();
         self.run.stack_limit = outer;
     };
-    return fresh_stack::run(go, &errand);
+    return fresh_stack::run(go, &task);
 }
 
 // Runs `work`, which may nest kDeepestExpression levels deep, on a stack that has room

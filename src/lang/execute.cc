@@ -232,7 +232,7 @@ void MiniTPUParser::interrupt() {
 }
 
 // The outermost statement has ended.
-void MiniTPUParser::settle() {
+void MiniTPUParser::reset() {
     control_signal = Signal::none;
     was_interrupted = std::exchange(interrupted, false);
     stack_limit = nullptr;
@@ -250,7 +250,7 @@ void MiniTPUParser::recover() {
     learning.leave_all();
     returned = nullptr;
     stopped = false;
-    settle();
+    reset();
 }
 
 void MiniTPUParser::abort() {

@@ -14,7 +14,7 @@ class Nesting {
         if (run_.block_depth++ == 0) run_.stack_limit = fresh_stack::first_limit();
     }
     ~Nesting() {
-        if (--run_.block_depth == 0) run_.settle();
+        if (--run_.block_depth == 0) run_.reset();
     }
     Nesting(const Nesting&) = delete;
     Nesting& operator=(const Nesting&) = delete;

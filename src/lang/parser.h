@@ -158,7 +158,7 @@ class MiniTPUParser {
     void add_fault(int line, const std::string& text, const std::string& message);
 
     // Leaves the interpreter ready for the next statement when the outermost one ends.
-    void settle();
+    void reset();
     // The same when an exception has ended it.
     void recover();
 

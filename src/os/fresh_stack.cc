@@ -18,22 +18,22 @@ constexpr std::size_t kReserve = std::size_t{2} << 20;
 
 std::size_t first_share = std::size_t{192} << 10;
 
-struct Errand {
+struct Task {
     void (*work)(void*, const char*);
     void* argument;
     sigset_t signals;  // that are held back
     std::exception_ptr failure;
 };
 
-void* run_errand(void* pointer) {
-    auto* errand = static_cast<Errand*>(pointer);
+void* run_task(void* pointer) {
+    auto* task = static_cast<Task*>(pointer);
     SignalStack for_handlers;
-    pthread_sigmask(SIG_SETMASK, &errand->signals, nullptr);
+    pthread_sigmask(SIG_SETMASK, &task->signals, nullptr);
     // What is thrown has to be caught where it is waited for.
     try {
-        errand->work(errand->argument, here() - (kStackSize - kReserve));
+        task->work(task->argument, here() - (kStackSize - kReserve));
     } catch (...) {
-        errand->failure = std::current_exception();
+        task->failure = std::current_exception();
     }
     return nullptr;
 }
@@ -54,16 +54,16 @@ bool run(void (*work)(void*, const char*), void* argument) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setstacksize(&attributes, kStackSize);
-    Errand errand{work, argument, {}, nullptr};
+    Task task{work, argument, {}, nullptr};
     sigset_t all;
     sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &errand.signals);
+    pthread_sigmask(SIG_SETMASK, &all, &task.signals);
     pthread_t thread;
-    bool started = pthread_create(&thread, &attributes, run_errand, &errand) == 0;
+    bool started = pthread_create(&thread, &attributes, run_task, &task) == 0;
     pthread_attr_destroy(&attributes);
     if (started) pthread_join(thread, nullptr);
-    pthread_sigmask(SIG_SETMASK, &errand.signals, nullptr);
-    if (errand.failure) std::rethrow_exception(errand.failure);
+    pthread_sigmask(SIG_SETMASK, &task.signals, nullptr);
+    if (task.failure) std::rethrow_exception(task.failure);
     return started;
 }
 

@@ -17,7 +17,7 @@ enum class Loading { at_once, in_steps };
 // load.cc
 // False: unreadable, text unchanged; what is there is not written over then. Waiting for
 // what a pipe has to say can be interrupted. A large file loaded in steps is there at once
-// but shows the file itself until TextBlock::settle_some has copied all of it;
+// but shows the file itself until TextBlock::detach_some has copied all of it;
 // then finish_loading() has to follow.
 bool load_file(Buffer& buffer, const std::string& path, Loading how, const Interrupted& interrupted,
                Failure& why);

@@ -21,7 +21,7 @@ std::optional<LineStore> read_lines(InputFile& file, Failure& why,
                                     std::uint64_t most = kMostOfStream);
 
 // The lines of a file of `size` bytes without copying them: the text is only mapped,
-// and TextBlock::settle_some must make it the editor's own soon. Nothing when the
+// and TextBlock::detach_some must make it the editor's own soon. Nothing when the
 // file cannot be mapped, or when carriage returns would have to go. The block is what
 // the lines are in.
 std::optional<LineStore> map_lines(int fd, std::uint64_t size, Ref<TextBlock>& block);

@@ -169,11 +169,11 @@ bool RecoveryFile::append(const std::vector<std::string>& statements, std::strin
     HeldSignal size_limit(SIGXFSZ);
     // Half a record would make those behind it unreadable.
     Failure why, untold;
-    auto mend = [&](Failure& why_not) {
+    auto repair = [&](Failure& why_not) {
         if (torn_) torn_ = sys::truncate(descriptor_.get(), size_) != 0;
         if (torn_) why_not.note_errno();
     };
-    mend(why);
+    repair(why);
     const bool was_torn = torn_;
     torn_ = true;  // what has been written when memory runs out is part of a record, too
     const std::optional<off_t> added =
@@ -181,7 +181,7 @@ bool RecoveryFile::append(const std::vector<std::string>& statements, std::strin
     if (!added) reason = why.text();
     torn_ = !added;
     size_ += added.value_or(0);
-    mend(untold);
+    repair(untold);
     // So that a power cut does not take it. Where that fails the system has it at least.
     [[maybe_unused]] bool is_on_disk = added && sync_file(descriptor_.get(), untold);
     return added.has_value();

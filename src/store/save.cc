@@ -47,7 +47,7 @@ bool write_file(Buffer& buffer, const std::string& path) {
     if (buffer.no_write) return false;
     std::string target = path.empty() ? buffer.file_name : path;
     // The file may be one that a text still shows.
-    while (!TextBlock::settle_some()) {
+    while (!TextBlock::detach_some()) {
     }
     if (buffer.loaded_block && buffer.loaded_block->is_damaged()) note_unread(buffer, {EIO});
     buffer.save_note = target.empty() ? "There is no file name" : write_refusal(buffer, target);

@@ -73,14 +73,14 @@ Entries take(const Ref<Node>& node, Entries Node::*entries) {
     return (*node).*entries;
 }
 
-// Joins neighbouring crumbs, so that many small edits do not leave many small pieces.
-Pieces join_crumbs(Pieces pieces, Ref<TextBlock>& tail) {
-    auto is_crumb = [](const Piece& piece) { return piece.size < kCrumb && !piece.raw; };
+// Joins neighbouring small pieces, so that many small edits do not leave many small pieces.
+Pieces join_small_pieces(Pieces pieces, Ref<TextBlock>& tail) {
+    auto is_small = [](const Piece& piece) { return piece.size < kSmallPiece && !piece.raw; };
     Pieces result;
     for (std::size_t i = 0; i < pieces.size();) {
         std::size_t end = i;
         std::string text;
-        while (end < pieces.size() && is_crumb(pieces[end]) &&
+        while (end < pieces.size() && is_small(pieces[end]) &&
                text.size() + pieces[end].size <= kCompacted) {
             text += pieces[end++].text();
         }
@@ -150,7 +150,7 @@ void merge(std::vector<Tree>& nodes, std::size_t i, Entries Node::*entries) {
     if (merged.size() == 1) nodes.erase(place + 1);
 }
 
-// Mends nodes [from, to) of one level that have become too small.
+// Repairs nodes [from, to) of one level that have become too small.
 void fill_up(std::vector<Tree>& nodes, std::size_t from, std::size_t to) {
     for (std::size_t i = from; i < std::min(to, nodes.size()) && nodes.size() > 1;) {
         if (nodes[i].node->entries() >= kMinEntries) {
@@ -173,7 +173,7 @@ void fill_up(std::vector<Tree>& nodes, std::size_t from, std::size_t to) {
 void edit(const Node& node, Change change, std::vector<Tree>& out) {
     if (node.level == 0) {
         Pieces pieces = edit_pieces(node.pieces, change);
-        if (pieces.size() > kMaxEntries) pieces = join_crumbs(std::move(pieces), change.tail);
+        if (pieces.size() > kMaxEntries) pieces = join_small_pieces(std::move(pieces), change.tail);
         spread(std::move(pieces), kMaxEntries, out);
         return;
     }

@@ -22,14 +22,14 @@ namespace tpu::tree {
 inline constexpr std::size_t kMaxEntries = 4;
 inline constexpr std::size_t kMinEntries = 2;
 inline constexpr std::size_t kMaxPiece = 32;
-inline constexpr std::size_t kCrumb = 4;
+inline constexpr std::size_t kSmallPiece = 4;
 inline constexpr std::size_t kCompacted = 16;
 inline constexpr std::size_t kTailBlock = 256;
 #else
 inline constexpr std::size_t kMaxEntries = 32;       // pieces or children of a node
 inline constexpr std::size_t kMinEntries = 12;       // the root may have fewer
 inline constexpr std::size_t kMaxPiece = 16 << 10;   // bytes; rows are found by scanning one piece
-inline constexpr std::size_t kCrumb = 512;           // smaller neighbours are worth joining ...
+inline constexpr std::size_t kSmallPiece = 512;      // smaller neighbours are worth joining ...
 inline constexpr std::size_t kCompacted = 4 << 10;   // ... into pieces of about this size
 inline constexpr std::size_t kTailBlock = 64 << 10;  // block that takes typed text
 #endif

@@ -22,7 +22,7 @@ namespace tpu {
 namespace {
 
 // Some milliseconds' work; a multiple of every system's page size.
-constexpr std::size_t kSettleStep = std::size_t{4} << 20;
+constexpr std::size_t kDetachStep = std::size_t{4} << 20;
 
 // Reads `bytes` bytes of a file from `offset` on; what the file has lost reads as zeros,
 // and false is returned then.
@@ -39,7 +39,7 @@ bool read_at(int fd, std::size_t offset, char* place, std::size_t bytes) {
 }
 
 // The blocks that still show a file.
-std::vector<TextBlock*>& unsettled() {
+std::vector<TextBlock*>& attached() {
     static auto* const blocks = new std::vector<TextBlock*>;  // for ever, like the sessions
     return *blocks;
 }
@@ -103,28 +103,28 @@ Ref<TextBlock> TextBlock::map_file(int fd, std::size_t size) {
         return {};
     }
     block->used_ = size;
-    unsettled().push_back(block.get());
-    block->settled_ = 0;
+    attached().push_back(block.get());
+    block->detached_ = 0;
     block->file_ = std::move(file);
     return block;
 }
 
 // Puts memory with the same bytes in place of the next part of the mapping. A page
 // of the mapping that was merely written to would not do: it goes with its file's end.
-void TextBlock::settle() {
+void TextBlock::detach() {
     static char small[64 << 10];  // for when memory is short
-    std::size_t bytes = std::min(kSettleStep, mapped_ - settled_);
+    std::size_t bytes = std::min(kDetachStep, mapped_ - detached_);
     std::unique_ptr<char[]> large(new (std::nothrow) char[bytes]);
     if (!large) bytes = std::min(sizeof small, bytes);
     char* copy = large ? large.get() : small;
-    if (!read_at(file_.get(), settled_, copy, bytes)) damaged_ = true;
-    char* place = data_ + settled_;
+    if (!read_at(file_.get(), detached_, copy, bytes)) damaged_ = true;
+    char* place = data_ + detached_;
     if (put_zeros(place, bytes)) std::memcpy(place, copy, bytes);
-    settled_ += bytes;
+    detached_ += bytes;
 }
 
 // Behind one lost page all are lost.
-bool TextBlock::mend_fault(void* address) {
+bool TextBlock::repair_fault(void* address) {
     const int error = errno;
     const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     auto at = reinterpret_cast<std::uintptr_t>(address);
@@ -133,27 +133,27 @@ bool TextBlock::mend_fault(void* address) {
         auto from = reinterpret_cast<std::uintptr_t>(begin);
         if (!begin || at < from || at - from >= mapping.size) continue;
         std::size_t intact = (at - from) / page * page;
-        bool mended = put_zeros(begin + intact, mapping.size - intact);
+        bool repaired = put_zeros(begin + intact, mapping.size - intact);
         errno = error;
-        return mended;
+        return repaired;
     }
     return false;
 }
 
-bool TextBlock::settle_some() {
-    if (unsettled().empty()) return true;
-    TextBlock* block = unsettled().back();
-    block->settle();
-    if (block->is_settled()) {
+bool TextBlock::detach_some() {
+    if (attached().empty()) return true;
+    TextBlock* block = attached().back();
+    block->detach();
+    if (block->is_detached()) {
         block->file_.close();
         remove_mapping(block->data_);
-        unsettled().pop_back();
+        attached().pop_back();
     }
-    return unsettled().empty();
+    return attached().empty();
 }
 
 TextBlock::~TextBlock() {
-    if (!is_settled()) std::erase(unsettled(), this);
+    if (!is_detached()) std::erase(attached(), this);
     if (mapped_) {
         remove_mapping(data_);
         munmap(data_, mapped_);

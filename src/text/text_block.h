@@ -50,21 +50,21 @@ class TextBlock {
     static Ref<TextBlock> require(std::size_t capacity);
 
     // A block that shows the first `size` bytes of an open file, with nothing copied
-    // yet; null when the file cannot be mapped. Until the block is settled, who
+    // yet; null when the file cannot be mapped. Until the block is detached, who
     // changes the file may change the text, so that has to follow soon.
     static Ref<TextBlock> map_file(int fd, std::size_t size);
 
-    // Copies a few megabytes more of the blocks that are not settled into memory of
-    // their own. True when all are settled. Bytes that the file has lost meanwhile
+    // Copies a few megabytes more of the blocks that still show files into memory of
+    // their own. True when all are detached. Bytes that the file has lost meanwhile
     // read as zeros.
-    static bool settle_some();
+    static bool detach_some();
     // True when there were such bytes in this block.
     bool is_damaged() const { return damaged_; }
 
-    // Whoever looks at what a file has lost before it is settled gets a bus error. This
-    // mends it: zeros appear there. False: the address is in no such block. For the
+    // Whoever looks at what a file has lost before it is detached gets a bus error. This
+    // repairs it: zeros appear there. False: the address is in no such block. For the
     // handler of that signal, without which files must not shrink.
-    static bool mend_fault(void* address);
+    static bool repair_fault(void* address);
 
     const char* data() const { return data_; }
     std::size_t used() const { return used_; }
@@ -96,16 +96,16 @@ class TextBlock {
     TextBlock(char* data, std::size_t capacity, std::size_t mapped)
         : data_(data), capacity_(capacity), mapped_(mapped) {}
     ~TextBlock();
-    void settle();
-    bool is_settled() const { return settled_ >= mapped_; }
+    void detach();
+    bool is_detached() const { return detached_ >= mapped_; }
 
     std::size_t count_ = 0;
     char* data_;
     std::size_t capacity_;
     std::size_t mapped_;  // bytes of a mapped file; 0 for a block on the heap
     std::size_t used_ = 0;
-    std::size_t settled_ = SIZE_MAX;  // bytes of a mapped file that are our own by now
-    Descriptor file_;                 // for the rest
+    std::size_t detached_ = SIZE_MAX;  // bytes of a mapped file that are our own by now
+    Descriptor file_;                  // for the rest
     bool damaged_ = false;
 };
 

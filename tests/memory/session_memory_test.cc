@@ -29,9 +29,9 @@ constexpr const char* kKeys =
     "<CTRL_Z>replace t TTTTTTTT all<RETURN><GOLD>U<GOLD>R<DELETE><CTRL_Z>SHIFT(3)<RETURN>end";
 
 // Gives the keys of a script but for the lost ones, and sees which have failed.
-class Typist : public FakeTerminal {
+class ScriptedTerminal : public FakeTerminal {
   public:
-    Typist(const Lost& without, bool& begun) : begun_(begun) {
+    ScriptedTerminal(const Lost& without, bool& begun) : begun_(begun) {
         Keys all = key_codes(kKeys);
         for (std::size_t i = 0; i < all.size(); ++i) {
             if (!without.contains(i)) script_.emplace_back(i, all[i]);
@@ -110,7 +110,7 @@ struct Work {
                           journal = folder.path("journal");
         Outcome outcome;
         {
-            Typist typist(without, begun);
+            ScriptedTerminal terminal(without, begun);
             FakeClock clock;
             ThisSystem system;
             clock.step = std::chrono::milliseconds(150);
@@ -118,8 +118,8 @@ struct Work {
                 ~Enough() { failing::none(); }
             } afterwards;
             fail();
-            TPUEditor editor({typist, clock, system}, vocabulary());
-            typist.editor = &editor;
+            TPUEditor editor({terminal, clock, system}, vocabulary());
+            terminal.editor = &editor;
             editor.charset = Charset::utf8;
             Buffer* main = editor.create_buffer("MAIN", "");
             if (!edit_file(*main, file).empty()) throw std::bad_alloc();
@@ -137,7 +137,7 @@ struct Work {
             outcome.cursor = {main->cursor_row, main->cursor_column};
             while (main->undo()) main->text().check_invariants();
             undone = main->text().text();
-            lost = typist.lost;
+            lost = terminal.lost;
         }
         outcome.saved = folder.read("file.txt");
         outcome.recovered = brought_back(state, file, "RECOVER_BUFFER");

@@ -121,12 +121,12 @@ TEST(Load, of_what_never_ends_fails) {
     EXPECT_EQ(why.text(), "File too large");
 }
 
-void settle() {
-    while (!TextBlock::settle_some()) {
+void detach_all() {
+    while (!TextBlock::detach_some()) {
     }
 }
 
-TEST(Load, in_steps_gives_the_same_lines_and_owns_them_once_settled) {
+TEST(Load, in_steps_gives_the_same_lines_and_owns_them_once_detached) {
     TempFolder folder;
     for (const char* mark : {"\r\n", "\rx", "\n"}) {
         std::string text = text_with_borders(mark) + (*mark == '\n' ? "x\n" : "x");
@@ -135,7 +135,7 @@ TEST(Load, in_steps_gives_the_same_lines_and_owns_them_once_settled) {
         ASSERT_TRUE(load_file(buffer, path, Loading::in_steps));
         EXPECT_EQ(buffer.loading_size > 0, *mark == '\n' || mark[1] == 'x');
         expect_lines(buffer.text(), split(text));
-        settle();
+        detach_all();
         std::filesystem::resize_file(path, 3);
         finish_loading(buffer);
         EXPECT_EQ(buffer.loading_size, 0u);
@@ -160,7 +160,7 @@ TEST(Load, in_steps_stays_sound_when_the_file_is_changed_meanwhile) {
         file.seekp(1'500'000);
         file << "\n\n\nnew\n";
     }
-    settle();
+    detach_all();
     finish_loading(buffer);
     buffer.text().check_invariants();
     EXPECT_NE(buffer.text().find("new", 0), std::nullopt);
@@ -180,7 +180,7 @@ TEST(Load, in_steps_has_zeros_for_what_the_file_has_lost_meanwhile) {
     handle_faults();
     std::filesystem::resize_file(path, 100'000);
     EXPECT_EQ(buffer.text().find("none of that", 0), std::nullopt);
-    settle();
+    detach_all();
     EXPECT_TRUE(finish_loading(buffer).starts_with(path + " shrank while it was read"));
     buffer.text().check_invariants();
     EXPECT_EQ(buffer.text().bytes(), text.size());

@@ -30,14 +30,14 @@ struct Logged {
     // How much has to be replaced in a picture to bring it up to date.
     std::uint64_t bring_up_to_date(std::size_t picture) {
         auto& [old, version] = pictures[picture];
-        LineStore mended = old;
+        LineStore patched = old;
         std::uint64_t replaced = 0;
         for (const Difference& d : differences(old, text, log.since(version))) {
-            mended.replace(d.new_begin, d.new_begin + d.old_end - d.old_begin,
-                           text.part(d.new_begin, d.new_end));
+            patched.replace(d.new_begin, d.new_begin + d.old_end - d.old_begin,
+                            text.part(d.new_begin, d.new_end));
             replaced += d.new_end - d.new_begin + d.old_end - d.old_begin;
         }
-        EXPECT_EQ(mended, text);
+        EXPECT_EQ(patched, text);
         return replaced;
     }
 

@@ -199,7 +199,7 @@ TEST(LineStore, shares_what_a_copy_does_not_change) {
     EXPECT_TRUE(copy == store);
 }
 
-TEST(LineStore, joins_the_crumbs_of_many_small_edits) {
+TEST(LineStore, joins_small_pieces_of_many_edits) {
     LineStore store = LineStore::from_text(std::string(200, '\n'));
     for (std::uint64_t row = 0; row < 200; ++row) store.insert(store.row_start(row), "> ");
     store.check_invariants();
