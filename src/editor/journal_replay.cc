@@ -85,8 +85,10 @@ class Replay {
         Restored code(run_.statement_depth, run_.current_line, run_.learning);
         run_.learning.pause();
         run_.statement_depth = run_.current_line = 0;
-        for (std::string statement; !run_.interrupted && reader_.next(statement); ++count_) {
+        for (std::string statement; !run_.interrupted && reader_.next(statement);) {
+            if (statement.starts_with('!')) continue;  // a comment
             run_one(statement);
+            ++count_;
         }
     }
 

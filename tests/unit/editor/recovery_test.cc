@@ -68,6 +68,8 @@ TEST_F(RecoveryTest, work_of_a_session_that_died_is_brought_back) {
     next.editor.execute_command("RECOVER_BUFFER");
     EXPECT_TRUE(next.editor.message.starts_with("RECOVER_BUFFER replayed the work of 2"));
     EXPECT_EQ(next.editor.message.find('/'), std::string::npos);
+    EXPECT_EQ(next.editor.parser.error_count, 0)
+        << "no record is a fault, nor is what names the base";
     EXPECT_FALSE(std::filesystem::exists(path));  // the new session keeps it by now
     EXPECT_EQ(next.text(), "hello \xc3\xa4one\ntwo!\nthree");
     next.press("<GOLD>U");
