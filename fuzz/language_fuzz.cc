@@ -54,10 +54,10 @@ class HastyClock : public Clock {
 void check(TPUEditor& editor) {
     editor.draw();
     for (const auto& buffer : editor.buffers) {
-        buffer->lines.check_invariants();
+        buffer->text().check_invariants();
         while (buffer->undo()) {
         }
-        buffer->lines.check_invariants();
+        buffer->text().check_invariants();
     }
     assert(editor.parser.block_depth == 0 && editor.parser.symbols.depth() == 0);
     assert(!editor.parser.interrupted && editor.parser.control_signal == Signal::none);
@@ -81,7 +81,8 @@ void run(const std::string& source) {
         editor.charset = Charset::utf8;
         editor.parser.longest_text = kLongestText;
         Buffer* buffer = editor.create_buffer("MAIN", "");
-        buffer->lines = LineStore::from_text("one two three\n\n\tGr\xc3\xbc\xc3\x9f\x65 \xff\nend");
+        buffer->set_text(
+            LineStore::from_text("one two three\n\n\tGr\xc3\xbc\xc3\x9f\x65 \xff\nend"));
         editor.init_screen();
         editor.parser.compile_text(source);
         check(editor);

@@ -33,14 +33,14 @@ class Case {
         std::vector<std::string> lines = LineStore::from_text(text).lines();
         // Lines may hold line feeds that end nothing.
         for (std::string& line : lines) std::replace(line.begin(), line.end(), '\r', '\n');
-        buffer_.lines = LineStore(lines);
+        buffer_.set_text(LineStore(lines));
     }
 
     void check() {
-        for (std::uint64_t row = 0; row < buffer_.lines.size(); ++row) check_line(row);
-        for (std::uint64_t row = 0; row < buffer_.lines.size(); ++row) {
+        for (std::uint64_t row = 0; row < buffer_.text().size(); ++row) check_line(row);
+        for (std::uint64_t row = 0; row < buffer_.text().size(); ++row) {
             buffer_.cursor_row = row;
-            buffer_.cursor_column = buffer_.lines.length(row) / 2;
+            buffer_.cursor_column = buffer_.text().length(row) / 2;
             const Match forward = search_pattern_forward(buffer_, pattern_, false, true);
             assert(same(forward, plain_forward()));
             const Match backward = search_pattern_backward(buffer_, pattern_, false);
@@ -51,19 +51,19 @@ class Case {
   private:
     // What the one finds within a line, the other finds there too.
     void check_line(std::uint64_t row) {
-        const std::string line = buffer_.lines[row];
+        const std::string line = buffer_.text()[row];
         for (std::size_t start = 0; start <= line.size(); ++start) {
             std::size_t end = 0;
             if (pattern_.match_at(line, start, end)) assert(start <= end && end <= line.size());
             const Match match = match_at({row, start});
-            const Position last{buffer_.lines.size(), 0};
+            const Position last{buffer_.text().size(), 0};
             if (match) assert(match->end.position() <= last);
         }
     }
 
     Match match_at(Position place) {
         std::uint64_t row = 0, column = 0;
-        if (!pattern_.match_at_buffer(buffer_.lines, place.row, place.column, row, column)) {
+        if (!pattern_.match_at_buffer(buffer_.text(), place.row, place.column, row, column)) {
             return {};
         }
         return Range({&buffer_, place.row, place.column}, {&buffer_, row, column});
@@ -71,7 +71,7 @@ class Case {
 
     Match plain_rows(Position from, std::uint64_t end) {
         for (; from.row < end; from = {from.row + 1, 0}) {
-            const std::uint64_t length = buffer_.lines.length(from.row);
+            const std::uint64_t length = buffer_.text().length(from.row);
             for (; from.column <= length; ++from.column) {
                 if (Match match = match_at(from)) return match;
                 if (pattern_.anchored) break;
@@ -81,13 +81,14 @@ class Case {
     }
 
     Match plain_forward() {
-        Match match = plain_rows({buffer_.cursor_row, buffer_.cursor_column}, buffer_.lines.size());
+        Match match =
+            plain_rows({buffer_.cursor_row, buffer_.cursor_column}, buffer_.text().size());
         return match ? match : plain_rows({0, 0}, buffer_.cursor_row);
     }
 
     Match plain_backward() {
         for (std::uint64_t row = buffer_.cursor_row + 1; row-- > 0;) {
-            const std::string line = buffer_.lines[row];
+            const std::string line = buffer_.text()[row];
             std::uint64_t before = row == buffer_.cursor_row ? buffer_.cursor_column : line.size();
             while (before-- > 0) {
                 std::size_t end = 0;
