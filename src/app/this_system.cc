@@ -25,7 +25,7 @@ class Signals {
     Signals() {
         sigset_t held;
         sigemptyset(&held);
-        for (int signal : {SIGCHLD, SIGTERM, SIGHUP}) sigaddset(&held, signal);
+        for (int signal : {SIGCHLD, SIGTERM, SIGHUP, SIGTTOU}) sigaddset(&held, signal);
         pthread_sigmask(SIG_BLOCK, &held, &mask_);
         struct sigaction action = {};
         sigemptyset(&action.sa_mask);
@@ -87,6 +87,7 @@ void hang_up_on(pid_t shell) {
 
 // As system(3); but a signal that asks for our end ends the wait.
 int ThisSystem::run(const std::string& command, Failure& why) {
+    const bool has_terminal = tcgetpgrp(STDIN_FILENO) == getpgrp();
     Signals signals;
     pid_t pid = start_on_terminal(command, signals.mask(), why);
     int status = -1;
@@ -97,7 +98,8 @@ int ThisSystem::run(const std::string& command, Failure& why) {
         }
         sigsuspend(&signals.mask());
     }
-    tcsetpgrp(STDIN_FILENO, getpgrp());  // a shell may have taken it, and not given it back
+    // A shell may have taken it, and not given it back.
+    if (has_terminal) tcsetpgrp(STDIN_FILENO, getpgrp());
     return status;
 }
 
