@@ -75,14 +75,10 @@ void set_text(TPUEditor& editor, Line line) {
     field_of<std::string>(row, editor) = line.rest(first);
 }
 
-void set_mode(TPUEditor& editor, const NamedAttribute& named) {
-    field_of<bool>(*named.row, editor) = named.switches_on();
-    editor.set_message(std::string(named.keyword->name) + " mode");
-}
-
 void set_named_mode(TPUEditor& editor, Line line) {
     auto [row, keyword, first] = setting_of(line);
-    set_mode(editor, {&row, &keyword});
+    field_of<bool>(row, editor) = NamedAttribute{&row, &keyword}.switches_on();
+    editor.set_message(std::string(keyword.name) + " mode");
 }
 
 // Word `i` names the key.
