@@ -68,8 +68,8 @@ TEST_F(TakingOver, signals_end_all_that_is_under_way_with_0_and_keep_what_was_ty
         {SIGTERM, "\032SLEEP(1000)\r", ""},
         {SIGTERM, "\032spin\r", "started"},
         {SIGTERM, "\032SET(TIMER, 1, \"spin\")\r", "started"},
-        {SIGTERM, "\032SPAWN(\"echo started; sleep 1000\")\r", "started"},
-        {SIGHUP, "\032SPAWN(\"PS1=started bash --norc -i 2>&1\")\r", "started"},
+        {SIGTERM, "\032SPAWN(\"echo st''arted; sleep 1000\")\r", "started"},
+        {SIGHUP, "\032SPAWN(\"PS1=st''arted bash --norc -i 2>&1\")\r", "started"},
     };
     tty.write(".tpurc",
               "PROCEDURE spin\nSPAWN(\"echo started\")\nLOOP\nx := READ_KEY\nENDLOOP\n"
